@@ -1,0 +1,29 @@
+# What every target of the project is built with.
+
+set(CMAKE_CXX_STANDARD 20)
+set(CMAKE_CXX_STANDARD_REQUIRED ON)
+set(CMAKE_CXX_EXTENSIONS OFF)
+set(CMAKE_POSITION_INDEPENDENT_CODE ON)
+set(CMAKE_CXX_VISIBILITY_PRESET hidden)
+set(CMAKE_VISIBILITY_INLINES_HIDDEN ON)
+
+set(CMAKE_RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/bin)
+set(CMAKE_LIBRARY_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/lib)
+set(CMAKE_ARCHIVE_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/lib)
+if(WIN32)
+  # A DLL is found beside the program that loads it.
+  set(CMAKE_LIBRARY_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/bin)
+endif()
+
+# RUNPATH, not RPATH: a host's own libraries of the same names can be put first with LD_LIBRARY_PATH.
+set(CMAKE_BUILD_RPATH_USE_ORIGIN ON)
+if(NOT WIN32)
+  add_link_options(LINKER:--enable-new-dtags)
+endif()
+
+add_compile_options(-Wall -Wextra -Wpedantic -Wconversion -Wshadow)
+
+if(VEMRADO_SANITIZE)
+  add_compile_options(-fsanitize=${VEMRADO_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
+  add_link_options(-fsanitize=${VEMRADO_SANITIZE})
+endif()

@@ -1,0 +1,73 @@
+// The pool allocator behind all of the module's memory: regions from the system in multiples of 64 KiB, carved into
+// blocks with boundary tags.
+//
+// A block is a 32-bit header, the user area and a 32-bit trailer. Both words hold the size of the user area, a multiple
+// of 4; bit 0 says that the block is free, bit 1 of the header that it is the first and of the trailer that it is the
+// last block of its region. A free block's first word holds its index in the free list (-1: not listed). Free
+// neighbours are merged at once, and a region without an allocated block goes back to the system at once.
+//
+// Addresses are multiples of 4, not more. One thread at a time; nothing throws.
+
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+
+namespace vemrado {
+
+class CMemoryPool {
+  public:
+    // Only the first 6 characters of the name are kept.
+    constexpr explicit CMemoryPool(const char* poolName);
+    CMemoryPool(const CMemoryPool&) = delete;
+    CMemoryPool& operator=(const CMemoryPool&) = delete;
+    ~CMemoryPool();
+
+    // A user area of at least size bytes; null when size is 0 or larger than largestRequest, or when no memory is to
+    // be had.
+    void* Alloc(uint32_t size);
+    // 1 when the block was freed; 0 when the address is null or no allocated block (nothing changes then).
+    int Free(void* block);
+    // Gives every region back to the system, whatever is still allocated in it.
+    void ReleaseAll();
+
+    static constexpr uint32_t largestRequest = 0xFFFEFFF8u;
+
+    const char* Name() const { return name; }
+    int32_t RegionCount() const { return regionCount; }
+    int32_t FreeCount() const { return freeCount; }
+
+  private:
+    struct FreeEntry {
+        uint32_t size;
+        char* block;
+    };
+    struct RegionEntry {
+        uint32_t size;
+        char* base;
+    };
+
+    char name[7] = {};
+    FreeEntry* freeBlocks = nullptr;
+    RegionEntry* regions = nullptr;
+    int32_t regionCount = 0;
+    int32_t regionCapacity = 0;
+    char* lastFreeBlock = nullptr;
+    int32_t lastFreeIndex = 0;
+    int32_t freeCount = 0;
+    int32_t freeCapacity = 0;
+};
+
+constexpr CMemoryPool::CMemoryPool(const char* poolName) {
+    for (int i = 0; i < 6 && poolName[i] != '\0'; ++i) name[i] = poolName[i];
+}
+
+extern CMemoryPool mainPool;    // everything that the module creates
+extern CMemoryPool stringPool;  // the shared strings of the shape file reader
+
+// The module's allocation on top of mainPool, with real alignment (a power of two). Null on failure. Either kind of
+// block goes back through FreeMemory.
+void* AllocateMemory(size_t size, size_t alignment);
+void FreeMemory(void* block);
+
+}  // namespace vemrado
