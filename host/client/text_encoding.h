@@ -1,0 +1,58 @@
+// Texts of VKM files are bytes in one of a few encodings; our hosts work with UTF-8.
+
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace vemrado::client {
+
+enum class Encoding : int { windows1250, cp852, iso8859_2, utf8 };
+
+// Names by which people choose an encoding, in the order of the enumeration.
+inline constexpr std::array<std::string_view, 4> encodingNames = {"windows-1250", "cp852", "iso-8859-2",
+                                                                  "utf-8"};
+
+// The encoding of a name as above (case does not matter); none for any other name.
+std::optional<Encoding> FindEncoding(std::string_view name);
+
+// Length of the valid UTF-8 sequence at the start of a text, 1 to 4; 0 when the text is empty or starts
+// otherwise.
+size_t Utf8SequenceLength(std::string_view text);
+
+// Appends a character in UTF-8.
+void AppendUtf8(char32_t character, std::string& text);
+
+// Turns texts of one encoding into UTF-8. A byte without a character becomes U+FFFD and is counted.
+class TextDecoder {
+  public:
+    explicit TextDecoder(Encoding encoding);
+
+    void Append(std::string_view bytes, std::string& utf8);
+    std::string Decode(std::string_view bytes);
+
+    // Bytes replaced since the decoder was made.
+    uint64_t ReplacedBytes() const { return replacedBytes; }
+
+  private:
+    struct Sequence {
+        std::array<char, 3> bytes{};
+        uint8_t length = 0;  // 0: the byte has no character
+    };
+
+    void AppendSingleBytes(std::string_view bytes, std::string& utf8);
+    void AppendCheckedUtf8(std::string_view bytes, std::string& utf8);
+
+    Encoding encoding;
+    std::array<Sequence, 256> sequences;  // of single-byte encodings
+    uint64_t replacedBytes = 0;
+};
+
+// A message of the module as UTF-8. The module's own words are Windows-1250 while file names and the system's
+// messages may be UTF-8: what makes a UTF-8 sequence stays, every other byte counts as Windows-1250.
+std::string MessageToUtf8(std::string_view message);
+
+}  // namespace vemrado::client
