@@ -1,5 +1,6 @@
-// The module's whole view of the operating system, sized by what is asked of it. One implementation per system stands
-// in posix/ and windows/; what both share (provider files, text mode) stands beside this header.
+// The module's whole view of the operating system, sized by what is asked of it. One implementation per
+// system stands in posix/ and windows/; what both share (provider files, text mode) stands beside this
+// header.
 //
 // Nothing here throws. One thread at a time.
 
@@ -14,8 +15,8 @@ namespace vemrado::platform {
 
 enum class Origin { start = 0, current = 1, end = 2 };
 
-// An open file of the system or of the host's file provider, read only. Other readers are let in and writers are kept
-// out (on Linux by an advisory lock).
+// An open file of the system or of the host's file provider, read only. Other readers are let in and writers
+// are kept out (on Linux by an advisory lock).
 class File {
   public:
     File() = default;
@@ -23,16 +24,19 @@ class File {
     File& operator=(const File&) = delete;
     ~File() { Close(); }
 
-    // Opens for reading with the hint that reads run from start to end. Closes what was open. The path may use '\' as
-    // separator and differ in case from what is on disk. False on failure; OpenFailureText then describes it.
+    // Opens for reading with the hint that reads run from start to end. Closes what was open. The path may
+    // use '\' as separator and differ in case from what is on disk. False on failure; OpenFailureText then
+    // describes it.
     bool Open(const char* path);
     bool IsOpen() const { return handle != nullptr; }
     void Close();
 
-    // Bytes read, less than count only at the end of the file (a pipe is read until it has given count bytes or
-    // ended); -1 on failure.
+    // Bytes read, or -1 on failure. Less than count only before the end of the file or before a failure,
+    // which the next call reports: who reads to the end calls until there is 0. A pipe is read until it has
+    // given count bytes.
     int64_t Read(void* destination, size_t count);
-    // The new position from the start, or -1.
+    // The new position from the start, or -1 (the position is unchanged then). A file of the provider is
+    // opened anew to go back.
     int64_t Seek(int64_t offset, Origin origin);
     // Length in bytes, 0 when the file has none (a pipe), -1 on failure. The position is unchanged.
     int64_t Length();
@@ -41,12 +45,16 @@ class File {
     int LastError() const { return lastError; }
 
   private:
-    void* handle = nullptr;  // owned; what it is is the implementation's own affair
+    int64_t ReadOnce(void* destination, size_t count);
+
+    void* handle = nullptr;  // owned: a NativeFile, or a ProvidedFile
+    bool provided = false;
     int lastError = 0;
+    int pendingError = 0;  // of a read that had given some bytes already
 };
 
-// Writes one line that names the path and the reason into text, at most capacity - 1 characters and the terminator.
-// The path is shortened at its start when both do not fit.
+// Writes one line that names the path and the reason into text, at most capacity - 1 characters and the
+// terminator. The path is shortened at its start when both do not fit.
 void OpenFailureText(const char* path, int error, char* text, size_t capacity);
 // The reason alone, in the system's words, without a line end.
 void ErrorReason(int error, char* text, size_t capacity);
@@ -68,9 +76,9 @@ class CriticalErrorGuard {
 enum class RegistryRoot { localMachine };
 constexpr uint32_t registryString = 1;  // REG_SZ
 
-// The two steps in which a value is read, as the system offers them: type and size in bytes first (data null), then
-// the data. size is in and out: the room in data, then the value's size. False when key or value is missing or the
-// room too small. A null subkey names the root key itself.
+// The two steps in which a value is read, as the system offers them: type and size in bytes first (data
+// null), then the data. size is in and out: the room in data, then the value's size. False when key or value
+// is missing or the room too small. A null subkey names the root key itself.
 bool QueryRegistryValue(RegistryRoot root, const char* subkey, const char* name, uint32_t* type, char* data,
                         uint32_t* size);
 
@@ -78,7 +86,8 @@ bool QueryRegistryValue(RegistryRoot root, const char* subkey, const char* name,
 
 constexpr size_t regionGranularity = 65536;
 
-// size is a multiple of regionGranularity; the address is too. Zeroed, readable and writable. Null on failure.
+// size is a multiple of regionGranularity; the address is too. Zeroed, readable and writable. Null on
+// failure.
 void* ReserveRegion(size_t size);
 void ReleaseRegion(void* base, size_t size);
 

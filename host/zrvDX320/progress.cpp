@@ -1,0 +1,103 @@
+// The info window as a progress bar in one line of the terminal.
+
+#include <algorithm>
+#include <new>
+#include <string>
+
+#include "windows1250.h"
+#include "zrvDX320/console.h"
+#include "zrvDX320/zrvDX320.h"
+
+namespace {
+
+struct InfoWindow {
+    std::string text;
+    int interruptsBefore;  // at its opening: only a later one is a request to stop this window's work
+    size_t drawn;          // columns that the last line took
+};
+
+int openWindows = 0;
+int interruptsForgotten = 0;
+bool visible = true;
+
+size_t CharacterCount(const std::string& utf8) {
+    return static_cast<size_t>(
+        std::count_if(utf8.begin(), utf8.end(), [](char unit) { return (unit & 0xC0) != 0x80; }));
+}
+
+// Reading input file [##########----------]  50 %
+// A terminal too narrow for that gets the number alone.
+std::string BarLine(const std::string& text, int columns, int percent) {
+    constexpr size_t widestBar = 40;
+    constexpr size_t besideBar = 10;  // blanks, brackets, number, and the last column, after which lines wrap
+    std::string number = std::to_string(percent) + " %";
+    number.insert(0, 5 - number.size(), ' ');
+    const size_t used = CharacterCount(text) + besideBar;
+    if (static_cast<size_t>(columns) <= used) return number;
+    const size_t width = std::min(widestBar, static_cast<size_t>(columns) - used);
+    const size_t filled = width * static_cast<size_t>(percent) / 100;
+    return text + " [" + std::string(filled, '#') + std::string(width - filled, '-') + "] " + number;
+}
+
+void Draw(InfoWindow& window, int maximum, int position) {
+    const int columns = visible ? TerminalColumns() : 0;
+    if (columns == 0 || maximum <= 0) return;
+    const int percent = static_cast<int>(100LL * std::clamp(position, 0, maximum) / maximum);
+    const std::string line = BarLine(window.text, columns, percent);
+    WriteTerminal(("\r" + line).c_str());
+    window.drawn = CharacterCount(line);
+}
+
+void Erase(const InfoWindow& window) {
+    if (window.drawn != 0) WriteTerminal(("\r" + std::string(window.drawn, ' ') + "\r").c_str());
+}
+
+}  // namespace
+
+void* create_info_ext(const char* const* lines, int count, const char* text, const char*) {
+    const char* caption = text != nullptr ? text : (lines != nullptr && count > 0) ? lines[0] : nullptr;
+    try {
+        auto* window =
+            new InfoWindow{windows1250::ToUtf8(caption != nullptr ? caption : ""), InterruptCount(), 0};
+        if (openWindows++ == 0) WatchInterrupts();
+        return window;
+    } catch (const std::bad_alloc&) {
+        return nullptr;
+    }
+}
+
+int draw_info(void* handle, int maximum, int position, int) {
+    if (handle == nullptr) return 0;
+    auto& window = *static_cast<InfoWindow*>(handle);
+    if (InterruptCount() != window.interruptsBefore) return 1;
+    try {
+        Draw(window, maximum, position);
+    } catch (const std::bad_alloc&) {
+        // The work goes on without a picture of it.
+    }
+    return 0;
+}
+
+void close_info(void* handle) {
+    if (handle == nullptr) return;
+    auto* window = static_cast<InfoWindow*>(handle);
+    try {
+        Erase(*window);
+    } catch (const std::bad_alloc&) {
+        // The last picture stays.
+    }
+    delete window;
+    if (--openWindows == 0) UnwatchInterrupts();
+}
+
+int InfoStopRequested(void) {
+    return InterruptCount() != interruptsForgotten ? 1 : 0;
+}
+
+void InfoResetStop(void) {
+    interruptsForgotten = InterruptCount();
+}
+
+void InfoSetVisible(int value) {
+    visible = value != 0;
+}
