@@ -35,8 +35,7 @@ class File {
     // which the next call reports: who reads to the end calls until there is 0. A pipe is read until it has
     // given count bytes.
     int64_t Read(void* destination, size_t count);
-    // The new position from the start, or -1 (the position is unchanged then). A file of the provider is
-    // opened anew to go back.
+    // The new position from the start, or -1. A file of the provider is opened anew to go back.
     int64_t Seek(int64_t offset, Origin origin);
     // Length in bytes, 0 when the file has none (a pipe), -1 on failure. The position is unchanged.
     int64_t Length();

@@ -20,8 +20,8 @@ struct ProvidedFile {
 
 namespace {
 
-// Reads on to a position; true when it is reached or the file ends before it.
-bool SkipTo(const FrameworkFileProvider& provider, void* file, int64_t position, int64_t target) {
+// Reads on to a target; true when it is reached or the file ends before it. The position goes along.
+bool SkipTo(const FrameworkFileProvider& provider, void* file, int64_t& position, int64_t target) {
     char passed[4096];
     while (position < target) {
         const auto wanted = static_cast<size_t>(std::min<int64_t>(target - position, sizeof passed));
@@ -47,7 +47,8 @@ bool SkipToEnd(ProvidedFile& file) {
 bool GoBack(ProvidedFile& file, int64_t target) {
     void* again = file.provider.open(file.provider.context, file.Path());
     if (again == nullptr) return false;
-    if (!SkipTo(file.provider, again, 0, target)) {
+    int64_t position = 0;
+    if (!SkipTo(file.provider, again, position, target)) {
         file.provider.close(again);
         return false;
     }
