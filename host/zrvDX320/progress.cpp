@@ -49,7 +49,10 @@ void Draw(InfoWindow& window, int maximum, int position) {
 }
 
 void Erase(const InfoWindow& window) {
-    if (window.drawn != 0) WriteTerminal(("\r" + std::string(window.drawn, ' ') + "\r").c_str());
+    if (window.drawn == 0) return;
+    std::string line = "\r";
+    line.append(window.drawn, ' ').append("\r");
+    WriteTerminal(line.c_str());
 }
 
 }  // namespace
