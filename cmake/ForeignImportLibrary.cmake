@@ -8,7 +8,7 @@ function(vemrado_foreign_import_library target definitions)
   set(directory ${CMAKE_BINARY_DIR}/lib)
   file(READ ${definitions} exports)
   string(REGEX REPLACE "\" = [A-Za-z0-9_]*" "\"" exports "${exports}")
-  file(CONFIGURE OUTPUT ${directory}/vemrado.def CONTENT "${exports}" @ONLY)
+  file(GENERATE OUTPUT ${directory}/vemrado.def CONTENT "${exports}")
   add_custom_command(OUTPUT ${directory}/vemrado.lib
     COMMAND ${VEMRADO_DLLTOOL} -m i386:x86-64 -d ${directory}/vemrado.def -l ${directory}/vemrado.lib
     DEPENDS ${directory}/vemrado.def

@@ -1,8 +1,9 @@
-// A host in the conventions of the platform's own compiler: no headers, no runtime, no exceptions. Imports the file
-// that the command line names last and writes the digest; ends with the number of the first check that failed.
+// A host in the conventions of the platform's own compiler: no headers, no runtime, no exceptions. Imports
+// the file that the command line names last and writes the digest; ends with the number of the first check
+// that failed.
 //
-// FOREIGN_PUBLIC_HEADER: with the interface as the module ships it; otherwise with a class declared as imported as a
-// whole, which takes constructors, destructor and assignment from the module too.
+// FOREIGN_PUBLIC_HEADER: with the interface as the module ships it; otherwise with a class declared as
+// imported as a whole, which takes constructors, destructor and assignment from the module too.
 
 extern "C" {
 __declspec(dllimport) void* GetStdHandle(unsigned long which);

@@ -1,4 +1,5 @@
-// What the tests of the loaded module share: files of their own, the boxes that the module showed, other programs.
+// What the tests of the loaded module share: files of their own, the boxes that the module showed, other
+// programs.
 
 #pragma once
 
@@ -88,8 +89,8 @@ struct RunResult {
 inline RunResult Run(const Folder& folder, const std::string& commandLine) {
     const std::string outputName = folder.Path("output.txt");
     SECURITY_ATTRIBUTES inherited = {sizeof(SECURITY_ATTRIBUTES), nullptr, TRUE};
-    const HANDLE output = CreateFileA(outputName.c_str(), GENERIC_WRITE, FILE_SHARE_READ, &inherited, CREATE_ALWAYS,
-                                      FILE_ATTRIBUTE_NORMAL, nullptr);
+    const HANDLE output = CreateFileA(outputName.c_str(), GENERIC_WRITE, FILE_SHARE_READ, &inherited,
+                                      CREATE_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr);
     STARTUPINFOA startup = {};
     startup.cb = sizeof(startup);
     startup.dwFlags = STARTF_USESTDHANDLES;
@@ -98,7 +99,8 @@ inline RunResult Run(const Folder& folder, const std::string& commandLine) {
     PROCESS_INFORMATION process = {};
     std::string arguments = commandLine;
     RunResult result;
-    if (CreateProcessA(nullptr, arguments.data(), nullptr, nullptr, TRUE, 0, nullptr, nullptr, &startup, &process)) {
+    if (CreateProcessA(nullptr, arguments.data(), nullptr, nullptr, TRUE, 0, nullptr, nullptr, &startup,
+                       &process)) {
         WaitForSingleObject(process.hProcess, 60000);
         GetExitCodeProcess(process.hProcess, &result.exitCode);
         CloseHandle(process.hProcess);

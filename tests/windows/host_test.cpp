@@ -94,7 +94,8 @@ TEST(WindowsFile, OpensNamesInTheSystemsCodePage) {
 
 TEST(WindowsFile, MissingFilesAndFoldersAreOneBoxEach) {
     const Folder folder;
-    for (const std::string& file : {folder.Path("missing.vkm"), folder.Path("no\\folder.vkm"), folder.Path("")}) {
+    for (const std::string& file :
+         {folder.Path("missing.vkm"), folder.Path("no\\folder.vkm"), folder.Path("")}) {
         SCOPED_TRACE(file);
         const Boxes boxes;
         const Importer vkm;
@@ -115,7 +116,8 @@ class Window {
         description.lpszClassName = "VemradoTest";
         description.hInstance = GetModuleHandleA(nullptr);
         RegisterClassA(&description);
-        window = CreateWindowA("VemradoTest", "", 0, 0, 0, 0, 0, HWND_MESSAGE, nullptr, description.hInstance, nullptr);
+        window = CreateWindowA("VemradoTest", "", 0, 0, 0, 0, 0, HWND_MESSAGE, nullptr, description.hInstance,
+                               nullptr);
         SetWindowLongPtrA(window, GWLP_USERDATA, reinterpret_cast<LONG_PTR>(this));
     }
     Window(const Window&) = delete;
@@ -209,7 +211,8 @@ TEST(ProgressWindow, AStopEndsTheReadingUntilTheNextCall) {
     int elements = 0;
     for (; vkm->ReadNext() == 1; ++elements) {
         if (elements == 5000) ASSERT_TRUE(GenerateConsoleCtrlEvent(CTRL_C_EVENT, 0)) << GetLastError();
-        if (elements >= 5000) Sleep(elements < 5100 ? 1 : 0);  // the system tells of the key on a thread of its own
+        if (elements >= 5000)
+            Sleep(elements < 5100 ? 1 : 0);  // the system tells of the key on a thread of its own
     }
     EXPECT_GE(elements, 5000);
     EXPECT_LT(elements, 20000);
@@ -246,7 +249,8 @@ TEST(ForeignHost, ImportsLikeThisOne) {
         for (const char* host : {"foreign_host.exe", "foreign_host_public.exe"}) {
             const RunResult run = Run(folder, Beside(host) + " " + sample);
             EXPECT_EQ(run.exitCode, 0u) << host;
-            EXPECT_EQ(run.output, std::to_string(expected.elements) + " " + std::to_string(expected.hash) + " ");
+            EXPECT_EQ(run.output,
+                      std::to_string(expected.elements) + " " + std::to_string(expected.hash) + " ");
         }
     }
 }

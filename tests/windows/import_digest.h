@@ -1,5 +1,5 @@
-// One whole import, summed up in a number. No header is used: the same code runs in a host of either compiler's
-// conventions, and both must come to the same result.
+// One whole import, summed up in a number. No header is used: the same code runs in a host of either
+// compiler's conventions, and both must come to the same result.
 
 #pragma once
 
@@ -62,8 +62,7 @@ void AddText(ImportDigest& digest, Interface* vkm) {
 template <class Interface>
 ImportDigest Import(Interface* vkm, const char* file) {
     ImportDigest digest;
-    digest.opened =
-        vkm->Open(file, 1, "", 64, 2.5, Interface::flgSymbols | Interface::flgSymbolsByGPScale);
+    digest.opened = vkm->Open(file, 1, "", 64, 2.5, Interface::flgSymbols | Interface::flgSymbolsByGPScale);
     if (digest.opened == 0) return digest;
     while (const int kind = vkm->ReadNext()) {
         int layer = 0;

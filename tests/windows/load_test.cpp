@@ -68,11 +68,13 @@ TEST(Load, ImportsTheSystemAndTheHostsLibrariesOnly) {
     const Module module;
     ASSERT_NE(module.Handle(), nullptr);
     auto imports = PeImage(module.Handle()).Imports();
-    EXPECT_EQ(imports["zrv320.dll"], (std::set<std::string>{"GetZrvCountry", "setextpattline", "setextpattpoint"}));
+    EXPECT_EQ(imports["zrv320.dll"],
+              (std::set<std::string>{"GetZrvCountry", "setextpattline", "setextpattpoint"}));
     EXPECT_EQ(imports["zrvDX320.dll"], (std::set<std::string>{"close_info", "create_info_ext", "draw_info"}));
     for (const auto& [library, names] : imports) {
-        const std::set<std::string> allowed = {"KERNEL32.dll", "ADVAPI32.dll", "USER32.dll",          "msvcrt.dll",
-                                               "zrv320.dll",   "zrvDX320.dll", "VemradoFramework.dll"};
+        const std::set<std::string> allowed = {"KERNEL32.dll",        "ADVAPI32.dll", "USER32.dll",
+                                               "msvcrt.dll",          "zrv320.dll",   "zrvDX320.dll",
+                                               "VemradoFramework.dll"};
         EXPECT_TRUE(allowed.contains(library)) << library;
     }
 }
@@ -82,10 +84,9 @@ TEST(Load, ImportsBySlotAlone) {
     const std::string file = folder.Write("map.vkm", MapOfLines(2));
     const Module module;
     ASSERT_NE(module.Handle(), nullptr);
-    for (const auto& [create, destroy] :
-         {std::pair("CreateVKMInterface", "DestroyVKMInterface"),
-          std::pair("?CreateVKMInterface@CVKMInterface@@SAPEAV1@XZ",
-                    "?DestroyVKMInterface@CVKMInterface@@SAXPEAV1@@Z")}) {
+    for (const auto& [create, destroy] : {std::pair("CreateVKMInterface", "DestroyVKMInterface"),
+                                          std::pair("?CreateVKMInterface@CVKMInterface@@SAPEAV1@XZ",
+                                                    "?DestroyVKMInterface@CVKMInterface@@SAXPEAV1@@Z")}) {
         SCOPED_TRACE(create);
         void* importer = module.Export<Create>(create)();
         ASSERT_NE(importer, nullptr);

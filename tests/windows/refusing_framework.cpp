@@ -2,4 +2,6 @@
 
 #include "framework/framework.h"
 
-int AfxInitExtensionModule(AFX_EXTENSION_MODULE*, void*) { return 0; }
+int AfxInitExtensionModule(AFX_EXTENSION_MODULE*, void*) {
+    return 0;
+}

@@ -1,34 +1,17 @@
-// The module's entry on Windows: its place in the chain of the framework's extension libraries.
+// Module entry on Windows.
 
 #include <windows.h>
 
-#include <new>
-
-#include "framework/framework.h"
-
-namespace vemrado {
-namespace {
-
-AFX_EXTENSION_MODULE moduleRecord;
-
-// The framework deletes it; the class of our own makes that go through the module's allocator.
-class ModuleLibrary final : public CDynLinkLibrary {
-  public:
-    using CDynLinkLibrary::CDynLinkLibrary;
-};
-
-BOOL Attach(HINSTANCE instance) {
-    if (AfxInitExtensionModule(&moduleRecord, instance) == 0) return FALSE;
-    if (new (std::nothrow) ModuleLibrary(&moduleRecord) != nullptr) return TRUE;
-    AfxTermExtensionModule(&moduleRecord, 0);
-    return FALSE;
-}
-
-}  // namespace
-}  // namespace vemrado
+#include "interface/module/module.h"
 
 extern "C" BOOL WINAPI DllMain(HINSTANCE instance, DWORD reason, void*) {
-    if (reason == DLL_PROCESS_ATTACH) return vemrado::Attach(instance);
-    if (reason == DLL_PROCESS_DETACH) AfxTermExtensionModule(&vemrado::moduleRecord, 0);
-    return TRUE;
+    switch (reason) {
+        case DLL_PROCESS_ATTACH:
+            return vemrado::AttachModule(instance) ? TRUE : FALSE;
+        case DLL_PROCESS_DETACH:
+            vemrado::DetachModule();
+            return TRUE;
+        default:
+            return TRUE;  // threads come and go without notice
+    }
 }

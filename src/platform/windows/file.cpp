@@ -9,9 +9,13 @@ namespace vemrado::platform {
 
 namespace {
 
-int LastSystemError() { return static_cast<int>(GetLastError()); }
+int LastSystemError() {
+    return static_cast<int>(GetLastError());
+}
 
-bool IsDiskFile(HANDLE file) { return GetFileType(file) == FILE_TYPE_DISK; }
+bool IsDiskFile(HANDLE file) {
+    return GetFileType(file) == FILE_TYPE_DISK;
+}
 
 }  // namespace
 
@@ -26,7 +30,9 @@ NativeFile NativeOpen(const char* path, int& error) {
     return nullptr;
 }
 
-void NativeClose(NativeFile file) { CloseHandle(file); }
+void NativeClose(NativeFile file) {
+    CloseHandle(file);
+}
 
 int64_t NativeRead(NativeFile file, void* destination, size_t count, int& error) {
     constexpr size_t most = 1u << 30;
@@ -46,7 +52,8 @@ int64_t NativeSeek(NativeFile file, int64_t offset, Origin origin, int& error) {
         error = seekError;
         return -1;
     }
-    if (SetFilePointerEx(file, distance, &position, methods[static_cast<int>(origin)])) return position.QuadPart;
+    if (SetFilePointerEx(file, distance, &position, methods[static_cast<int>(origin)]))
+        return position.QuadPart;
     error = LastSystemError();
     return -1;
 }

@@ -37,8 +37,8 @@ bool NativeQueryRegistryValue(RegistryRoot, const char* subkey, const char* name
     if (key.Handle() == nullptr) return false;
     DWORD valueType = REG_NONE;
     DWORD valueSize = *size;
-    if (RegQueryValueExA(key.Handle(), name, nullptr, &valueType, reinterpret_cast<BYTE*>(data), &valueSize) !=
-        ERROR_SUCCESS) {
+    if (RegQueryValueExA(key.Handle(), name, nullptr, &valueType, reinterpret_cast<BYTE*>(data),
+                         &valueSize) != ERROR_SUCCESS) {
         return false;
     }
     *type = valueType;

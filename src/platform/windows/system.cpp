@@ -31,7 +31,9 @@ void ErrorReason(int error, char* text, size_t capacity) {
 }
 
 CriticalErrorGuard::CriticalErrorGuard() : previousMode(SetErrorMode(SEM_FAILCRITICALERRORS)) {}
-CriticalErrorGuard::~CriticalErrorGuard() { SetErrorMode(previousMode); }
+CriticalErrorGuard::~CriticalErrorGuard() {
+    SetErrorMode(previousMode);
+}
 
 void PumpMessages() {
     bool quit = false;
