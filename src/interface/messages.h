@@ -1,6 +1,8 @@
-// The texts that the module shows, in three languages, and the warnings collected during a load of the symbology.
+// The texts that the module shows, in three languages, and the warnings collected during a load of the
+// symbology.
 //
-// Texts are in Windows-1250. The language is chosen once, while the module is loaded. A leaf: any room may include it.
+// Texts are in Windows-1250. The language is chosen once, while the module is loaded. A leaf: any room may
+// include it.
 
 #pragma once
 

@@ -1,7 +1,7 @@
 // Text files read line by line: VKM files and the symbology tables.
 //
-// Text mode: a carriage return before a line feed is dropped and 0x1A ends the input. A zero character inside a line
-// ends the line at that point; what follows it on the line is lost.
+// Text mode: a carriage return before a line feed is dropped and 0x1A ends the input. A zero character inside
+// a line ends the line at that point; what follows it on the line is lost.
 //
 // Memory: one fixed buffer, taken at Open and returned at Close, whatever the file's size.
 
@@ -11,6 +11,7 @@
 #include <cstdint>
 #include <string_view>
 
+#include "platform/line_feed.h"
 #include "platform/platform.h"
 
 namespace vemrado::platform {
@@ -24,32 +25,53 @@ class TextFile {
     TextFile& operator=(const TextFile&) = delete;
     ~TextFile() { Close(); }
 
-    // False when the file cannot be opened or there is no memory for the buffer; LastError tells why.
-    bool Open(const char* path);
+    static constexpr size_t defaultBufferSize = 262144;
+
+    // False when the file cannot be opened or there is no memory for the buffer; FailureText tells why. The
+    // buffer must be larger than every limit given to ReadLine.
+    bool Open(const char* path, size_t wantedBufferSize = defaultBufferSize);
     void Close();
     bool IsOpen() const { return file.IsOpen(); }
-    int LastError() const { return lastError; }
     // As File::Length.
     int64_t Length() { return file.Length(); }
+    // One line that names the path and the reason of the last failure, at most capacity - 1 characters.
+    void FailureText(const char* path, char* text, size_t capacity) const;
+    // The reason alone.
+    void FailureReason(char* text, size_t capacity) const;
 
-    // The next line without its line end, at most limit - 1 characters of the file counting the line feed: a longer
-    // line comes back in pieces. The view is valid until the next call. hadLineFeed says whether the line's own line
-    // feed was taken. After ReadResult::error the same call may be tried again; nothing read before is lost.
-    ReadResult ReadLine(size_t limit, std::string_view& line, bool& hadLineFeed);
+    // The next line without its line end, at most limit - 1 characters of the file counting the line feed: a
+    // longer line comes back in pieces. The view is valid until the next call. hadLineFeed says whether the
+    // line ends with its line feed: not so for a piece, for a line cut by a zero character and for an
+    // unfinished last line. After ReadResult::error the same call may be tried again; nothing read before is
+    // lost.
+    ReadResult ReadLine(size_t limit, std::string_view& line, bool& hadLineFeed) {
+        const char* stop = FindLineFeed(cursor, filled, limit - 1);
+        if (stop != nullptr && !zeroInBuffer) [[likely]] {
+            const bool carriageReturn = stop > cursor && stop[-1] == '\r';
+            line = std::string_view(cursor, static_cast<size_t>(stop - cursor) - (carriageReturn ? 1 : 0));
+            hadLineFeed = true;
+            cursor = stop + 1;
+            return ReadResult::line;
+        }
+        return ReadLineAtEdge(limit, line, hadLineFeed);
+    }
 
     // Back to the start of the file. False on failure.
     bool Rewind();
 
-    static constexpr size_t bufferSize = 262144;
-    static constexpr size_t largestLimit = bufferSize / 2;
-
   private:
+    ReadResult ReadLineAtEdge(size_t limit, std::string_view& line, bool& hadLineFeed);
+    void TakePiece(size_t count, std::string_view& line);
+    bool Fill();
+
     File file;
-    char* buffer = nullptr;
-    char* cursor = nullptr;  // next character to hand out
-    char* filled = nullptr;  // end of the characters that may be handed out
-    bool ended = false;      // no more characters come from the file: its end, or 0x1A
-    int lastError = 0;
+    char* buffer = nullptr;  // bufferSize characters and room for the line feeds that stop a search
+    size_t bufferSize = 0;
+    const char* cursor = nullptr;  // next character to hand out
+    char* filled = nullptr;        // end of the characters that may be handed out
+    bool ended = false;            // no more characters come from the file: its end, or 0x1A
+    bool zeroInBuffer = false;     // a zero character stands between cursor and filled, or did
+    bool outOfMemory = false;      // the last failure was the buffer's
 };
 
 }  // namespace vemrado::platform

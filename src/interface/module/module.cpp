@@ -1,0 +1,43 @@
+#include "interface/module/module.h"
+
+#include <new>
+
+#include "framework/framework.h"
+#include "interface/messages.h"
+#include "support/memory_pool.h"
+#include "zrv320/zrv320.h"
+
+namespace vemrado {
+
+namespace {
+
+// Deleted by the framework, through this class's own deallocation function.
+class ModuleLibrary final : public CDynLinkLibrary {
+  public:
+    using CDynLinkLibrary::CDynLinkLibrary;
+
+    static void* operator new(size_t size, const std::nothrow_t&) noexcept {
+        return AllocateMemory(size, alignof(ModuleLibrary));
+    }
+    static void operator delete(void* block) { FreeMemory(block); }
+    static void operator delete(void* block, const std::nothrow_t&) { FreeMemory(block); }
+};
+
+AFX_EXTENSION_MODULE extensionModule;
+
+// The host's drawing library is loaded before this module, so its language is known while the module loads.
+[[maybe_unused]] const bool languageSelected = (SelectLanguage(GetZrvCountry()), true);
+
+}  // namespace
+
+bool AttachModule(void* moduleHandle) {
+    if (AfxInitExtensionModule(&extensionModule, moduleHandle) == 0) return false;
+    new (std::nothrow) ModuleLibrary(&extensionModule);
+    return true;
+}
+
+void DetachModule() {
+    AfxTermExtensionModule(&extensionModule, 0);
+}
+
+}  // namespace vemrado

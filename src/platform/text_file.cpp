@@ -1,0 +1,122 @@
+#include "platform/text_file.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <cstring>
+
+namespace vemrado::platform {
+
+namespace {
+
+constexpr char endOfInput = 0x1A;
+constexpr char noMemory[] = "not enough memory";
+
+}  // namespace
+
+bool TextFile::Open(const char* path, size_t wantedBufferSize) {
+    Close();
+    outOfMemory = false;
+    if (!file.Open(path)) return false;
+    buffer = static_cast<char*>(ReallocateOnHeap(nullptr, wantedBufferSize + searchSlack));
+    if (buffer == nullptr) {
+        outOfMemory = true;
+        file.Close();
+        return false;
+    }
+    bufferSize = wantedBufferSize;
+    std::memset(buffer, '\n', searchSlack);
+    cursor = filled = buffer;
+    ended = zeroInBuffer = false;
+    return true;
+}
+
+void TextFile::Close() {
+    file.Close();
+    FreeOnHeap(buffer);
+    buffer = filled = nullptr;
+    cursor = nullptr;
+    ended = true;
+    zeroInBuffer = false;
+}
+
+void TextFile::FailureText(const char* path, char* text, size_t capacity) const {
+    if (outOfMemory) {
+        std::snprintf(text, capacity, "%.*s: %s", static_cast<int>(std::min<size_t>(capacity / 2, 4096)),
+                      path, noMemory);
+    } else {
+        OpenFailureText(path, file.LastError(), text, capacity);
+    }
+}
+
+void TextFile::FailureReason(char* text, size_t capacity) const {
+    if (outOfMemory) {
+        std::snprintf(text, capacity, "%s", noMemory);
+    } else {
+        ErrorReason(file.LastError(), text, capacity);
+    }
+}
+
+bool TextFile::Rewind() {
+    if (file.Seek(0, Origin::start) != 0) return false;
+    cursor = filled = buffer;
+    std::memset(buffer, '\n', searchSlack);
+    ended = zeroInBuffer = false;
+    return true;
+}
+
+// Reads behind what is left in the buffer, which moves to its start. False on a read error, with what is left
+// intact.
+bool TextFile::Fill() {
+    const size_t left = static_cast<size_t>(filled - cursor);
+    if (left > 0) std::memmove(buffer, cursor, left);
+    cursor = buffer;
+    filled = buffer + left;
+    const int64_t count = file.Read(filled, bufferSize - left);
+    if (count > 0) {
+        const char* stop =
+            static_cast<const char*>(std::memchr(filled, endOfInput, static_cast<size_t>(count)));
+        ended = stop != nullptr;
+        filled = ended ? buffer + (stop - buffer) : filled + count;
+    } else if (count == 0) {
+        ended = true;
+    }
+    zeroInBuffer = std::memchr(buffer, '\0', static_cast<size_t>(filled - buffer)) != nullptr;
+    std::memset(filled, '\n', searchSlack);
+    return count >= 0;
+}
+
+void TextFile::TakePiece(size_t count, std::string_view& line) {
+    line = std::string_view(cursor, count);
+    cursor += count;
+}
+
+// The line may reach beyond the buffer, hold a zero character, be longer than the limit, or be the last one.
+ReadResult TextFile::ReadLineAtEdge(size_t limit, std::string_view& line, bool& hadLineFeed) {
+    const size_t most = limit - 1;
+    hadLineFeed = false;
+    // A line feed at index most can still belong to the line: after a carriage return, which is dropped.
+    while (!ended && static_cast<size_t>(filled - cursor) <= most &&
+           FindLineFeed(cursor, filled, most + 1) == nullptr) {
+        if (!Fill()) return ReadResult::error;
+    }
+    if (cursor == filled) return ReadResult::end;
+
+    const char* stop = FindLineFeed(cursor, filled, most + 1);
+    const size_t index = stop != nullptr ? static_cast<size_t>(stop - cursor) : 0;
+    const size_t length = index - (index > 0 && cursor[index - 1] == '\r' ? 1 : 0);
+    if (stop != nullptr && length < most) {
+        hadLineFeed = true;
+        TakePiece(length, line);
+        cursor = stop + 1;
+    } else {
+        TakePiece(std::min(most, static_cast<size_t>(filled - cursor)), line);
+    }
+    const size_t zero = line.find('\0');
+    if (zero != std::string_view::npos) {
+        line = line.substr(0, zero);
+        hadLineFeed = false;
+    }
+    return ReadResult::line;
+}
+
+}  // namespace vemrado::platform
