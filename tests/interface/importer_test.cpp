@@ -49,7 +49,8 @@ TEST_F(Importer, ElementsEndWithTheNextRecord) {
         {"&L C 1 2\nC 3 4\n&Q 1 2\nC 5 6\n&K\n", "1:3 0 "},
         {"&L C 1 2\nC 3 4\n&* 1 2\nC 5 6\n&K\n", "1:2 0 "},
         {"&L C 1 2\n&T 1 2 'lost'\n", "1:1 0 "},
-        {"&L C 1 2\nM=2\nx M=2\nK=5\n&K\n", "1:2 0 "},
+        {"&L C 1 2\nC 3 4\nM=2\nx M=2\nK=5\n&K\n", "1:3 0 "},
+        {"&L C 1 2\nx M=2\n&K\n", "1:2 0 "},  // the header's element is flushed before the keys come
         {"&L C 1 2\n&U 1\nC 1 2\n&G\nC\n&S\n&K", "1:1 0 "},
         {"&K\n&L C 1 2\n&U\n", "0 "},
         {"", "0 "},

@@ -322,12 +322,13 @@ std::string DescribeText(double x, double y, double z, const std::string& text, 
 }
 
 std::string DescribeLayer(int number, const std::string& name) {
-    return " layer " + std::to_string(number) + "/" + name;
+    std::string text = " layer ";
+    return text.append(std::to_string(number)).append("/").append(name);
 }
 
 std::string DescribeEnd(double scale, int relative, int complete) {
-    return "end" + Bits(scale) + (relative ? " relative" : " absolute") +
-           (complete ? " complete" : " truncated");
+    std::string text = "end";
+    return text.append(Bits(scale)).append(relative ? " relative" : " absolute").append(complete ? " complete" : "");
 }
 
 std::vector<std::string> ReadNaively(const std::string& bytes, int orientation) {
@@ -345,8 +346,7 @@ std::vector<std::string> ReadNaively(const std::string& bytes, int orientation) 
         } else {
             for (const SeenVertex& vertex : reading.line) element += Describe(vertex);
         }
-        seen.push_back(
-            element + DescribeLayer(reading.elementLayer, std::to_string(reading.elementLayer).substr(0, 2)));
+        seen.push_back(element + DescribeLayer(reading.elementLayer, reading.elementLayerName));
     }
 
     seen.push_back(DescribeEnd(reading.scale, reading.relative, reading.state == 'K'));

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <random>
 #include <string>
 
@@ -17,7 +18,13 @@ class Reading : public testing::Test {
         files["map.vkm"] = bytes;
         const std::vector<std::string> module = ReadByModule("map.vkm", orientation);
         const std::vector<std::string> naive = ReadNaively(bytes, orientation);
-        ASSERT_EQ(module, naive) << "file: " << testing::PrintToString(bytes.substr(0, 400));
+        const size_t common = std::min(module.size(), naive.size());
+        for (size_t i = 0; i < common; ++i) {
+            ASSERT_EQ(module[i].substr(0, 2000), naive[i].substr(0, 2000))
+                << "element " << i << " of " << testing::PrintToString(bytes.substr(0, 400));
+            ASSERT_TRUE(module[i] == naive[i]) << "element " << i;
+        }
+        ASSERT_EQ(module.size(), naive.size());
     }
 
     MemoryFiles files;
@@ -129,8 +136,8 @@ std::string RandomFile(std::mt19937& random) {
                                         "&L P 1.5 2.5 ",
                                         "&T 3 4 'n\xE1zev' K=1005"};
     std::string bytes;
-    const unsigned int count = 1 + random() % 120;
-    for (unsigned int i = 0; i < count; ++i) {
+    const size_t count = 1 + random() % 120;
+    for (size_t i = 0; i < count; ++i) {
         bytes += parts[random() % std::size(parts)];
         if (random() % 3 == 0) bytes += random() % 4 == 0 ? "\r\n" : "\n";
         if (random() % 200 == 0) bytes += static_cast<char>(random() % 256);
@@ -151,7 +158,7 @@ TEST_F(Reading, ThousandsOfRandomFiles) {
 TEST_F(Reading, FilesLongerThanTheBuffer) {
     std::mt19937 random(7);
     std::string bytes;
-    while (bytes.size() < 1500000) bytes += RandomFile(random);
+    while (bytes.size() < 900000) bytes += RandomFile(random);
     for (size_t at; (at = bytes.find("&K")) != std::string::npos;) bytes[at + 1] = 'U';
     for (const size_t most : {SIZE_MAX, size_t{1000}, size_t{262143}}) {
         files.mostPerRead = most;
