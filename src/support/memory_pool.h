@@ -1,10 +1,11 @@
-// The pool allocator behind all of the module's memory: regions from the system in multiples of 64 KiB, carved into
-// blocks with boundary tags.
+// The pool allocator behind all of the module's memory: regions from the system in multiples of 64 KiB,
+// carved into blocks with boundary tags.
 //
-// A block is a 32-bit header, the user area and a 32-bit trailer. Both words hold the size of the user area, a multiple
-// of 4; bit 0 says that the block is free, bit 1 of the header that it is the first and of the trailer that it is the
-// last block of its region. A free block's first word holds its index in the free list (-1: not listed). Free
-// neighbours are merged at once, and a region without an allocated block goes back to the system at once.
+// A block is a 32-bit header, the user area and a 32-bit trailer. Both words hold the size of the user area,
+// a multiple of 4; bit 0 says that the block is free, bit 1 of the header that it is the first and of the
+// trailer that it is the last block of its region. A free block's first word holds its index in the free list
+// (-1: not listed). Free neighbours are merged at once, and a region without an allocated block goes back to
+// the system at once.
 //
 // Addresses are multiples of 4, not more. One thread at a time; nothing throws.
 
@@ -23,8 +24,8 @@ class CMemoryPool {
     CMemoryPool& operator=(const CMemoryPool&) = delete;
     ~CMemoryPool();
 
-    // A user area of at least size bytes; null when size is 0 or larger than largestRequest, or when no memory is to
-    // be had.
+    // A user area of at least size bytes; null when size is 0 or larger than largestRequest, or when no
+    // memory is to be had.
     void* Alloc(uint32_t size);
     // 1 when the block was freed; 0 when the address is null or no allocated block (nothing changes then).
     int Free(void* block);
@@ -46,6 +47,25 @@ class CMemoryPool {
         uint32_t size;
         char* base;
     };
+    // The trailer word of the block before and the header word of the block after.
+    struct Neighbours {
+        uint32_t before;
+        uint32_t after;
+    };
+    friend class PoolTestPeer;
+
+    int32_t FindFreeBlock(uint32_t size) const;
+    char* TakeFreeBlock(int32_t index, uint32_t size);
+    char* TakeFromNewRegion(uint32_t size);
+    int JoinAndList(char* block, uint32_t header, uint32_t trailer, Neighbours near);
+
+    void AddFreeBlock(char* block, uint32_t size);
+    void RemoveFreeBlock(uint32_t index);
+    void SetFreeBlockSize(char* block, uint32_t size);
+    void ReplaceFreeBlock(char* oldBlock, char* newBlock, uint32_t size);
+    uint32_t FreeIndex(char* block) const;
+    bool AddRegion(char* base, uint32_t size);
+    void ReleaseRegion(char* base);
 
     char name[7] = {};
     FreeEntry* freeBlocks = nullptr;
@@ -65,8 +85,8 @@ constexpr CMemoryPool::CMemoryPool(const char* poolName) {
 extern CMemoryPool mainPool;    // everything that the module creates
 extern CMemoryPool stringPool;  // the shared strings of the shape file reader
 
-// The module's allocation on top of mainPool, with real alignment (a power of two). Null on failure. Either kind of
-// block goes back through FreeMemory.
+// The module's allocation on top of mainPool, with real alignment (a power of two, at most 64 KiB). Null on
+// failure and for a size of 0. Every block goes back through FreeMemory, which ignores null.
 void* AllocateMemory(size_t size, size_t alignment);
 void FreeMemory(void* block);
 

@@ -2,7 +2,7 @@
 
 namespace vemrado {
 
-constinit CMemoryPool mainPool __attribute__((init_priority(101)))("main");
-constinit CMemoryPool stringPool __attribute__((init_priority(101)))("strings");
+constinit CMemoryPool mainPool __attribute__((init_priority(101))) ("main");
+constinit CMemoryPool stringPool __attribute__((init_priority(101))) ("strings");
 
 }  // namespace vemrado
