@@ -3,6 +3,7 @@
 #pragma once
 
 #include <array>
+#include <optional>
 #include <string_view>
 
 namespace vemrado::client {
@@ -22,5 +23,12 @@ inline constexpr std::array<AxisOrientation, 8> axisOrientations = {{
     {"y,-x", 64},
     {"-y,-x", 128},
 }};
+
+// The code of a name, which may stand in parentheses and hold blanks, or of a code written in decimal digits;
+// none for anything else.
+std::optional<int> FindAxisOrientation(std::string_view text);
+
+// The name of one of the eight codes; empty for other codes.
+std::string_view AxisOrientationName(int code);
 
 }  // namespace vemrado::client

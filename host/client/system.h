@@ -29,6 +29,8 @@ void PrepareStandardStreams();
 // Writes all bytes to standard output, unbuffered and without a change of line ends.
 WriteResult WriteStandardOutput(std::string_view bytes);
 
+bool StandardOutputIsTerminal();
+
 // Reads from standard input. Returns the number of bytes, 0 at the end or when a stop was requested, -1 on
 // failure.
 int64_t ReadStandardInput(void* destination, size_t count);

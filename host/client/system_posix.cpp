@@ -114,6 +114,10 @@ WriteResult WriteStandardOutput(std::string_view bytes) {
     return WriteAll(STDOUT_FILENO, bytes);
 }
 
+bool StandardOutputIsTerminal() {
+    return isatty(STDOUT_FILENO) != 0;
+}
+
 int64_t ReadStandardInput(void* destination, size_t count) {
     while (!StopRequested()) {
         WaitForStandardInput();

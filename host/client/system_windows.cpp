@@ -66,6 +66,11 @@ WriteResult WriteStandardOutput(std::string_view bytes) {
     return WriteAll(GetStdHandle(STD_OUTPUT_HANDLE), bytes);
 }
 
+bool StandardOutputIsTerminal() {
+    DWORD mode = 0;
+    return GetConsoleMode(GetStdHandle(STD_OUTPUT_HANDLE), &mode) != 0;
+}
+
 int64_t ReadStandardInput(void* destination, size_t count) {
     if (StopRequested()) return 0;
     DWORD got = 0;

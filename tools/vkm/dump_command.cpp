@@ -1,0 +1,163 @@
+// vkm dump: every element of a file in file order, as JSON Lines. The schema is described in
+// docs/command-line.md.
+
+#include <memory>
+
+#include "client/importer.h"
+#include "client/system.h"
+#include "client/text_encoding.h"
+#include "commands.h"
+#include "common_options.h"
+#include "json_writer.h"
+#include "program.h"
+#include "reading.h"
+#include "zrvDX320/zrvDX320.h"
+
+namespace vemrado::tools {
+namespace {
+
+struct DumpOptions {
+    std::string file;
+    client::Encoding encoding = client::Encoding::windows1250;
+    int axisOrientation = 1;
+};
+
+class ElementListing {
+  public:
+    ElementListing(StandardOutput& output, client::Encoding encoding) : json(output), decoder(encoding) {}
+
+    void WriteLine(const client::LineElement& line);
+    void WriteText(const client::TextElement& text);
+    uint64_t ReplacedBytes() const { return decoder.ReplacedBytes(); }
+
+  private:
+    void WriteVertex(const client::ElementVertex& vertex);
+    void WriteType(int type);
+    void WritePoint(const std::array<double, 3>& point);
+    void WriteDecoded(std::string_view bytes);
+
+    JsonWriter json;
+    client::TextDecoder decoder;
+    std::string utf8;
+};
+
+void ElementListing::WriteLine(const client::LineElement& line) {
+    json.Raw(R"({"kind":"line","layer":)");
+    json.Integer(line.layer);
+    json.Raw(R"(,"elements":[)");
+    bool first = true;
+    for (const client::ElementVertex& vertex : line.vertices) {
+        if (!first) json.Raw(",");
+        first = false;
+        WriteVertex(vertex);
+    }
+    json.Raw("]}\n");
+}
+
+void ElementListing::WriteVertex(const client::ElementVertex& vertex) {
+    json.Raw(R"({"point":)");
+    WritePoint(vertex.point);
+    json.Raw(R"(,"type":)");
+    WriteType(vertex.type);
+    json.Raw(R"(,"K":)");
+    WriteDecoded(vertex.code);
+    json.Raw(R"(,"M":)");
+    json.Real(vertex.valueM);
+    json.Raw(R"(,"R":)");
+    json.Real(vertex.valueR);
+    json.Raw(R"(,"S":)");
+    json.Integer(vertex.symbolCode);
+    json.Raw(R"(,"U":)");
+    json.Real(vertex.valueU);
+    json.Raw("}");
+}
+
+void ElementListing::WriteText(const client::TextElement& text) {
+    json.Raw(R"({"kind":"text","layer":)");
+    json.Integer(text.layer);
+    json.Raw(R"(,"text":)");
+    WriteDecoded(text.text);
+    json.Raw(R"(,"point":)");
+    WritePoint(text.point);
+    json.Raw(R"(,"D":)");
+    json.Integer(text.valueD);
+    json.Raw(R"(,"F":)");
+    json.Integer(text.valueF);
+    json.Raw(R"(,"H":)");
+    json.Real(text.scaledH);
+    json.Raw(R"(,"K":)");
+    json.Integer(text.code);
+    json.Raw(R"(,"U":)");
+    json.Real(text.valueU);
+    json.Raw("}\n");
+}
+
+// The third coordinate is always 0 and left out.
+void ElementListing::WritePoint(const std::array<double, 3>& point) {
+    json.Raw("[");
+    json.Real(point[0]);
+    json.Raw(",");
+    json.Real(point[1]);
+    json.Raw("]");
+}
+
+void ElementListing::WriteType(int type) {
+    if (type == 0) return json.Raw(R"("")");
+    const char quoted[] = {'"', type == 1 ? '?' : static_cast<char>(type), '"'};
+    json.Raw({quoted, sizeof quoted});
+}
+
+void ElementListing::WriteDecoded(std::string_view bytes) {
+    utf8.clear();
+    decoder.Append(bytes, utf8);
+    json.String(utf8);
+}
+
+int RunDump(const DumpOptions& options, Environment& environment) {
+    // A progress bar would run through the listing when both go to one terminal.
+    if (client::StandardOutputIsTerminal()) InfoSetVisible(0);
+    client::Importer importer;
+    ElementListing listing(environment.output, options.encoding);
+    client::OpenOptions open;
+    open.fileName = options.file;
+    open.axisOrientation = options.axisOrientation;
+    const ReadResult result = ReadElements(importer, open, environment, [&](client::ElementKind kind) {
+        if (kind == client::ElementKind::line) {
+            listing.WriteLine(importer.Line());
+        } else {
+            listing.WriteText(importer.Text());
+        }
+    });
+    if (listing.ReplacedBytes() > 0) {
+        const std::string_view encoding = client::encodingNames[static_cast<size_t>(options.encoding)];
+        environment.Warn(std::to_string(listing.ReplacedBytes()) + " bytes are no characters of " +
+                         std::string(encoding) + " and were replaced by U+FFFD; try --encoding");
+    }
+    return result.outcome == ReadOutcome::complete ? exitDone : exitInput;
+}
+
+}  // namespace
+
+void AddDumpCommand(Program& program) {
+    const auto options = std::make_shared<DumpOptions>();
+    const CommandText text = {
+        "dump",
+        "List every element of a file as JSON Lines",
+        "Writes every element in file order, one JSON object a line. A line carries its elements with point, "
+        "type "
+        "letter and K, M, R, S and U values; a text carries its text in UTF-8, its point and D, F, H, K and "
+        "U "
+        "values. Numbers read back to the same bits.\n\n"
+        "A file without its closing record loses its last element; the exit code is 1 then.",
+        {{"vkm dump map.vkm > map.jsonl", "list a whole file"},
+         {"vkm dump map.vkm | jq 'select(.kind == \"text\") | .text'", "the texts of a map"},
+         {"vkm dump --encoding cp852 --orientation=-y,-x old.vkm", "an old file, east and north"},
+         {"zcat map.vkm.gz | vkm dump -", "a compressed file"}}};
+    CLI::App& command =
+        program.Add(text, [options](Environment& environment) { return RunDump(*options, environment); });
+    AddFileArgument(command, options->file);
+    AddEncodingOption(program, command, options->encoding);
+    AddOrientationOption(program, command, options->axisOrientation);
+}
+
+}  // namespace vemrado::tools

@@ -1,0 +1,64 @@
+#include "file_summary.h"
+
+#include <algorithm>
+
+namespace vemrado::tools {
+namespace {
+
+size_t TypeIndex(int type) {
+    if (type == 0) return noTypeLetter;
+    const auto* found = std::find(typeLetters.begin(), typeLetters.end(), static_cast<char>(type));
+    return static_cast<size_t>(found - typeLetters.begin());
+}
+
+}  // namespace
+
+CodeCounts LayerSummary::SortedElementCodes() const {
+    CodeCounts codes(elementCodes.begin(), elementCodes.end());
+    // Among numbers the longer one is the larger one.
+    std::sort(codes.begin(), codes.end(), [](const auto& a, const auto& b) {
+        return std::pair(a.first.size(), a.first) < std::pair(b.first.size(), b.first);
+    });
+    return codes;
+}
+
+void FileSummary::AddLine(const client::LineElement& line) {
+    LayerSummary& layer = layers[line.layer];
+    ++layer.lines;
+    layer.elements += line.vertices.size();
+    for (const client::ElementVertex& vertex : line.vertices) {
+        ++layer.types[TypeIndex(vertex.type)];
+        if (!vertex.code.empty()) ++layer.elementCodes[vertex.code];
+        if (vertex.symbolCode != 0) {
+            ++layer.symbols;
+            ++layer.symbolCodes[vertex.symbolCode];
+        }
+        AddPoint(vertex.point);
+    }
+}
+
+void FileSummary::AddText(const client::TextElement& text) {
+    LayerSummary& layer = layers[text.layer];
+    ++layer.texts;
+    if (text.code != 0) ++layer.textCodes[text.code];
+    AddPoint(text.point);
+}
+
+LayerSummary FileSummary::Total() const {
+    LayerSummary total;
+    for (const auto& [number, layer] : layers) {
+        total.lines += layer.lines;
+        total.elements += layer.elements;
+        for (size_t i = 0; i < total.types.size(); ++i) total.types[i] += layer.types[i];
+        total.texts += layer.texts;
+        total.symbols += layer.symbols;
+    }
+    return total;
+}
+
+void FileSummary::AddPoint(const std::array<double, 3>& point) {
+    extents[0].Add(point[0]);
+    extents[1].Add(point[1]);
+}
+
+}  // namespace vemrado::tools

@@ -1,0 +1,98 @@
+// vkm info: what is in files, as a table for people or as JSON for programs.
+
+#include <algorithm>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "client/importer.h"
+#include "client/standard_input.h"
+#include "client/system.h"
+#include "commands.h"
+#include "common_options.h"
+#include "info_report.h"
+#include "program.h"
+#include "reading.h"
+
+namespace vemrado::tools {
+namespace {
+
+struct InfoOptions {
+    std::vector<std::string> files;
+    int axisOrientation = 1;
+    bool json = false;
+};
+
+struct InspectedFile {
+    ReadOutcome outcome;
+    FileReport report;
+};
+
+InspectedFile Inspect(const std::string& file, int axisOrientation, Environment& environment) {
+    client::Importer importer;
+    FileReport report;
+    client::OpenOptions open;
+    open.fileName = file;
+    open.axisOrientation = axisOrientation;
+    const ReadResult result = ReadElements(importer, open, environment, [&](client::ElementKind kind) {
+        if (kind == client::ElementKind::line) {
+            report.summary.AddLine(importer.Line());
+        } else {
+            report.summary.AddText(importer.Text());
+        }
+    });
+    report.file = client::SystemTextToUtf8(client::ShownName(file.c_str()));
+    report.error = result.problem;
+    report.opened = result.outcome != ReadOutcome::notOpened;
+    report.complete = result.outcome == ReadOutcome::complete;
+    report.scale = importer.Scale();
+    report.relative = importer.Relative();
+    report.linesRead = importer.LineCount();
+    return {result.outcome, std::move(report)};
+}
+
+int RunInfo(const InfoOptions& options, Environment& environment) {
+    if (std::count(options.files.begin(), options.files.end(), client::standardInputName) > 1) {
+        throw Failure(exitUsage, "standard input can be read only once");
+    }
+    nlohmann::ordered_json list = nlohmann::ordered_json::array();
+    int exitCode = exitDone;
+    for (const std::string& file : options.files) {
+        const InspectedFile inspected = Inspect(file, options.axisOrientation, environment);
+        if (inspected.outcome != ReadOutcome::complete) exitCode = exitInput;
+        if (options.json) {
+            list.push_back(ReportJson(inspected.report));
+        } else {
+            if (&file != &options.files.front()) environment.output.Write("\n");
+            environment.output.Write(ReportText(inspected.report));
+        }
+        if (inspected.outcome == ReadOutcome::stopped) break;
+    }
+    if (options.json) environment.output.Write(list.dump(2) + '\n');
+    return exitCode;
+}
+
+}  // namespace
+
+void AddInfoCommand(Program& program) {
+    const auto options = std::make_shared<InfoOptions>();
+    const CommandText text = {"info",
+                              "Say what is in files: scale, extents, counts, completeness",
+                              "For each file: map scale, relative or absolute coordinates, extents, and by "
+                              "layer the lines, line elements "
+                              "by type letter, texts, symbols and codes.\n\n"
+                              "It also says whether the file is complete: a file without its closing record "
+                              "has lost its last element. The "
+                              "exit code is 1 when any file is incomplete or cannot be used.",
+                              {{"vkm info map.vkm", "a readable table"},
+                               {"vkm info --json *.vkm | jq '.[] | select(.complete | not) | .file'",
+                                "the incomplete files of a folder"},
+                               {"zcat map.vkm.gz | vkm info -", "a compressed file"}}};
+    CLI::App& command =
+        program.Add(text, [options](Environment& environment) { return RunInfo(*options, environment); });
+    command.add_option("FILE", options->files, "VKM files; - is standard input")->type_name("")->required();
+    AddOrientationOption(program, command, options->axisOrientation);
+    command.add_flag("--json", options->json, "A JSON array with one object a file");
+}
+
+}  // namespace vemrado::tools

@@ -1,0 +1,128 @@
+#include <string>
+#include <string_view>
+
+#include "manual.h"
+#include "program.h"
+
+namespace vemrado::tools {
+namespace {
+
+// Text for troff: hyphens of options stay hyphens, and no line is taken for a request.
+std::string Escaped(std::string_view text) {
+    std::string escaped;
+    bool lineStart = true;
+    for (const char letter : text) {
+        if (lineStart && (letter == '.' || letter == '\'')) escaped += "\\&";
+        if (letter == '\\') {
+            escaped += "\\e";
+        } else if (letter == '-') {
+            escaped += "\\-";
+        } else {
+            escaped += letter;
+        }
+        lineStart = letter == '\n';
+    }
+    return escaped;
+}
+
+std::string Paragraphs(std::string_view text) {
+    std::string result;
+    while (!text.empty()) {
+        const size_t end = text.find("\n\n");
+        result += ".PP\n" + Escaped(text.substr(0, end)) + '\n';
+        text.remove_prefix(end == std::string_view::npos ? text.size() : end + 2);
+    }
+    return result;
+}
+
+// "-e, --encoding NAME"
+std::string OptionHeading(const CLI::Option& option) {
+    std::string heading;
+    const auto add = [&](const std::string& name) {
+        heading.append(heading.empty() ? "" : ", ").append("\\fB").append(Escaped(name)).append("\\fR");
+    };
+    if (option.get_positional()) add(option.get_name(true));
+    for (const std::string& name : option.get_snames()) add("-" + name);
+    for (const std::string& name : option.get_lnames()) add("--" + name);
+    if (!option.get_positional() && !option.get_type_name().empty() && option.get_items_expected_max() > 0) {
+        heading += " \\fI" + Escaped(option.get_type_name()) + "\\fR";
+    }
+    return heading;
+}
+
+std::string OptionText(const CLI::Option& option) {
+    std::string text = ".TP\n" + OptionHeading(option) + '\n' + Escaped(option.get_description());
+    if (!option.get_default_str().empty()) text += " (default: " + Escaped(option.get_default_str()) + ")";
+    return text + ".\n";
+}
+
+std::string OptionsOf(const CLI::App& app) {
+    std::string text;
+    for (const bool positional : {true, false}) {
+        for (const CLI::Option* option : app.get_options()) {
+            if (option->get_positional() == positional) text += OptionText(*option);
+        }
+    }
+    return text;
+}
+
+std::string Synopsis(const Command& command) {
+    std::string text = ".B vkm " + Escaped(command.text.name) + "\n[\\fIOPTION\\fR]...";
+    for (const CLI::Option* option : command.options->get_options()) {
+        if (!option->get_positional()) continue;
+        text += " \\fI" + Escaped(option->get_name(true)) + "\\fR";
+        if (option->get_items_expected_max() > 1) text += "...";
+    }
+    return text + "\n.br\n";
+}
+
+std::string CommandSection(const Command& command) {
+    std::string text = ".SS vkm " + Escaped(command.text.name) + '\n' + Escaped(command.text.summary) + ".\n";
+    text += Paragraphs(command.text.description) + OptionsOf(*command.options);
+    if (command.text.examples.empty()) return text;
+    text += ".PP\nExamples:\n";
+    for (const Example& example : command.text.examples) {
+        text += ".TP\n.B " + Escaped(example.command) + '\n' + Escaped(example.says) + '\n';
+    }
+    return text;
+}
+
+constexpr std::string_view afterwords = R"(.SH EXIT STATUS
+.TP
+.B 0
+Done. A reader of standard output that goes away early is no error.
+.TP
+.B 1
+An input could not be used or is incomplete, or the reading was stopped.
+.TP
+.B 2
+The command line makes no sense.
+.TP
+.B 3
+Anything else, such as a full disk.
+.SH STREAMS
+Data goes to standard output, everything else to standard error. A file name of
+.B \-
+is standard input; a file of that name is reached as
+.BR ./\- .
+Long files show a progress bar when standard error is a terminal. An interrupt (Ctrl-C) stops the reading cleanly;
+what was written until then is valid.
+)";
+
+}  // namespace
+
+std::string ManualPage(Program& program) {
+    std::string text = ".TH VKM 1 \"\" \"vemrado " VEMRADO_VERSION "\" \"User Commands\"\n";
+    text +=
+        ".SH NAME\nvkm \\- read VKM files, the text exchange format of digital cadastral maps\n.SH "
+        "SYNOPSIS\n";
+    for (const Command& command : program.Commands()) text += Synopsis(command);
+    text += ".B vkm \\-\\-version\n.SH DESCRIPTION\n";
+    text +=
+        "VKM files hold the lines, texts and symbols of digital cadastral maps. Each command reads them "
+        "through the import module that surveying applications load.\n.SH COMMANDS\n";
+    for (const Command& command : program.Commands()) text += CommandSection(command);
+    return text.append(afterwords);
+}
+
+}  // namespace vemrado::tools

@@ -1,0 +1,139 @@
+#include "program.h"
+
+#include <exception>
+#include <new>
+#include <utility>
+
+#include "client/data_directory.h"
+#include "client/message_boxes.h"
+#include "client/system.h"
+#include "zrvDX320/zrvDX320.h"
+
+namespace vemrado::tools {
+namespace {
+
+constexpr std::string_view programName = "vkm";
+
+void Say(const std::string& text) {
+    client::WriteStandardError(std::string(programName) + ": " + text + "\n");
+}
+
+std::string ExamplesText(const std::vector<Example>& examples) {
+    if (examples.empty()) return {};
+    std::string text = "Examples:";
+    for (const Example& example : examples) {
+        text.append("\n  ").append(example.command).append("\n      ").append(example.says);
+    }
+    return text;
+}
+
+}  // namespace
+
+void Environment::Error(const std::string& sentence) {
+    Say(sentence);
+}
+
+void Environment::Warn(const std::string& sentence) {
+    if (!quiet) Say(sentence);
+}
+
+Program::Program()
+    : app("Reads VKM files, the text exchange format of digital cadastral maps.", std::string(programName)) {
+    app.set_version_flag("--version", std::string(programName) + " " + VEMRADO_VERSION,
+                         "Print the version and exit");
+    app.set_help_flag("-h,--help", "Print this help and exit");
+    app.require_subcommand(1);
+    app.get_formatter()->column_width(28);
+    app.footer("'vkm COMMAND --help' explains a command and gives examples.");
+}
+
+CLI::App& Program::Add(const CommandText& text, CommandRun run) {
+    CLI::App* command = app.add_subcommand(std::string(text.name), std::string(text.summary));
+    command->add_flag("-q,--quiet", environment.quiet, "No progress bar and no warnings, errors only");
+    command
+        ->add_option(
+            "--data", dataDirectory,
+            "Directory that holds VKMSym, the symbology (default: the sample symbology of this program)")
+        ->type_name("DIR")
+        ->check(CLI::ExistingDirectory);
+    command->footer(ExamplesText(text.examples));
+    commands.push_back({text, std::move(run), command});
+    return *command;
+}
+
+CLI::App& Program::AddHidden(std::string_view name, CommandRun run) {
+    CLI::App* command = app.add_subcommand(std::string(name), "")->group("");
+    hiddenCommands.push_back({{name, {}, {}, {}}, std::move(run), command});
+    return *command;
+}
+
+void Program::SetChoices(const CLI::Option& option, std::vector<std::string> names) {
+    choices[&option] = std::move(names);
+}
+
+const std::vector<std::string>& Program::Choices(const CLI::Option& option) const {
+    static const std::vector<std::string> none;
+    const auto found = choices.find(&option);
+    return found == choices.end() ? none : found->second;
+}
+
+int Program::Run(int argumentCount, const char* const* arguments) {
+    client::PrepareStandardStreams();
+    try {
+        return RunGuarded(argumentCount, arguments);
+    } catch (const ClosedPipe&) {
+        return exitDone;
+    } catch (const Failure& failure) {
+        Say(failure.what());
+        return failure.Code();
+    } catch (const std::bad_alloc&) {
+        Say("there is not enough memory");
+    } catch (const std::exception& exception) {
+        Say(std::string("internal error: ") + exception.what());
+    }
+    return exitInternal;
+}
+
+int Program::RunGuarded(int argumentCount, const char* const* arguments) {
+    int exitCode = exitDone;
+    try {
+        app.parse(argumentCount, arguments);
+        exitCode = RunChosen();
+    } catch (const CLI::CallForHelp&) {
+        environment.output.Write(app.help());
+    } catch (const CLI::CallForVersion&) {
+        environment.output.Write(app.version() + "\n");
+    } catch (const CLI::ParseError& error) {
+        return ReportUsage(error);
+    }
+    environment.output.Flush();
+    return exitCode;
+}
+
+int Program::ReportUsage(const CLI::ParseError& error) {
+    const std::vector<CLI::App*> chosen = app.get_subcommands();
+    const std::string command = chosen.empty() ? std::string() : " " + chosen.front()->get_name();
+    Say(error.what());
+    client::WriteStandardError("Try '" + std::string(programName) + command + " --help'.\n");
+    return exitUsage;
+}
+
+int Program::RunChosen() {
+    const client::MessageBoxes boxes([this](const std::string& text) {
+        Say(text);
+        environment.lastBox = text;
+        ++environment.boxCount;
+    });
+    client::CatchInterrupt();
+    client::UseDataDirectory(dataDirectory.empty() ? client::FindSampleSymbology(client::ProgramPath())
+                                                   : dataDirectory);
+    if (environment.quiet) InfoSetVisible(0);
+    for (const std::vector<Command>* list : {&commands, &hiddenCommands}) {
+        for (const Command& command : *list) {
+            if (command.options->parsed()) return command.run(environment);
+        }
+    }
+    return exitUsage;
+}
+
+}  // namespace vemrado::tools

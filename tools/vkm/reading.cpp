@@ -1,0 +1,45 @@
+#include "reading.h"
+
+#include "client/standard_input.h"
+#include "client/stop_request.h"
+#include "client/system.h"
+#include "framework/framework.h"
+
+namespace vemrado::tools {
+
+using client::ElementKind;
+
+namespace {
+
+// The elements up to the end of the data.
+ReadOutcome ReadOpened(client::Importer& importer, const std::function<void(ElementKind)>& take) {
+    for (ElementKind kind = importer.Next(); kind != ElementKind::none; kind = importer.Next()) take(kind);
+    if (importer.Complete()) return ReadOutcome::complete;
+    return client::StopRequested() ? ReadOutcome::stopped : ReadOutcome::incomplete;
+}
+
+}  // namespace
+
+ReadResult ReadElements(client::Importer& importer, const client::OpenOptions& options,
+                        Environment& environment, const std::function<void(ElementKind)>& take) {
+    ReadResult result = {ReadOutcome::failed, {}};
+    try {
+        if (!importer.Open(options)) return {ReadOutcome::notOpened, environment.lastBox};
+        result.outcome = ReadOpened(importer, take);
+    } catch (const CFileException& exception) {
+        result.problem = client::SystemTextToUtf8(exception.what()) + "; the output is partial";
+    }
+    importer.Close();
+    environment.output.Flush();
+
+    const std::string name = client::SystemTextToUtf8(client::ShownName(options.fileName.c_str()));
+    if (result.outcome == ReadOutcome::stopped) {
+        result.problem = name + ": stopped on request; the output is partial";
+    } else if (result.outcome == ReadOutcome::incomplete) {
+        result.problem = name + ": incomplete: its closing record &K is missing, so its last element is lost";
+    }
+    if (!result.problem.empty()) environment.Error(result.problem);
+    return result;
+}
+
+}  // namespace vemrado::tools

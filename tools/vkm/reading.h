@@ -1,0 +1,31 @@
+// Reading one file from its first element to its last, and what is said when that does not go well.
+
+#pragma once
+
+#include <functional>
+#include <string>
+
+#include "client/importer.h"
+#include "program.h"
+
+namespace vemrado::tools {
+
+enum class ReadOutcome {
+    complete,    // with its closing record
+    incomplete,  // the file ended without its closing record
+    notOpened,   // a message box has said why
+    failed,      // reading failed in the middle
+    stopped,     // the user asked to stop
+};
+
+struct ReadResult {
+    ReadOutcome outcome;
+    std::string problem;  // UTF-8; empty when complete
+};
+
+// Opens the file and hands each element to take, which looks at importer.Line() or importer.Text(). What is
+// not complete has been said as an error when this returns; output is flushed before that.
+ReadResult ReadElements(client::Importer& importer, const client::OpenOptions& options,
+                        Environment& environment, const std::function<void(client::ElementKind)>& take);
+
+}  // namespace vemrado::tools
