@@ -42,7 +42,7 @@ void CopyPoint(const Element& element, double* point) {
 }  // namespace
 
 const CVKMLineElement& CVkmInput::ElementAt(int index) const {
-    if (index < 0 || static_cast<size_t>(index) >= state.lineElements.size()) AfxThrowInvalidArgException();
+    if (index < 0 || static_cast<size_t>(index) >= state.lineElements.Count()) AfxThrowInvalidArgException();
     return state.lineElements[static_cast<size_t>(index)];
 }
 
@@ -105,8 +105,9 @@ const char* CVkmInput::GetLayer(int* layerNumber) {
 
 int CVkmInput::GetElementLineStyle(int index, unsigned int* colour, int* pattern) {
     const CVKMLineElement& element = ElementAt(index);
-    if (element.code.empty()) return 0;
-    return tables.GetLineStyle(ParseInteger(element.code), *colour, *pattern);
+    const char* code = state.lineElements.CodeOf(element);
+    if (*code == '\0') return 0;
+    return tables.GetLineStyle(ParseInteger(code), *colour, *pattern);
 }
 
 void CVkmInput::GetElementRValue(int index, double* valueR) {
@@ -114,7 +115,7 @@ void CVkmInput::GetElementRValue(int index, double* valueR) {
 }
 
 int CVkmInput::GetElementCount() {
-    return static_cast<int>(state.lineElements.size());
+    return static_cast<int>(state.lineElements.Count());
 }
 
 int CVkmInput::GetElementType(int index) {
@@ -153,7 +154,7 @@ double CVkmInput::GetScale() {
 }
 
 const char* CVkmInput::GetElementCode(int index) {
-    return ElementAt(index).code.c_str();
+    return state.lineElements.CodeOf(ElementAt(index));
 }
 
 int CVkmInput::GetElementSymbolCode(int index) {

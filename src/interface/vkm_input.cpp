@@ -15,7 +15,6 @@ namespace {
 
 constexpr uint32_t longestFileWithoutProgress = 8192;  // bytes
 constexpr uint32_t progressUnits = 100;
-constexpr size_t elementsAtConstruction = 128;
 constexpr size_t failureTextCapacity = 1024;
 // What the info-window library takes of the two texts, terminator included.
 constexpr size_t progressTextCapacity = 80;
@@ -24,9 +23,7 @@ constexpr size_t endTextCapacity = 16;
 }  // namespace
 
 CVkmInput::CVkmInput()
-    : reader([](void* importer) { return static_cast<CVkmInput*>(importer)->UpdateProgress(); }, this) {
-    state.lineElements.resize(elementsAtConstruction);
-}
+    : reader([](void* importer) { return static_cast<CVkmInput*>(importer)->UpdateProgress(); }, this) {}
 
 CVkmInput::~CVkmInput() {
     Close();

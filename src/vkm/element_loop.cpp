@@ -17,7 +17,7 @@ bool BelongsToHeader(uint32_t recordClass) {
 // Moves the element being read to the end of the line's elements.
 void FlushElement(CVKMReaderState& state) {
     if (state.elementPending == 0) return;
-    state.lineElements.push_back(state.workingElement);
+    state.lineElements.Append(state.workingElement);
     state.workingElement = CVKMLineElement();
     state.elementPending = 0;
 }
@@ -70,7 +70,7 @@ bool ReadHeader(CVKMReaderState& state, CVKMLineReader& reader) {
 
 Element ReadNextElement(CVKMReaderState& state, CVKMLineReader& reader) {
     if (state.currentRecord == 'K') return Element::none;
-    state.lineElements.clear();
+    state.lineElements.Clear(state.workingElement);
     FlushElement(state);
     std::string_view text;
     LineResult result;

@@ -6,14 +6,23 @@
 #include <cstdint>
 #include <cstring>
 #include <string_view>
+#include <type_traits>
 
 #include "support/containers.h"
 
 namespace vemrado {
 
-// Type of a line element: one of these letters' codes, typeUnknown for any other letter, typeNone for none.
-inline constexpr std::string_view elementTypeLetters = "CKLPR";
+// Type of a line element that is none of the known letters.
 enum : uint32_t { typeNone = 0, typeUnknown = 1 };
+
+// A line element's code. Codes are a few digits; what is longer stands in the list of long codes of its line,
+// so that elements are plain values.
+struct CVKMCode {
+    static constexpr size_t mostCharacters = 15;
+
+    char text[mostCharacters + 1] = {};
+    int32_t longCode = -1;  // index in the line's long codes; -1: the code is text
+};
 
 // One element of a line.
 struct CVKMLineElement {
@@ -21,11 +30,60 @@ struct CVKMLineElement {
     double y = 0;
     double z = 0;  // never set from the file
     uint32_t type = typeNone;
-    String code;             // K, as text
+    CVKMCode code;           // K, as text
     double valueM = 1.0;     // M
     double valueR = 0;       // R
     int32_t symbolCode = 0;  // S; 0: no symbol
     double valueU = 0;       // U
+};
+static_assert(std::is_trivially_copyable_v<CVKMLineElement>);
+
+// The elements of one line with their codes.
+class CVKMLineElements {
+  public:
+    static constexpr size_t growthStep = 128;
+    // Room that is kept from line to line; a longer line's is given back with its elements.
+    static constexpr size_t keptElements = 4096;
+
+    CVKMLineElements() : elements(growthStep) {}
+
+    size_t Count() const { return elements.size(); }
+    const CVKMLineElement& operator[](size_t index) const { return elements[index]; }
+    // The code of one of the elements or of the element being read, zero-terminated.
+    const char* CodeOf(const CVKMLineElement& element) const {
+        const int32_t index = element.code.longCode;
+        return index < 0 ? element.code.text : longCodes[static_cast<size_t>(index)].c_str();
+    }
+
+    void Append(const CVKMLineElement& element) { elements.push_back(element); }
+
+    // Stores a value as the code of an element that will be appended.
+    void SetCode(CVKMLineElement& element, std::string_view value) {
+        if (value.size() > CVKMCode::mostCharacters) [[unlikely]] {
+            longCodes.emplace_back(value);
+            element.code.longCode = static_cast<int32_t>(longCodes.size() - 1);
+            return;
+        }
+        element.code = CVKMCode();
+        std::memcpy(element.code.text, value.data(), value.size());
+    }
+
+    // Removes every element; the element being read keeps its code.
+    void Clear(CVKMLineElement& working) {
+        if (elements.capacity() > keptElements) {
+            Array<CVKMLineElement>().swap(elements);
+        } else {
+            elements.clear();
+        }
+        if (!longCodes.empty()) [[unlikely]]
+            KeepLongCode(working);
+    }
+
+  private:
+    void KeepLongCode(CVKMLineElement& working);
+
+    Array<CVKMLineElement> elements;
+    Array<String> longCodes;
 };
 
 // One text.

@@ -103,11 +103,6 @@ void ApplyTextDefaults(CVKMText& text, int32_t layer) {
 
 }  // namespace
 
-uint32_t ElementType(Field field) {
-    return elementTypeLetters.find(field[0]) == std::string_view::npos ? uint32_t{typeUnknown}
-                                                                       : static_cast<unsigned char>(field[0]);
-}
-
 void ParseLineElement(CVKMReaderState& state, CVKMTokenizer& line, uint32_t type, bool start) {
     CVKMLineElement& element = state.workingElement;
     if (start) {
@@ -116,7 +111,7 @@ void ParseLineElement(CVKMReaderState& state, CVKMTokenizer& line, uint32_t type
         ReadPoint(state, line, element);
     }
     char key = 0;
-    for (Field value; !IsNone(value = line.NextKeyValue("KMRSUX", key));) {
+    for (Field value; !IsNone(value = line.NextKeyValue(lineKey, key));) {
         switch (key) {
             case 'K':
                 element.code = value;
@@ -149,7 +144,7 @@ void ParseT(CVKMReaderState& state, CVKMTokenizer& line, bool start) {
         if (!IsNone(quoted)) text.SetText(quoted);
     }
     char key = 0;
-    for (Field value; !IsNone(value = line.NextKeyValue("DFHKUX", key));) {
+    for (Field value; !IsNone(value = line.NextKeyValue(textKey, key));) {
         switch (key) {
             case 'D':
                 text.valueD = ParseInteger(value);

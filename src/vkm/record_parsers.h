@@ -22,6 +22,8 @@ void ParseLineElement(CVKMReaderState& state, CVKMTokenizer& line, uint32_t type
 void ParseT(CVKMReaderState& state, CVKMTokenizer& line, bool start);
 
 // The type of a line element as the first character of its field says.
-uint32_t ElementType(Field field);
+inline uint32_t ElementType(Field field) {
+    return Is(field[0], elementType) ? static_cast<unsigned char>(field[0]) : uint32_t{typeUnknown};
+}
 
 }  // namespace vemrado

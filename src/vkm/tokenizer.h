@@ -9,6 +9,8 @@
 #include <cstdint>
 #include <string_view>
 
+#include "vkm/characters.h"
+
 namespace vemrado {
 
 using Field = std::string_view;
@@ -17,26 +19,14 @@ inline bool IsNone(Field field) {
     return field.data() == nullptr;
 }
 
-// Fields are separated by runs of blanks and tabs.
-inline bool IsBlank(char c) {
-    return c == ' ' || c == '\t';
-}
-
-// The four characters that open and close a quoted text.
-inline bool IsQuote(char c) {
-    return c == '"' || c == '\'' || c == '`' || c == '%';
-}
-
 // What a line's first field says: one of these, or the letter of a known record.
 enum RecordClass : uint32_t { emptyLine = 0, unknownRecord = 1, continuationLine = 2 };
-
-inline constexpr std::string_view recordLetters = "*DGKLRSTUV";
 
 // Only the first two characters of the field are looked at.
 inline uint32_t ClassifyRecord(Field field) {
     if (IsNone(field)) return emptyLine;
     if (field[0] != '&') return continuationLine;
-    if (field.size() < 2 || recordLetters.find(field[1]) == std::string_view::npos) return unknownRecord;
+    if (field.size() < 2 || !Is(field[1], recordLetter)) return unknownRecord;
     return static_cast<unsigned char>(field[1]);
 }
 
@@ -49,7 +39,7 @@ class CVKMTokenizer {
     Field NextToken() {
         if (!SkipBlanks()) return Field();
         const char* start = cursor;
-        while (cursor != end && !IsBlank(*cursor)) ++cursor;
+        SkipField();
         const Field token(start, static_cast<size_t>(cursor - start));
         if (cursor != end) ++cursor;
         return token;
@@ -58,7 +48,7 @@ class CVKMTokenizer {
     // The next quoted text, or none; whatever stands before its opening quote is passed over. Without a
     // closing quote the text runs to the end of the line.
     Field NextQuoted() {
-        while (cursor != end && !IsQuote(*cursor)) ++cursor;
+        while (cursor != end && !Is(*cursor, quoteCharacter)) ++cursor;
         if (cursor == end) return Field();
         const char quote = *cursor++;
         if (cursor == end) return Field();
@@ -69,11 +59,11 @@ class CVKMTokenizer {
         return text;
     }
 
-    // The value of the next field of the form K=value whose letter is one of keys, with that letter; or none.
-    // Blanks may stand around the equals sign. Other fields are passed over.
-    Field NextKeyValue(std::string_view keys, char& key) {
+    // The value of the next field of the form K=value whose letter is of the class, with that letter; or
+    // none. Blanks may stand around the equals sign. Other fields are passed over.
+    Field NextKeyValue(CharacterClass keys, char& key) {
         while (SkipBlanks()) {
-            if (keys.find(*cursor) != std::string_view::npos) {
+            if (Is(*cursor, keys)) {
                 key = *cursor++;
                 if (!SkipBlanks()) return Field();
                 if (*cursor == '=') {
@@ -81,7 +71,7 @@ class CVKMTokenizer {
                     return NextToken();
                 }
             }
-            while (cursor != end && !IsBlank(*cursor)) ++cursor;
+            SkipField();
         }
         return Field();
     }
@@ -89,8 +79,12 @@ class CVKMTokenizer {
   private:
     // False when the line has run out.
     bool SkipBlanks() {
-        while (cursor != end && IsBlank(*cursor)) ++cursor;
+        while (cursor != end && Is(*cursor, blankCharacter)) ++cursor;
         return cursor != end;
+    }
+
+    void SkipField() {
+        while (cursor != end && !Is(*cursor, blankCharacter)) ++cursor;
     }
 
     const char* cursor = nullptr;

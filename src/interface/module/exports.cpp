@@ -1,10 +1,11 @@
 // The exported functions: the factory and the destroyer, each as a static member and as a plain C function.
 
 #include "interface/importer.h"
+#include "interface/module/module.h"
 #include "vemrado/vkm_interface.h"
 
 CVKMInterface* CVKMInterface::CreateVKMInterface() {
-    return vemrado::CreateImporter();
+    return vemrado::ModuleAttached() ? vemrado::CreateImporter() : nullptr;
 }
 
 void CVKMInterface::DestroyVKMInterface(CVKMInterface* importer) {
@@ -12,9 +13,9 @@ void CVKMInterface::DestroyVKMInterface(CVKMInterface* importer) {
 }
 
 CVKMInterface* CreateVKMInterface() {
-    return vemrado::CreateImporter();
+    return CVKMInterface::CreateVKMInterface();
 }
 
 void DestroyVKMInterface(CVKMInterface* importer) {
-    vemrado::DestroyImporter(importer);
+    CVKMInterface::DestroyVKMInterface(importer);
 }

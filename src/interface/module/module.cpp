@@ -24,6 +24,7 @@ class ModuleLibrary final : public CDynLinkLibrary {
 };
 
 AFX_EXTENSION_MODULE extensionModule;
+bool attached = false;
 
 // The host's drawing library is loaded before this module, so its language is known while the module loads.
 [[maybe_unused]] const bool languageSelected = (SelectLanguage(GetZrvCountry()), true);
@@ -31,13 +32,18 @@ AFX_EXTENSION_MODULE extensionModule;
 }  // namespace
 
 bool AttachModule(void* moduleHandle) {
-    if (AfxInitExtensionModule(&extensionModule, moduleHandle) == 0) return false;
-    new (std::nothrow) ModuleLibrary(&extensionModule);
-    return true;
+    attached = AfxInitExtensionModule(&extensionModule, moduleHandle) != 0;
+    if (attached) new (std::nothrow) ModuleLibrary(&extensionModule);
+    return attached;
 }
 
 void DetachModule() {
-    AfxTermExtensionModule(&extensionModule, 0);
+    if (attached) AfxTermExtensionModule(&extensionModule, 0);
+    attached = false;
+}
+
+bool ModuleAttached() {
+    return attached;
 }
 
 }  // namespace vemrado

@@ -7,5 +7,7 @@ namespace vemrado {
 // Registers the module with the host's framework. False when the framework refuses; the load must fail then.
 bool AttachModule(void* moduleHandle);
 void DetachModule();
+// Whether the framework has taken the module.
+bool ModuleAttached();
 
 }  // namespace vemrado

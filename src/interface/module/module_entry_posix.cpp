@@ -8,15 +8,10 @@ namespace {
 // Constructed after the pools (their initialisation has a priority) and destroyed before them.
 class ModuleEntry {
   public:
-    ModuleEntry() : attached(vemrado::AttachModule(nullptr)) {}
-    ~ModuleEntry() {
-        if (attached) vemrado::DetachModule();
-    }
+    ModuleEntry() { vemrado::AttachModule(nullptr); }
+    ~ModuleEntry() { vemrado::DetachModule(); }
     ModuleEntry(const ModuleEntry&) = delete;
     ModuleEntry& operator=(const ModuleEntry&) = delete;
-
-  private:
-    bool attached;
 };
 
 const ModuleEntry moduleEntry;
