@@ -114,7 +114,7 @@ void ParseLineElement(CVKMReaderState& state, CVKMTokenizer& line, uint32_t type
     for (Field value; !IsNone(value = line.NextKeyValue(lineKey, key));) {
         switch (key) {
             case 'K':
-                element.code = value;
+                state.lineElements.SetCode(element, value);
                 break;
             case 'M':
                 element.valueM = ParseReal(value);

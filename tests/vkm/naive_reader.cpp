@@ -328,7 +328,9 @@ std::string DescribeLayer(int number, const std::string& name) {
 
 std::string DescribeEnd(double scale, int relative, int complete) {
     std::string text = "end";
-    return text.append(Bits(scale)).append(relative ? " relative" : " absolute").append(complete ? " complete" : "");
+    return text.append(Bits(scale))
+        .append(relative ? " relative" : " absolute")
+        .append(complete ? " complete" : "");
 }
 
 std::vector<std::string> ReadNaively(const std::string& bytes, int orientation) {

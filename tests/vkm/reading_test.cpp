@@ -62,7 +62,7 @@ TEST_F(Reading, LongAndOddLines) {
     const std::string tail = "\n&K\n";
     for (const size_t length : {1021, 1022, 1023, 1024, 1025, 2045, 2046, 2047, 5000, 300000}) {
         std::string line = "C 3 4 ";
-        for (int i = 0; line.size() < length; ++i) line += "S=" + std::to_string(i) + " ";
+        for (int i = 0; line.size() < length; ++i) line.append("S=").append(std::to_string(i)).append(" ");
         line.resize(length);
         for (const char* end : {"\n", "\r\n", "\r\r\n", "\r", ""}) ExpectSame(head + line + end + tail);
         ExpectSame(line);
