@@ -12,7 +12,7 @@
 namespace vemrado::platform {
 
 // Characters behind the end of a searched buffer that may be looked at; they must be initialised.
-constexpr size_t searchSlack = 16;
+constexpr size_t searchSlack = 64;
 
 // The first line feed among the first limit characters between from and end, or null. Lines are short, so a
 // search in place beats the call of memchr. May look at searchSlack characters behind end.

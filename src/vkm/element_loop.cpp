@@ -17,8 +17,7 @@ bool BelongsToHeader(uint32_t recordClass) {
 // Moves the element being read to the end of the line's elements.
 void FlushElement(CVKMReaderState& state) {
     if (state.elementPending == 0) return;
-    state.lineElements.Append(state.workingElement);
-    state.workingElement = CVKMLineElement();
+    state.lineElements.Append();
     state.elementPending = 0;
 }
 
@@ -70,7 +69,7 @@ bool ReadHeader(CVKMReaderState& state, CVKMLineReader& reader) {
 
 Element ReadNextElement(CVKMReaderState& state, CVKMLineReader& reader) {
     if (state.currentRecord == 'K') return Element::none;
-    state.lineElements.Clear(state.workingElement);
+    state.lineElements.Clear();
     FlushElement(state);
     std::string_view text;
     LineResult result;

@@ -38,51 +38,59 @@ struct CVKMLineElement {
 };
 static_assert(std::is_trivially_copyable_v<CVKMLineElement>);
 
-// The elements of one line with their codes.
+// The elements of one line, and behind them the element being read: it becomes the line's next element where
+// it stands.
 class CVKMLineElements {
   public:
     static constexpr size_t growthStep = 128;
     // Room that is kept from line to line; a longer line's is given back with its elements.
     static constexpr size_t keptElements = 4096;
 
-    CVKMLineElements() : elements(growthStep) {}
+    CVKMLineElements() : elements(growthStep + 1), count(growthStep) {}
 
-    size_t Count() const { return elements.size(); }
-    const CVKMLineElement& operator[](size_t index) const { return elements[index]; }
-    // The code of one of the elements or of the element being read, zero-terminated.
+    size_t Count() const { return count; }
+    const CVKMLineElement& operator[](size_t index) const { return elements[first + index]; }
+    // The code of one of the elements, zero-terminated.
     const char* CodeOf(const CVKMLineElement& element) const {
         const int32_t index = element.code.longCode;
         return index < 0 ? element.code.text : longCodes[static_cast<size_t>(index)].c_str();
     }
 
-    void Append(const CVKMLineElement& element) { elements.push_back(element); }
-
-    // Stores a value as the code of an element that will be appended.
-    void SetCode(CVKMLineElement& element, std::string_view value) {
+    // The element being read. Its values are left over from earlier until it is reset.
+    CVKMLineElement& Working() { return elements[first + count]; }
+    void SetWorkingCode(std::string_view value) {
+        CVKMCode& code = Working().code;
         if (value.size() > CVKMCode::mostCharacters) [[unlikely]] {
             longCodes.emplace_back(value);
-            element.code.longCode = static_cast<int32_t>(longCodes.size() - 1);
+            code.longCode = static_cast<int32_t>(longCodes.size() - 1);
             return;
         }
-        element.code = CVKMCode();
-        std::memcpy(element.code.text, value.data(), value.size());
+        code = CVKMCode();
+        std::memcpy(code.text, value.data(), value.size());
     }
 
-    // Removes every element; the element being read keeps its code.
-    void Clear(CVKMLineElement& working) {
-        if (elements.capacity() > keptElements) {
-            Array<CVKMLineElement>().swap(elements);
-        } else {
-            elements.clear();
-        }
-        if (!longCodes.empty()) [[unlikely]]
-            KeepLongCode(working);
+    // Makes the element being read the line's last one.
+    void Append() {
+        if (first + count + 1 == elements.size()) [[unlikely]]
+            Grow();
+        ++count;
+    }
+
+    // Removes every element but the one being read.
+    void Clear() {
+        first += count;
+        count = 0;
+        if (first >= growthStep || !longCodes.empty()) [[unlikely]]
+            MoveWorkingToStart();
     }
 
   private:
-    void KeepLongCode(CVKMLineElement& working);
+    void Grow();
+    void MoveWorkingToStart();
 
     Array<CVKMLineElement> elements;
+    size_t first = 0;  // index of the line's first element
+    size_t count;
     Array<String> longCodes;
 };
 

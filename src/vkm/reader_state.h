@@ -20,10 +20,9 @@ struct CVKMReaderState {
     char layerText[3] = {};          // the first two characters of the layer number
     int32_t elementLayerNumber = 0;  // the layer of the element just completed
     char elementLayerText[3] = {};
-    CVKMLineElements lineElements;   // the line just completed
-    CVKMLineElement workingElement;  // the line element being read
-    int32_t elementPending = 0;      // workingElement is not yet in lineElements
-    uint32_t currentRecord = 1;      // letter of the record being read, or a class of the header's last line
+    CVKMLineElements lineElements;  // the line just completed
+    int32_t elementPending = 0;     // workingElement is not yet in lineElements
+    uint32_t currentRecord = 1;     // letter of the record being read, or a class of the header's last line
     CVKMText workingText;
     int32_t textPending = 0;  // workingText is not yet in currentText
     CVKMText currentText;     // the text just completed

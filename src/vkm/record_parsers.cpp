@@ -104,9 +104,9 @@ void ApplyTextDefaults(CVKMText& text, int32_t layer) {
 }  // namespace
 
 void ParseLineElement(CVKMReaderState& state, CVKMTokenizer& line, uint32_t type, bool start) {
-    CVKMLineElement& element = state.workingElement;
+    CVKMLineElement& element = state.lineElements.Working();
+    if (start || state.elementPending == 0) element = CVKMLineElement();
     if (start) {
-        element = CVKMLineElement();
         element.type = type;
         ReadPoint(state, line, element);
     }
@@ -114,7 +114,7 @@ void ParseLineElement(CVKMReaderState& state, CVKMTokenizer& line, uint32_t type
     for (Field value; !IsNone(value = line.NextKeyValue(lineKey, key));) {
         switch (key) {
             case 'K':
-                state.lineElements.SetCode(element, value);
+                state.lineElements.SetWorkingCode(value);
                 break;
             case 'M':
                 element.valueM = ParseReal(value);

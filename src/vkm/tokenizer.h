@@ -1,8 +1,9 @@
 // Splits a line of a VKM file into the four kinds of field that records are made of.
 //
-// A cursor over one line, whose characters belong to the line reader and stay valid until its next line.
-// Fields are views into the line; a view without data (nullptr) is none. Every operation moves forward only,
-// so the order of the calls is the order of the fields on the line.
+// A cursor over one line, whose characters belong to the line reader and stay valid until its next line. Up
+// to platform::searchSlack characters behind the line may be looked at. Fields are views into the line; a
+// view without data (nullptr) is none. Every operation moves forward only, so the order of the calls is the
+// order of the fields on the line.
 
 #pragma once
 
@@ -10,6 +11,7 @@
 #include <string_view>
 
 #include "vkm/characters.h"
+#include "vkm/field_mask.h"
 
 namespace vemrado {
 
@@ -32,30 +34,33 @@ inline uint32_t ClassifyRecord(Field field) {
 
 class CVKMTokenizer {
   public:
-    CVKMTokenizer() = default;
-    explicit CVKMTokenizer(std::string_view line) : cursor(line.data()), end(line.data() + line.size()) {}
+    explicit CVKMTokenizer(std::string_view line) : cursor(line.data()), end(line.data() + line.size()) {
+        Look();
+    }
 
     // The next field, or none.
     Field NextToken() {
         if (!SkipBlanks()) return Field();
         const char* start = cursor;
         SkipField();
-        const Field token(start, static_cast<size_t>(cursor - start));
-        if (cursor != end) ++cursor;
-        return token;
+        return Field(start, static_cast<size_t>(cursor - start));
     }
 
     // The next quoted text, or none; whatever stands before its opening quote is passed over. Without a
     // closing quote the text runs to the end of the line.
     Field NextQuoted() {
         while (cursor != end && !Is(*cursor, quoteCharacter)) ++cursor;
-        if (cursor == end) return Field();
-        const char quote = *cursor++;
-        if (cursor == end) return Field();
-        const char* start = cursor;
-        while (cursor != end && *cursor != quote) ++cursor;
-        const Field text(start, static_cast<size_t>(cursor - start));
-        if (cursor != end) ++cursor;
+        Field text;
+        if (cursor != end && cursor + 1 != end) {
+            const char* start = cursor + 1;
+            const char* stop = start;
+            while (stop != end && *stop != *cursor) ++stop;
+            text = Field(start, static_cast<size_t>(stop - start));
+            cursor = stop == end ? end : stop + 1;
+        } else {
+            cursor = end;
+        }
+        Look();
         return text;
     }
 
@@ -64,10 +69,11 @@ class CVKMTokenizer {
     Field NextKeyValue(CharacterClass keys, char& key) {
         while (SkipBlanks()) {
             if (Is(*cursor, keys)) {
-                key = *cursor++;
+                key = *cursor;
+                Step();
                 if (!SkipBlanks()) return Field();
                 if (*cursor == '=') {
-                    ++cursor;
+                    Step();
                     return NextToken();
                 }
             }
@@ -77,18 +83,46 @@ class CVKMTokenizer {
     }
 
   private:
+    // Marks the fields among the characters from the cursor on.
+    void Look() {
+        const auto left = static_cast<size_t>(end - cursor);
+        const size_t seen = left < fieldMaskSize ? left : fieldMaskSize;
+        seenEnd = cursor + seen;
+        fields = FieldMask(cursor) & ((uint64_t{1} << seen) - 1);
+    }
+
+    void Step() {
+        ++cursor;
+        fields >>= 1;
+    }
+
     // False when the line has run out.
     bool SkipBlanks() {
-        while (cursor != end && Is(*cursor, blankCharacter)) ++cursor;
-        return cursor != end;
+        while (fields == 0) {
+            cursor = seenEnd;
+            if (cursor == end) return false;
+            Look();
+        }
+        const int blanks = __builtin_ctzll(fields);
+        cursor += blanks;
+        fields >>= blanks;
+        return true;
     }
 
     void SkipField() {
-        while (cursor != end && !Is(*cursor, blankCharacter)) ++cursor;
+        const int length = __builtin_ctzll(~fields);
+        cursor += length;
+        fields >>= length;
+        if (cursor == seenEnd && cursor != end) [[unlikely]] {
+            while (cursor != end && !Is(*cursor, blankCharacter)) ++cursor;
+            Look();
+        }
     }
 
-    const char* cursor = nullptr;
-    const char* end = nullptr;
+    const char* cursor;
+    const char* end;
+    const char* seenEnd;  // end of the characters that the mask tells of
+    uint64_t fields;      // bit i: cursor[i] belongs to a field
 };
 
 }  // namespace vemrado
