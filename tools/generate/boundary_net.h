@@ -1,0 +1,95 @@
+// The net of parcel boundaries of one sheet. Neighbouring parcels share their boundary: each line is drawn
+// once, and every point where another line meets it is a point of it. Points lie on the grid of the file's
+// coordinates.
+
+#pragma once
+
+#include <cstdint>
+#include <vector>
+
+#include "geometry.h"
+#include "streets.h"
+
+namespace generate {
+
+// Coordinates in units of the last decimal place, east and north of the country's origin.
+struct GridPoint {
+    int64_t east = 0;
+    int64_t north = 0;
+    bool operator==(const GridPoint&) const = default;
+};
+
+class Grid {
+  public:
+    explicit Grid(int unitsPerMetre) : units_(unitsPerMetre) {}
+    int UnitsPerMetre() const { return units_; }
+    GridPoint Snap(Point point) const {
+        return {std::llround(point.east * units_), std::llround(point.north * units_)};
+    }
+    Point ToMetres(GridPoint point) const {
+        return {static_cast<double>(point.east) / units_, static_cast<double>(point.north) / units_};
+    }
+
+  private:
+    int units_;
+};
+
+class BoundaryNet {
+  public:
+    // An edge in one of its two directions: 2 * edge, plus 1 when it is run backwards.
+    using HalfEdge = uint32_t;
+    using Face = std::vector<HalfEdge>;
+
+    explicit BoundaryNet(Grid grid) : grid_(grid) {}
+
+    // A closed boundary of its own; gives the face inside it.
+    Face AddOutline(const Ring& ring, const std::vector<Side>& sides);
+
+    // Divides a face by a chord through a point inside it. The chord's ends are moved to points of the
+    // boundary that are nearer than snap; other ends become points of the boundary. False when there is no
+    // such chord or a part would be thinner than a sliver.
+    bool Cut(Face& face, Point inside, Point direction, double snap, Face& leftPart, Face& rightPart);
+
+    // The face's boundary with all points that lines on its other side have added since.
+    void Refine(Face& face) const;
+    // Points and sides of a face's edges, as they stand in the face.
+    void Outline(const Face& face, Ring& ring, std::vector<Side>& sides) const;
+
+    // Every line added so far, each once, with all of its points.
+    std::size_t LineCount() const { return lines_.size(); }
+    void Line(std::size_t index, std::vector<GridPoint>& points) const;
+    bool IsOutline(std::size_t index) const { return lines_[index].closed; }
+
+    const std::vector<GridPoint>& Nodes() const { return nodes_; }
+    // Lines that meet at a node; 2 on a plain bend.
+    int Degree(std::size_t node) const { return degrees_[node]; }
+
+  private:
+    struct Edge {
+        uint32_t from;
+        uint32_t to;
+        uint32_t child;  // the first of its two parts once divided, else 0
+        Side side;
+    };
+    struct RootLine {
+        uint32_t firstEdge;
+        uint32_t edgeCount;
+        bool closed;
+    };
+
+    uint32_t AddNode(Point point);
+    uint32_t AddEdge(uint32_t from, uint32_t to, Side side);
+    uint32_t StartNode(HalfEdge half) const;
+    Point At(uint32_t node) const { return grid_.ToMetres(nodes_[node]); }
+    void AppendParts(HalfEdge half, Face& face) const;
+    std::size_t NodeAt(Face& face, const Crossing& crossing, double snap);
+    bool IsThin(const Face& face) const;
+
+    Grid grid_;
+    std::vector<GridPoint> nodes_;
+    std::vector<int> degrees_;
+    std::vector<Edge> edges_ = {{0, 0, 0, Side::plot}};  // edge 0 is none
+    std::vector<RootLine> lines_;
+};
+
+}  // namespace generate

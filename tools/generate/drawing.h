@@ -1,0 +1,78 @@
+// What is on one sheet, layer by layer, ready to be written: lines of elements with their keys, and texts.
+
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "boundary_net.h"
+#include "codes.h"
+#include "geometry.h"
+
+namespace generate {
+
+// Keys of a line element; a value that equals its default is not written.
+struct ElementKeys {
+    int32_t code = 0;               // K
+    int32_t symbol = 0;             // S
+    int32_t scaleHundredths = 100;  // M
+    int32_t gonsHundredths = 0;     // U
+    int32_t radiusHundredths = 0;   // R, metres
+};
+
+struct DrawnElement {
+    GridPoint at;
+    char type = 'L';
+    bool startsLine = false;
+    ElementKeys keys;
+};
+
+struct DrawnText {
+    GridPoint at;
+    std::string text;            // Windows-1250
+    int32_t code = 0;            // K, 0: left to the layer's default
+    int32_t heightTenths = 0;    // H in tenths of a millimetre on paper, 0: left to the default
+    int32_t font = 0;            // F, 0: left to the default
+    int32_t anchor = 0;          // D, 0: left to the default
+    int32_t gonsHundredths = 0;  // U
+};
+
+struct DrawnLayer {
+    std::vector<DrawnElement> elements;
+    std::vector<DrawnText> texts;
+};
+
+class Drawing {
+  public:
+    explicit Drawing(Grid grid) : grid_(grid) {}
+
+    const Grid& GridOf() const { return grid_; }
+    const DrawnLayer& At(int layer) const { return layers_[static_cast<std::size_t>(layer)]; }
+
+    // Starts a line at a point; Stroke starts another stroke of the same line, Element goes on to a point.
+    void StartLine(Layer layer, GridPoint at, int32_t code) { Add(layer, at, 'P', true, code, 0); }
+    void Stroke(Layer layer, GridPoint at, int32_t code) { Add(layer, at, 'P', false, code, 0); }
+    void Element(Layer layer, GridPoint at, int32_t code, char type = 'L', double radius = 0) {
+        Add(layer, at, type, false, code, radius);
+    }
+
+    void AddPath(Layer layer, const Path& path, int32_t code, char type = 'L');
+    void AddRing(Layer layer, const Ring& ring, int32_t code);
+    void AddSymbol(Layer layer, Point at, int32_t symbol, double gons = 0, double scale = 1);
+    // Gives the last element's point a symbol too.
+    void MarkLast(Layer layer, int32_t symbol, double gons);
+    void AddText(Layer layer, Point at, std::string_view text, int32_t code, double gons);
+    DrawnText& LastText(Layer layer) { return Of(layer).texts.back(); }
+
+  private:
+    DrawnLayer& Of(Layer layer) { return layers_[static_cast<std::size_t>(layer)]; }
+    void Add(Layer layer, GridPoint at, char type, bool startsLine, int32_t code, double radius);
+
+    Grid grid_;
+    std::array<DrawnLayer, layerCount + 1> layers_;
+};
+
+}  // namespace generate

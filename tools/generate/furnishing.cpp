@@ -1,0 +1,306 @@
+#include "furnishing.h"
+
+#include <algorithm>
+#include <cmath>
+#include <numbers>
+
+namespace generate {
+
+namespace {
+
+int32_t MarkOf(ParcelUse use) {
+    switch (use) {
+        case ParcelUse::garden:
+        case ParcelUse::allotment:
+            return symbolGarden;
+        case ParcelUse::orchard:
+            return symbolOrchard;
+        case ParcelUse::vineyard:
+            return symbolVineyard;
+        case ParcelUse::hopGarden:
+            return symbolHopGarden;
+        case ParcelUse::meadow:
+            return symbolMeadow;
+        case ParcelUse::pasture:
+            return symbolPasture;
+        case ParcelUse::broadleafForest:
+            return symbolBroadleafForest;
+        case ParcelUse::coniferousForest:
+            return symbolConiferousForest;
+        case ParcelUse::park:
+            return symbolPark;
+        case ParcelUse::cemetery:
+            return symbolCemetery;
+        case ParcelUse::sports:
+            return symbolSports;
+        default:
+            return 0;
+    }
+}
+
+// Height of the layer's default text, in millimetres on paper, and the width of its letters in heights.
+constexpr double numberHeight = 1.7;
+constexpr double letterWidth = 0.62;
+
+}  // namespace
+
+void Furnisher::Furnish(const BoundaryNet& net, Parcel& parcel) {
+    net.Refine(parcel.face);
+    net.Outline(parcel.face, site_.ring, site_.sides);
+    site_.hasFront = FrontOf(site_.ring, site_.sides, site_.front);
+    switch (parcel.use) {
+        case ParcelUse::terrace:
+        case ParcelUse::house:
+        case ParcelUse::works:
+            return FurnishHouse(parcel);
+        case ParcelUse::square:
+            return FurnishSquare(parcel);
+        case ParcelUse::park:
+            return FurnishPark(parcel);
+        case ParcelUse::pond:
+            return FurnishPond(parcel);
+        case ParcelUse::sports:
+            return FurnishSports(parcel);
+        default:
+            return FurnishLand(parcel);
+    }
+}
+
+bool Furnisher::IsFree(Point at, double clearance) const {
+    return Contains(site_.ring, at) && DistanceToOutline(site_.ring, at) >= clearance;
+}
+
+Point Furnisher::Inside() const {
+    const Point center = Centroid(site_.ring);
+    if (IsFree(center, 1)) return center;
+    // A bent parcel: the middle of a chord through one of its edges' middles.
+    for (std::size_t i = 0; i < site_.ring.size(); ++i) {
+        const Point edge = site_.ring[(i + 1) % site_.ring.size()] - site_.ring[i];
+        const Point start = Middle(site_.ring[i], site_.ring[i] + edge) + Left(Unit(edge)) * 0.5;
+        Chord chord;
+        if (!Contains(site_.ring, start) || !FindChord(site_.ring, start, Left(Unit(edge)), chord)) continue;
+        const Point middle = Middle(chord.ahead.at, chord.behind.at);
+        if (IsFree(middle, 1)) return middle;
+    }
+    return center;
+}
+
+Path Furnisher::Closed(const Ring& ring) const {
+    Path path = ring;
+    path.push_back(ring[0]);
+    return path;
+}
+
+// The number stands level where it has room, else along the parcel.
+void Furnisher::Number(const Parcel& parcel, Point at) {
+    std::string text = std::to_string(parcel.stem);
+    if (parcel.sub > 0) text += "/" + std::to_string(parcel.sub);
+    const double width = static_cast<double>(text.size()) * letterWidth * numberHeight * paper_;
+    double gons = 0;
+    Chord chord;
+    if (FindChord(site_.ring, at, {1, 0}, chord) &&
+        std::min(chord.ahead.distance, -chord.behind.distance) * 2 < width + 0.6) {
+        gons = ReadableGons(site_.hasFront ? site_.front.inwards : FrameOf(site_.ring).along);
+    }
+    drawing_.AddText(layerParcelNumbers, at, text, 0, gons);
+}
+
+void Furnisher::FurnishHouse(const Parcel& parcel) {
+    BuildingPlan plan;
+    if (site_.hasFront) {
+        switch (parcel.use) {
+            case ParcelUse::terrace:
+                plan = builder_.Terrace(site_);
+                break;
+            case ParcelUse::works:
+                plan = builder_.Halls(site_);
+                break;
+            default:
+                plan = builder_.House(site_);
+        }
+    }
+    if (!plan.built) return FurnishLand(parcel);
+    if (parcel.use == ParcelUse::works) {
+        drawing_.AddText(layerHouseNumbers, plan.center, std::to_string(nextHouse_++), 0, 0);
+        drawing_.AddSymbol(layerBuildingMarks, plan.center - Point{0, 3 * paper_}, symbolMasonry);
+        if (random_.Chance(0.3)) Caption(names_.works, plan.center + Point{0, 3 * paper_}, textRemark, 1.7);
+    } else {
+        const double gons = ReadableGons(site_.front.along);
+        drawing_.AddText(layerHouseNumbers, plan.center + Point{0, 1.1 * paper_},
+                         std::to_string(nextHouse_++), 0,
+                         parcel.use == ParcelUse::terrace ? ReadableGons(site_.front.inwards) : 0);
+        const bool timber = parcel.use == ParcelUse::house && random_.Chance(0.08);
+        drawing_.AddSymbol(layerBuildingMarks, plan.center - Point{0, 1.7 * paper_},
+                           timber ? symbolTimber : symbolMasonry, gons);
+    }
+    const double depth = plan.back + std::max(2.4 * paper_, (site_.front.depth - plan.back) * 0.5);
+    Point at = site_.front.middle + site_.front.inwards * depth;
+    if (!IsFree(at, 0.9 * paper_))
+        at = site_.front.middle + site_.front.inwards * ((plan.back + site_.front.depth) / 2);
+    if (!Contains(site_.ring, at)) at = Inside();
+    Number(parcel, at);
+    if (parcel.use == ParcelUse::house && random_.Chance(0.12)) {
+        const Point well = at + site_.front.along * (random_.Between(3, 5) * paper_);
+        if (IsFree(well, 1)) drawing_.AddSymbol(layerBuildingMarks, well, symbolWell);
+    }
+}
+
+void Furnisher::FurnishSquare(const Parcel& parcel) {
+    const Point center = Inside();
+    const Point churchAt = center + Point{-6, 6};
+    if (IsFree(churchAt, 22)) {
+        builder_.Church(churchAt);
+        drawing_.AddSymbol(layerBuildingMarks, churchAt, symbolChurch);
+        Caption(names_.church, churchAt + Point{0, -9.5}, textRemark, 1.7);
+    }
+    const Frame frame = FrameOf(site_.ring);
+    for (const double share : {-0.36, -0.24, 0.24, 0.36}) {
+        for (const double side : {-0.3, 0.3}) {
+            const Point tree =
+                frame.center + frame.along * (frame.length * share) + frame.across * (frame.width * side);
+            if (IsFree(tree, 4)) drawing_.AddSymbol(layerBuildingMarks, tree, symbolBroadleafTree);
+        }
+    }
+    const Point monument = center + Point{26, -12};
+    if (IsFree(monument, 3)) drawing_.AddSymbol(layerBuildingMarks, monument, symbolMonument);
+    Number(parcel, center + Point{26, 6});
+    Caption(names_.square, center + Point{-2, -19}, textRoad, 3.4);
+}
+
+// Paths cross in the middle of the park, between rows of trees.
+void Furnisher::FurnishPark(const Parcel& parcel) {
+    const Frame frame = FrameOf(site_.ring);
+    const Point center = Inside();
+    for (const Point direction : {Unit(frame.along * frame.length + frame.across * frame.width),
+                                  Unit(frame.along * frame.length - frame.across * frame.width)}) {
+        Chord chord;
+        if (!FindChord(site_.ring, center, direction, chord)) continue;
+        const Point side = Left(direction) * 1.2;
+        for (const double sign : {-1.0, 1.0}) {
+            const Point from = center + direction * (chord.behind.distance + 1.5) + side * sign;
+            const Point to = center + direction * (chord.ahead.distance - 1.5) + side * sign;
+            drawing_.AddPath(layerNames, Bent(from, to, {2.0 * sign}), codePath, 'K');
+        }
+    }
+    const Point number = center + frame.across * (frame.width * 0.3);
+    Marks(symbolPark, 21, 60, number);
+    drawing_.AddSymbol(layerBuildingMarks, center, symbolMonument);
+    Number(parcel, number);
+    Caption(names_.park, center - frame.across * (frame.width * 0.32), textSmallName, 2.9);
+}
+
+void Furnisher::FurnishLand(const Parcel& parcel) {
+    const double area = Area(site_.ring);
+    const int32_t mark = MarkOf(parcel.use);
+    Point at = Inside();
+    if (parcel.use == ParcelUse::allotment && site_.hasFront && random_.Chance(0.7)) {
+        const BuildingPlan hut = builder_.Hut(site_);
+        const double depth = (hut.back + site_.front.depth) / 2;
+        const Point behind = site_.front.middle + site_.front.inwards * depth;
+        if (hut.built && IsFree(behind, 1)) at = behind;
+    }
+    Number(parcel, at);
+    if (mark == 0) return;
+    if (area > 2500 * paper_) {
+        Marks(mark, 27, 45, at);
+    } else {
+        for (const double offset : {3.6, -3.6, 5.0, -5.0}) {
+            const Point place = at + (site_.hasFront ? site_.front.inwards : Point{0, 1}) * (offset * paper_);
+            if (!IsFree(place, 1.5 * paper_)) continue;
+            drawing_.AddSymbol(layerLandUse, place, mark);
+            break;
+        }
+    }
+    if (parcel.use == ParcelUse::garden && area > 250 && random_.Chance(0.2)) {
+        const Frame frame = FrameOf(site_.ring);
+        Chord chord;
+        const Point through = Inside() + frame.along * (frame.length * 0.28);
+        if (IsFree(through, 2) && FindChord(site_.ring, through, frame.across, chord)) {
+            drawing_.AddPath(layerFences, {chord.behind.at, chord.ahead.at}, codeFence);
+        }
+    }
+    if (parcel.use == ParcelUse::cemetery) {
+        Caption(names_.cemetery, at + Point{0, 5 * paper_}, textRemark, 1.7);
+        std::vector<std::size_t> kept;
+        const Ring wall = Inset(site_.ring, std::vector<double>(site_.ring.size(), 1.5), kept);
+        if (wall.size() > 3) drawing_.AddRing(layerFences, wall, codeWall);
+    }
+}
+
+// A pond's shore is a smooth curve inside its parcel.
+void Furnisher::FurnishPond(const Parcel& parcel) {
+    const Frame frame = FrameOf(site_.ring);
+    const Point center = Inside();
+    Ring shore;
+    constexpr int steps = 36;
+    const double phase = random_.Between(0, 2 * std::numbers::pi);
+    for (int i = 0; i < steps; ++i) {
+        const double angle = 2 * std::numbers::pi * i / steps;
+        const Point direction = frame.along * std::cos(angle) + frame.across * std::sin(angle);
+        Chord chord;
+        if (!FindChord(site_.ring, center, direction, chord)) continue;
+        const double wave =
+            0.68 + 0.09 * std::sin(2 * angle + phase) + 0.05 * std::sin(5 * angle + 2 * phase);
+        const double most =
+            0.5 * (frame.length * std::abs(std::cos(angle)) + frame.width * std::abs(std::sin(angle)));
+        shore.push_back(center + direction * (std::min(chord.ahead.distance, most) * wave));
+    }
+    if (shore.size() > 8) {
+        drawing_.AddPath(layerWater, Closed(shore), codeWaterEdge, 'C');
+        for (const double share : {-0.25, 0.0, 0.25}) {
+            drawing_.AddSymbol(layerLandUse,
+                               center + frame.along * (frame.length * share) - frame.across * (5 * paper_),
+                               symbolStillWater);
+        }
+    }
+    Number(parcel, center + frame.across * (3 * paper_));
+    Caption(names_.pond, center + frame.across * (7 * paper_), textWater, 4.4);
+}
+
+void Furnisher::FurnishSports(const Parcel& parcel) {
+    const Frame frame = FrameOf(site_.ring);
+    const double halfLength = std::min(52.0, frame.length * 0.36);
+    const double halfWidth = std::min(34.0, frame.width * 0.34);
+    const auto at = [&](double x, double y) {
+        return frame.center + frame.along * (x * halfLength) + frame.across * (y * halfWidth);
+    };
+    const Ring field{at(-1, -1), at(1, -1), at(1, 1), at(-1, 1)};
+    if (std::all_of(field.begin(), field.end(), [&](Point point) { return IsFree(point, 1); })) {
+        drawing_.AddRing(layerFences, field, codeLandUseLimit);
+        drawing_.AddPath(layerFences, {at(0, -1), at(0, 1)}, codeLandUseLimit);
+    }
+    drawing_.AddSymbol(layerLandUse, at(0.5, 0), symbolSports);
+    Number(parcel, at(-0.5, 0));
+    Caption(names_.sports, at(-0.5, 0) + Point{0, 4 * paper_}, textRemark, 1.7);
+}
+
+// Marks in staggered rows over the whole parcel, clear of its number.
+void Furnisher::Marks(int32_t symbol, double spacing, double largest, Point number) {
+    const Frame frame = FrameOf(site_.ring);
+    const double wanted = std::sqrt(frame.length * frame.width / 36.0);
+    const double step = std::clamp(wanted, spacing * paper_, largest * paper_);
+    const int rows = static_cast<int>(frame.width / step / 2) + 1;
+    const int columns = static_cast<int>(frame.length / step / 2) + 1;
+    for (int row = -rows; row <= rows; ++row) {
+        for (int column = -columns; column <= columns; ++column) {
+            const double shift = (row % 2 != 0 ? 0.5 : 0.0) + random_.Between(-0.08, 0.08);
+            const Point place = frame.center + frame.along * ((column + shift) * step) +
+                                frame.across * ((row + random_.Between(-0.08, 0.08)) * step);
+            if (!IsFree(place, 3.2 * paper_) || Length(place - number) < 5.5 * paper_) continue;
+            drawing_.AddSymbol(layerLandUse, place, symbol);
+        }
+    }
+}
+
+void Furnisher::Caption(const std::string& text, Point at, int32_t code, double height) {
+    const double width = static_cast<double>(text.size()) * letterWidth * height * paper_;
+    Chord chord;
+    double gons = 0;
+    if (Contains(site_.ring, at) && FindChord(site_.ring, at, {1, 0}, chord) &&
+        chord.ahead.distance - chord.behind.distance < width) {
+        gons = ReadableGons(FrameOf(site_.ring).along);
+    }
+    drawing_.AddText(layerNames, at, text, code, gons);
+}
+
+}  // namespace generate

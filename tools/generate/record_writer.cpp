@@ -1,0 +1,237 @@
+#include "record_writer.h"
+
+#include <array>
+#include <cstring>
+
+namespace generate {
+
+namespace {
+
+constexpr std::array<int64_t, 5> powersOfTen{1, 10, 100, 1000, 10000};
+
+// The pairs of digits 00 to 99.
+constexpr std::array<char, 200> MakeDigitPairs() {
+    std::array<char, 200> pairs{};
+    for (std::size_t i = 0; i < 100; ++i) {
+        pairs[2 * i] = static_cast<char>('0' + i / 10);
+        pairs[2 * i + 1] = static_cast<char>('0' + i % 10);
+    }
+    return pairs;
+}
+constexpr std::array<char, 200> digitPairs = MakeDigitPairs();
+
+constexpr std::size_t longerThanAnyBuffer = 1100;
+
+}  // namespace
+
+RecordWriter::RecordWriter(RecordForm form, int decimals, uint64_t seed, int64_t sheet)
+    : form_(form),
+      decimals_(decimals),
+      random_(seed, Subject::records, sheet, form == RecordForm::odd ? 1 : 0) {
+    out_.reserve(std::size_t{1} << 19);
+}
+
+void RecordWriter::Digits(uint64_t value) {
+    std::array<char, 20> text;
+    std::size_t at = text.size();
+    while (value >= 100) {
+        at -= 2;
+        std::memcpy(&text[at], &digitPairs[2 * (value % 100)], 2);
+        value /= 100;
+    }
+    if (value >= 10) {
+        at -= 2;
+        std::memcpy(&text[at], &digitPairs[2 * value], 2);
+    } else {
+        text[--at] = static_cast<char>('0' + value);
+    }
+    out_.append(&text[at], text.size() - at);
+}
+
+// value is in units of the last of the decimals.
+void RecordWriter::Number(int64_t value, int decimals) {
+    if (value < 0) out_ += '-';
+    const auto magnitude = static_cast<uint64_t>(value < 0 ? -value : value);
+    const auto power = static_cast<uint64_t>(powersOfTen[static_cast<std::size_t>(decimals)]);
+    Digits(magnitude / power);
+    if (decimals == 0) return;
+    out_ += '.';
+    uint64_t rest = magnitude % power;
+    for (uint64_t place = power / 10; place > 0; place /= 10) {
+        out_ += static_cast<char>('0' + rest / place);
+        rest %= place;
+    }
+}
+
+void RecordWriter::Coordinate(int64_t value) {
+    if (form_ == RecordForm::odd) {
+        switch (random_.Below(8)) {
+            case 0:  // a sign that is not needed
+                if (value >= 0) out_ += '+';
+                break;
+            case 1:  // an integer with an exponent
+                Number(value, 0);
+                out_ += "e-";
+                Number(decimals_, 0);
+                return;
+            case 2:  // zeros at the end
+                Number(value, decimals_);
+                out_ += "00";
+                return;
+            case 3:  // a field that ends in something else
+                Number(value, decimals_);
+                out_ += 'm';
+                return;
+            default:
+                break;
+        }
+    }
+    Number(value, decimals_);
+}
+
+void RecordWriter::Separator() {
+    if (form_ == RecordForm::plain) {
+        out_ += ' ';
+        return;
+    }
+    constexpr std::array<const char*, 6> blanks{" ", " ", "  ", "\t", " \t ", "     "};
+    out_ += random_.Pick(blanks);
+}
+
+void RecordWriter::Field(std::string_view text) {
+    Separator();
+    out_ += text;
+}
+
+void RecordWriter::Coordinates(GridPoint at) {
+    Separator();
+    Coordinate(-at.east - originY_);
+    Separator();
+    Coordinate(-at.north - originX_);
+}
+
+void RecordWriter::KeyStart(char letter) {
+    Separator();
+    out_ += letter;
+    if (form_ == RecordForm::odd && random_.Chance(0.3)) Separator();
+    out_ += '=';
+    if (form_ == RecordForm::odd && random_.Chance(0.3)) Separator();
+}
+
+void RecordWriter::Key(char letter, int64_t value) {
+    KeyStart(letter);
+    Number(value, 0);
+}
+
+void RecordWriter::KeyDecimal(char letter, int64_t value, int decimals) {
+    KeyStart(letter);
+    Number(value, decimals);
+}
+
+// The text may hold quote characters of its own: one that it does not hold is taken.
+void RecordWriter::Quoted(std::string_view text) {
+    constexpr std::string_view quotes = "\"'`%";
+    std::size_t choice = form_ == RecordForm::odd ? static_cast<std::size_t>(random_.Below(4)) : 0;
+    while (text.find(quotes[choice % 4]) != std::string_view::npos) ++choice;
+    Separator();
+    if (form_ == RecordForm::odd && random_.Chance(0.1)) out_ += "text ";
+    out_ += quotes[choice % 4];
+    out_ += text;
+    out_ += quotes[choice % 4];
+}
+
+void RecordWriter::StartRecord(char letter) {
+    if (form_ == RecordForm::odd && random_.Chance(0.2)) Separator();
+    out_ += '&';
+    out_ += letter;
+    if (form_ == RecordForm::odd && random_.Chance(0.1)) out_ += "2009";
+}
+
+// A continuation line: its first field is never read as a key.
+void RecordWriter::Continue() {
+    EndLine();
+    Separator();
+    out_ += '+';
+}
+
+void RecordWriter::EndLine(Ending ending) {
+    if (form_ == RecordForm::plain) {
+        out_ += '\n';
+        return;
+    }
+    if (random_.Chance(0.1)) Separator();
+    if (ending == Ending::any && random_.Chance(0.002))
+        out_.append(longerThanAnyBuffer, random_.Chance(0.5) ? ' ' : '\t');
+    if (random_.Chance(0.5)) out_ += '\r';
+    out_ += '\n';
+}
+
+// A line that changes nothing for the element that is being read.
+void RecordWriter::Oddity() {
+    constexpr std::array<const char*, 9> lines{"&Q 1 2 K=77",       "&l 1 2 3", "&",      "",
+                                               "? 12 Z=5 KX=3 foo", "  \t  ",   "&x S=9", "; H 5 KM=1",
+                                               "& L 5 5 K=1"};
+    out_ += random_.Pick(lines);
+    EndLine();
+}
+
+void RecordWriter::Comment(std::string_view text) {
+    StartRecord('*');
+    Field(text);
+    if (form_ == RecordForm::odd && !inHeader_ && random_.Chance(0.3)) {
+        out_ += ' ';
+        out_.append(longerThanAnyBuffer, '-');
+    }
+    EndLine(inHeader_ ? Ending::shortLine : Ending::any);
+}
+
+void RecordWriter::Record(char letter, std::string_view fields) {
+    StartRecord(letter);
+    if (!fields.empty()) Field(fields);
+    EndLine(Ending::shortLine);
+}
+
+void RecordWriter::SetLayer(int layer) {
+    StartRecord('U');
+    Separator();
+    Number(layer, 0);
+    EndLine(Ending::shortLine);
+}
+
+void RecordWriter::Element(const DrawnElement& element) {
+    if (element.startsLine) {
+        StartRecord('L');
+    } else {
+        if (form_ == RecordForm::odd && random_.Chance(0.06)) Oddity();
+    }
+    Separator();
+    out_ += element.type;
+    if (form_ == RecordForm::odd && element.startsLine && random_.Chance(0.1)) out_ += "oint";
+    Coordinates(element.at);
+    const ElementKeys& keys = element.keys;
+    if (keys.code != 0) Key('K', keys.code);
+    if (keys.symbol != 0) Key('S', keys.symbol);
+    const bool hasMore = keys.scaleHundredths != 100 || keys.gonsHundredths != 0;
+    if (hasMore && random_.Chance(form_ == RecordForm::odd ? 0.5 : 0.15)) Continue();
+    if (keys.scaleHundredths != 100) KeyDecimal('M', keys.scaleHundredths, 2);
+    if (keys.gonsHundredths != 0) KeyDecimal('U', keys.gonsHundredths, 2);
+    if (keys.radiusHundredths != 0) KeyDecimal('R', keys.radiusHundredths, 2);
+    EndLine();
+}
+
+void RecordWriter::Text(const DrawnText& text) {
+    StartRecord('T');
+    Coordinates(text.at);
+    Quoted(text.text);
+    if (text.code != 0) Key('K', text.code);
+    if (text.anchor != 0) Key('D', text.anchor);
+    if (text.font != 0) Key('F', text.font);
+    if (text.heightTenths != 0) KeyDecimal('H', text.heightTenths, 1);
+    if (text.gonsHundredths != 0) {
+        if (random_.Chance(form_ == RecordForm::odd ? 0.5 : 0.1)) Continue();
+        KeyDecimal('U', text.gonsHundredths, 2);
+    }
+    EndLine();
+}
+
+}  // namespace generate

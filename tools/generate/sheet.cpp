@@ -1,0 +1,243 @@
+#include "sheet.h"
+
+#include <algorithm>
+#include <string>
+
+#include "furnishing.h"
+#include "random.h"
+
+namespace generate {
+
+namespace {
+
+constexpr int firstNumberStep = 500;
+constexpr int firstHouseStep = 130;
+
+// Position of a cell in its municipality, for numbers that do not repeat in it.
+int PlaceInMunicipality(Cell cell) {
+    constexpr int size = Country::municipalityCells;
+    return cell.column % size + size * (cell.row % size);
+}
+
+class SheetPainter {
+  public:
+    SheetPainter(const Country& country, const Names& names, Cell cell, int scale, Grid grid)
+        : country_(country),
+          names_(names),
+          cell_(cell),
+          paper_(scale / 1000.0),
+          drawing_(grid),
+          net_(grid),
+          streetRandom_(country.Seed(), Subject::streets, cell.column, cell.row),
+          random_(country.Seed(), Subject::parcels, cell.column, cell.row) {}
+
+    Drawing Paint() {
+        const StreetPlan plan = PlanStreets(country_, cell_, streetRandom_);
+        PaintParcels(plan);
+        PaintBoundaries();
+        PaintBoundaryPoints();
+        for (const Block& block : plan.blocks) {
+            if (block.town < 1.0) PaintKerb(block);
+        }
+        PaintStreets(plan);
+        if (!plan.stream.empty()) PaintStream(plan);
+        PaintDistrictBoundaries(plan);
+        PaintPowerLine();
+        PaintDistrictNames(plan);
+        return std::move(drawing_);
+    }
+
+  private:
+    void PaintParcels(const StreetPlan& plan) {
+        const int place = PlaceInMunicipality(cell_);
+        std::vector<Parcel> parcels;
+        ParcelPlanner planner(country_, net_, random_, 1 + place * firstNumberStep);
+        for (const Block& block : plan.blocks) planner.Divide(block, parcels);
+        Furnisher furnisher(country_, names_, drawing_, random_, paper_, 1 + place * firstHouseStep);
+        for (Parcel& parcel : parcels) furnisher.Furnish(net_, parcel);
+    }
+
+    void PaintBoundaries() {
+        std::vector<GridPoint> points;
+        for (std::size_t i = 0; i < net_.LineCount(); ++i) {
+            net_.Line(i, points);
+            const bool uncertain = !net_.IsOutline(i) && random_.Chance(0.02);
+            const int32_t code = uncertain ? codeParcelUncertain : codeParcel;
+            drawing_.StartLine(layerBoundaries, points[0], code);
+            for (std::size_t k = 1; k < points.size(); ++k)
+                drawing_.Element(layerBoundaries, points[k], code);
+        }
+    }
+
+    // A third of the corners carry a survey mark.
+    void PaintBoundaryPoints() {
+        for (std::size_t node = 0; node < net_.Nodes().size(); ++node) {
+            const double number = random_.Unit();
+            if (net_.Degree(node) < 3 || number > 0.35) continue;
+            const int32_t symbol = number < 0.06   ? symbolBoundaryStone
+                                   : number < 0.14 ? symbolBoundaryMark
+                                                   : symbolBoundaryPoint;
+            drawing_.AddSymbol(layerPoints, drawing_.GridOf().ToMetres(net_.Nodes()[node]), symbol);
+        }
+    }
+
+    void PaintKerb(const Block& block) {
+        bool first = true;
+        for (const KerbPoint& point : KerbOf(block, 1.7)) {
+            const GridPoint at = drawing_.GridOf().Snap(point.at);
+            if (first) {
+                drawing_.StartLine(layerNames, at, codeRoadEdge);
+            } else if (point.startsStroke) {
+                drawing_.Stroke(layerNames, at, codeRoadEdge);
+            } else {
+                drawing_.Element(layerNames, at, codeRoadEdge, point.radius > 0 ? 'R' : 'L', point.radius);
+            }
+            first = false;
+        }
+    }
+
+    void PaintStreets(const StreetPlan& plan) {
+        int controlPoint = 501 + 20 * PlaceInMunicipality(cell_);
+        for (const Street& street : plan.streets) {
+            PaintStreetName(street);
+            const bool mainStreet =
+                street.main && country_.TownDistance(street.path[street.path.size() / 2]) < 1.6;
+            if (mainStreet) PaintTrees(street);
+            if (!street.main && random_.Chance(0.9)) continue;
+            const Point at = street.path[street.path.size() / 3] + Point{0.8, -0.6};
+            const int32_t symbol = street.main ? symbolTraversePoint : symbolControlPoint;
+            drawing_.AddSymbol(layerPoints, at, symbol);
+            drawing_.AddText(layerHouseNumbers, at + Point{3.2, 1.2} * paper_, std::to_string(controlPoint++),
+                             0, 0);
+        }
+    }
+
+    void PaintStreetName(const Street& street) {
+        const double length = PathLength(street.path);
+        const std::size_t middle = street.path.size() / 2;
+        const bool outside = country_.TownDistance(street.path[middle]) > 1.5;
+        const std::string& name =
+            street.main ? NameFor(names_.mainRoads, street.nameKey) : NameFor(names_.streets, street.nameKey);
+        const double height = street.main ? 3.4 : 2.3;
+        const double textLength = static_cast<double>(name.size()) * 0.62 * height * paper_;
+        if (textLength > length * 0.8 || (outside && !street.main)) return;
+        const Point direction = street.path[middle] - street.path[middle - 1];
+        drawing_.AddText(layerNames, Middle(street.path[middle], street.path[middle - 1]), name,
+                         street.main ? textRoad : textStreet, ReadableGons(direction));
+    }
+
+    // Trees beside the kerb of a main street.
+    void PaintTrees(const Street& street) {
+        for (std::size_t i = 1; i + 1 < street.path.size(); ++i) {
+            const Point direction = Unit(street.path[i + 1] - street.path[i - 1]);
+            const Point at = street.path[i] + Left(direction) * (street.halfWidth - 1.0);
+            if (i % 2 == 0) {
+                drawing_.AddSymbol(layerBuildingMarks, at, symbolBroadleafTree, 0, random_.Between(0.8, 1.1));
+            } else if (i % 4 == 1) {
+                drawing_.AddSymbol(layerBuildingMarks, at, symbolLamp);
+            }
+        }
+    }
+
+    void PaintStream(const StreetPlan& plan) {
+        const Path& path = plan.stream;
+        const double west = country_.HalfWidthSouth(cell_);
+        const double east = country_.HalfWidthSouth({cell_.column + 1, cell_.row});
+        for (const double side : {-1.0, 1.0}) {
+            Path bank;
+            for (std::size_t i = 0; i < path.size(); ++i) {
+                const Point direction =
+                    Unit(path[std::min(i + 1, path.size() - 1)] - path[i > 0 ? i - 1 : 0]);
+                if (Length(path[i] - path.front()) < west || Length(path[i] - path.back()) < east) continue;
+                const double width = plan.streamHalfWidth - 1.2 - random_.Between(0, 0.5);
+                bank.push_back(path[i] + Left(direction) * (width * side));
+            }
+            drawing_.AddPath(layerWater, bank, codeWaterEdge, 'K');
+        }
+        const std::size_t third = path.size() / 3;
+        for (const std::size_t i : {third / 2, third + third / 2, 2 * third + third / 2}) {
+            drawing_.AddSymbol(layerLandUse, path[i], symbolFlow, FlowGons(path[i + 1] - path[i]));
+        }
+        const Point direction = path[third + 3] - path[third - 3];
+        const Point beside = path[third] + Left(Unit(direction)) * (5.5 + 2.5 * paper_);
+        drawing_.AddText(layerNames, beside, NameFor(names_.streams, country_.MunicipalityKey(cell_)),
+                         textWater, ReadableGons(direction));
+    }
+
+    static double FlowGons(Point direction) {
+        return std::atan2(direction.north, direction.east) * (200 / 3.14159265358979323846);
+    }
+
+    void PaintDistrictBoundaries(const StreetPlan& plan) {
+        if (!plan.stream.empty()) drawing_.AddPath(layerNetworks, plan.stream, codeDistrict);
+        if (Country::IsMunicipalityLine(cell_.row)) {
+            drawing_.AddPath(layerNetworks, country_.RoadEast(cell_), codeMunicipality);
+            drawing_.AddSymbol(layerPoints, country_.RoadEast(cell_)[0], symbolDistrictStone);
+        }
+        if (Country::IsMunicipalityLine(cell_.column)) {
+            drawing_.AddPath(layerNetworks, country_.RoadSouth(cell_), codeMunicipality);
+            drawing_.AddSymbol(layerPoints, country_.RoadSouth(cell_)[4], symbolDistrictStone);
+        }
+    }
+
+    // Poles stand at the points of the power line, turned with it.
+    void PaintPowerLine() {
+        const auto line = country_.PowerLineThrough(cell_);
+        if (!line) return;
+        const double gons = FlowGons(line->back() - line->front());
+        drawing_.StartLine(layerNetworks, drawing_.GridOf().Snap(line->front()), codePowerLine);
+        for (std::size_t i = 1; i < line->size(); ++i) {
+            drawing_.Element(layerNetworks, drawing_.GridOf().Snap((*line)[i]), codePowerLine);
+            drawing_.MarkLast(layerNetworks, i % 4 == 0 ? symbolMast : symbolPole, gons);
+        }
+    }
+
+    // The largest block outside the town bears a field's name; the town's name stands in the next.
+    void PaintDistrictNames(const StreetPlan& plan) {
+        std::vector<const Block*> outside;
+        for (const Block& block : plan.blocks) {
+            if (block.town > 1.0) outside.push_back(&block);
+        }
+        std::sort(outside.begin(), outside.end(),
+                  [](const Block* a, const Block* b) { return Area(a->outline) > Area(b->outline); });
+        for (std::size_t i = 0; i < outside.size() && i < 3; ++i) {
+            const Frame frame = FrameOf(outside[i]->outline);
+            const Point at = frame.center + frame.across * (frame.width * 0.22);
+            const double gons = ReadableGons(frame.along);
+            if (i == 0 && PlaceInMunicipality(cell_) % 2 == 0) {
+                drawing_.AddText(layerNames, at, DistrictName(country_, names_, cell_), textDistrict, 0);
+            } else {
+                drawing_.AddText(layerNames, at, NameFor(names_.fields, streetRandom_.Next()),
+                                 i == 0 ? textLocalName : textSmallName, gons);
+            }
+        }
+        if (PlaceInMunicipality(cell_) == Country::municipalityCells + 2) {
+            const Point center{(cell_.column + 0.5) * country_.SheetWidth(),
+                               -(cell_.row + 0.35) * country_.SheetHeight()};
+            drawing_.AddText(layerNames, center, NameFor(names_.towns, country_.MunicipalityKey(cell_)),
+                             textMunicipality, 0);
+        }
+    }
+
+    const Country& country_;
+    const Names& names_;
+    const Cell cell_;
+    const double paper_;
+    Drawing drawing_;
+    BoundaryNet net_;
+    Random streetRandom_;
+    Random random_;
+};
+
+}  // namespace
+
+std::string DistrictName(const Country& country, const Names& names, Cell cell) {
+    const std::string& part = country.IsSouthOfStream(cell) ? names.lower : names.upper;
+    return part + NameFor(names.towns, country.MunicipalityKey(cell));
+}
+
+Drawing DrawSheet(const Country& country, const Names& names, Cell cell, int scale, Grid grid) {
+    return SheetPainter(country, names, cell, scale, grid).Paint();
+}
+
+}  // namespace generate

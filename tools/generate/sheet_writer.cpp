@@ -1,0 +1,118 @@
+#include "sheet_writer.h"
+
+#include <limits>
+
+#include "sheet.h"
+
+namespace generate {
+
+namespace {
+
+// S-JTSK coordinates of the country's north-west corner in metres. y is counted westwards, x southwards.
+constexpr int64_t cornerY = 745000;
+constexpr int64_t cornerX = 1040000;
+
+constexpr int64_t headerNumber = -1;
+constexpr int64_t closingNumber = -2;
+constexpr int linesInPlainSheet = 4000;
+
+}  // namespace
+
+MapWriter::MapWriter(const Options& options)
+    : options_(options),
+      country_(options.seed, options.scale),
+      decimals_(options.scale == 500 ? 3 : 2),
+      grid_(decimals_ == 3 ? 1000 : 100) {}
+
+int64_t MapWriter::SheetLimit() const {
+    if (options_.plainLines) return std::numeric_limits<int32_t>::max();
+    const int64_t size = country_.LatticeSize();
+    return size * size;
+}
+
+// Coordinates are always less the country's corner; in a relative file the sheet's own offsets are taken off
+// too.
+RecordWriter MapWriter::WriterOf(int64_t sheet) const {
+    RecordWriter writer(options_.form, decimals_, options_.seed, sheet);
+    const int units = grid_.UnitsPerMetre();
+    const Origin origin = options_.relative ? OriginOf(sheet) : Origin{0, 0};
+    writer.SetOrigin((origin.y - cornerY) * units, (origin.x - cornerX) * units);
+    return writer;
+}
+
+// A round place near the sheet's south-east corner; the first sheet's for header and closing record.
+MapWriter::Origin MapWriter::OriginOf(int64_t sheet) const {
+    const Cell cell = options_.plainLines || sheet < 0 ? Cell{} : CellOfSheet(sheet);
+    const auto east = static_cast<int64_t>((cell.column + 1) * country_.SheetWidth());
+    const auto south = static_cast<int64_t>(cell.row * country_.SheetHeight());
+    return {(cornerY - east) / 100 * 100, (cornerX + south) / 100 * 100};
+}
+
+std::string MapWriter::OffsetFields(Origin origin) const {
+    return "S-JTSK " + std::to_string(origin.y) + ".00 " + std::to_string(origin.x) + ".00";
+}
+
+std::string MapWriter::Header() const {
+    RecordWriter writer = WriterOf(headerNumber);
+    writer.Comment("Made-up map of vkm-generate, seed " + std::to_string(options_.seed));
+    writer.Comment("No place, street or number in it is real.");
+    writer.Record('V', OffsetFields(OriginOf(headerNumber)));
+    writer.Record('R', "1 1 0 0 " + std::to_string(options_.scale) + (options_.relative ? " R" : " A"));
+    writer.Record('D', "1.1.2026 S=1");
+    if (options_.plainLines) writer.Record('U', "1");
+    return std::move(writer.Output());
+}
+
+std::string MapWriter::Sheet(int64_t sheet) const {
+    return options_.plainLines ? PlainLines(sheet) : MapSheet(sheet);
+}
+
+std::string MapWriter::MapSheet(int64_t sheet) const {
+    const Cell cell = CellOfSheet(sheet);
+    const Drawing drawing = DrawSheet(country_, names_, cell, options_.scale, grid_);
+    RecordWriter writer = WriterOf(sheet);
+    writer.EndHeader();
+    writer.Comment("Sheet " + std::to_string(cell.column + 1) + "-" + std::to_string(cell.row + 1) + " " +
+                   DistrictName(country_, names_, cell));
+    if (options_.relative) writer.Record('V', OffsetFields(OriginOf(sheet)));
+    writer.Record('G', std::to_string(sheet + 1) + " 1");
+    for (int layer = 1; layer <= layerCount; ++layer) {
+        const DrawnLayer& content = drawing.At(layer);
+        if (content.elements.empty() && content.texts.empty()) continue;
+        writer.SetLayer(layer);
+        for (const DrawnElement& element : content.elements) writer.Element(element);
+        for (const DrawnText& text : content.texts) writer.Text(text);
+        if (layer == layerBuildings) writer.Record('S', std::to_string(sheet + 1));
+    }
+    return std::move(writer.Output());
+}
+
+std::string MapWriter::PlainLines(int64_t sheet) const {
+    RecordWriter writer = WriterOf(sheet);
+    Random random(options_.seed, Subject::plainLines, sheet);
+    const int units = grid_.UnitsPerMetre();
+    GridPoint at{random.Below(2000 * units), -random.Below(2000 * units)};
+    DrawnElement element;
+    element.keys.code = codeParcel;
+    for (int line = 0; line < linesInPlainSheet; ++line) {
+        element.at = at;
+        element.type = 'P';
+        element.startsLine = true;
+        writer.Element(element);
+        at.east += random.Below(40 * units) - 20 * units;
+        at.north += random.Below(40 * units) - 20 * units;
+        element.at = at;
+        element.type = 'L';
+        element.startsLine = false;
+        writer.Element(element);
+    }
+    return std::move(writer.Output());
+}
+
+std::string MapWriter::Closing() const {
+    RecordWriter writer = WriterOf(closingNumber);
+    writer.Record('K', "");
+    return std::move(writer.Output());
+}
+
+}  // namespace generate

@@ -1,0 +1,229 @@
+#include "streets.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace generate {
+
+namespace {
+
+constexpr double streamHalfWidth = 3.2;
+
+// Land between streets that may still be divided. Edge i has side and margin i: the margin is the distance
+// from the street's centre line to the boundary of the block.
+struct Tract {
+    Ring ring;
+    std::vector<Side> sides;
+    std::vector<double> margins;
+
+    void Add(Point point, Side side, double margin) {
+        ring.push_back(point);
+        sides.push_back(side);
+        margins.push_back(margin);
+    }
+};
+
+// Largest size of a block in metres, along and across.
+struct BlockSize {
+    double length;
+    double width;
+};
+
+BlockSize LargestBlock(double town) {
+    if (town < 0.3) return {115, 84};
+    if (town < 0.95) return {185, 98};
+    if (town < 1.4) return {230, 150};
+    return {330, 260};
+}
+
+// Appends the points of a centre line except its last, forwards or backwards.
+void AppendRoad(Tract& tract, const Path& path, bool forwards, Side side, double margin) {
+    for (std::size_t i = 0; i + 1 < path.size(); ++i) {
+        tract.Add(forwards ? path[i] : path[path.size() - 1 - i], side, margin);
+    }
+}
+
+// A tract divided along a path that runs inside it from a point on edge `from` to a point on edge `to`: the
+// part on the left of the path when path and ring meet as a chord does.
+Tract PartOf(const Tract& whole, std::size_t from, std::size_t to, const Path& path, Side side,
+             double margin) {
+    Tract part;
+    part.Add(path.back(), whole.sides[from], whole.margins[from]);
+    for (std::size_t i = from; i != to;) {
+        i = i + 1 < whole.ring.size() ? i + 1 : 0;
+        part.Add(whole.ring[i], whole.sides[i], whole.margins[i]);
+    }
+    for (std::size_t i = 0; i + 1 < path.size(); ++i) part.Add(path[i], side, margin);
+    return part;
+}
+
+class Planner {
+  public:
+    Planner(const Country& country, Cell cell, Random& random)
+        : country_(country), cell_(cell), random_(random) {}
+
+    StreetPlan Plan() {
+        const Path north = country_.RoadEast(cell_);
+        const Path south = country_.RoadEast({cell_.column, cell_.row + 1});
+        const Path west = country_.RoadSouth(cell_);
+        const Path east = country_.RoadSouth({cell_.column + 1, cell_.row});
+        AddMainRoad(north, country_.HalfWidthEast(cell_), cell_.row * int64_t{2});
+        AddMainRoad(west, country_.HalfWidthSouth(cell_), cell_.column * int64_t{2} + 1);
+
+        Tract whole;
+        AppendRoad(whole, south, true, Side::road, country_.HalfWidthEast({cell_.column, cell_.row + 1}));
+        AppendRoad(whole, east, false, Side::road, country_.HalfWidthSouth({cell_.column + 1, cell_.row}));
+        AppendRoad(whole, north, false, Side::road, country_.HalfWidthEast(cell_));
+        AppendRoad(whole, west, true, Side::road, country_.HalfWidthSouth(cell_));
+        if (const auto stream = country_.StreamThrough(cell_)) {
+            DivideByStream(whole, *stream, east.size() - 1);
+        } else {
+            Divide(whole, 0);
+        }
+        return std::move(plan_);
+    }
+
+  private:
+    void AddMainRoad(const Path& path, double halfWidth, int64_t line) {
+        const uint64_t key = Random(country_.Seed(), Subject::roadName, line).Next();
+        plan_.streets.push_back({path, halfWidth, true, key});
+    }
+
+    // The ring runs south, east (northwards), north (westwards), west (southwards), each road with its own
+    // number of edges; the stream's ends are points of the western and eastern road.
+    void DivideByStream(const Tract& whole, const Country::Stream& stream, std::size_t edgesOfRoad) {
+        plan_.stream = stream.path;
+        plan_.streamHalfWidth = streamHalfWidth;
+        const std::size_t eastPoint = edgesOfRoad + (edgesOfRoad - stream.to);
+        const std::size_t westPoint = 3 * edgesOfRoad + stream.from;
+        Tract northern;
+        for (std::size_t i = eastPoint; i < westPoint; ++i) {
+            northern.Add(whole.ring[i], whole.sides[i], whole.margins[i]);
+        }
+        Tract southern;
+        for (std::size_t i = westPoint; i < whole.ring.size() + eastPoint; ++i) {
+            const std::size_t k = i % whole.ring.size();
+            southern.Add(whole.ring[k], whole.sides[k], whole.margins[k]);
+        }
+        AppendRoad(northern, stream.path, true, Side::stream, streamHalfWidth);
+        AppendRoad(southern, stream.path, false, Side::stream, streamHalfWidth);
+        Divide(northern, 0);
+        Divide(southern, 0);
+    }
+
+    void Divide(const Tract& tract, int depth) {
+        const Frame frame = FrameOf(tract.ring);
+        const double town = country_.TownDistance(Centroid(tract.ring));
+        const BlockSize limit = LargestBlock(town);
+        const double tooLong = frame.length / (limit.length * random_.Between(0.9, 1.15));
+        const double tooWide = frame.width / (limit.width * random_.Between(0.9, 1.15));
+        if (std::max(tooLong, tooWide) <= 1 || depth > 12) return Finish(tract, town);
+
+        const bool across = tooLong >= tooWide;
+        const Point axis = across ? frame.along : frame.across;
+        const double extent = across ? frame.length : frame.width;
+        const Point through = Centroid(tract.ring) + axis * (extent * random_.Between(-0.11, 0.11));
+        const Point direction = Rotated(Left(axis), random_.Between(-0.07, 0.07));
+        Chord chord;
+        if (!Contains(tract.ring, through) || !FindChord(tract.ring, through, direction, chord)) {
+            return Finish(tract, town);
+        }
+        DivideByStreet(tract, chord, town, depth);
+    }
+
+    void DivideByStreet(const Tract& tract, const Chord& chord, double town, int depth) {
+        const Side side = town < 1.25 ? Side::road : Side::track;
+        const double halfWidth = side == Side::track ? 2.0 : depth < 2 ? 4.6 : 3.8;
+        const double length = Length(chord.ahead.at - chord.behind.at);
+        std::vector<double> offsets;
+        if (length > 50) {
+            const double bow = random_.Between(-0.035, 0.035) * length;
+            const double swing = random_.Between(-0.012, 0.012) * length;
+            offsets = {0.6 * bow + swing, 0.92 * bow + swing * 0.6, bow, 0.92 * bow - swing * 0.6,
+                       0.6 * bow - swing};
+        }
+        const Path path = Bent(chord.behind.at, chord.ahead.at, offsets);
+        const Path back(path.rbegin(), path.rend());
+        if (side == Side::road) plan_.streets.push_back({path, halfWidth, false, random_.Next()});
+        Divide(PartOf(tract, chord.ahead.edge, chord.behind.edge, path, side, halfWidth), depth + 1);
+        Divide(PartOf(tract, chord.behind.edge, chord.ahead.edge, back, side, halfWidth), depth + 1);
+    }
+
+    // Cuts the corners between roads, as sight lines ask for.
+    void Finish(const Tract& tract, double town) {
+        std::vector<std::size_t> kept;
+        const Ring inner = Inset(tract.ring, tract.margins, kept);
+        if (inner.size() < 3 || Area(inner) < 150) return;
+        Block block;
+        block.town = town;
+        const std::size_t count = inner.size();
+        for (std::size_t i = 0; i < count; ++i) {
+            const std::size_t before = i > 0 ? i - 1 : count - 1;
+            const std::size_t after = i + 1 < count ? i + 1 : 0;
+            const Side in = tract.sides[kept[before]];
+            const Side out = tract.sides[kept[i]];
+            const Point toBefore = inner[before] - inner[i];
+            const Point toAfter = inner[after] - inner[i];
+            const double turn = Cross(Unit(inner[i] - inner[before]), Unit(toAfter));
+            const double cut = in == Side::road && out == Side::road ? 2.4 : 0;
+            if (cut > 0 && turn > 0.6 && Length(toBefore) > 3 * cut && Length(toAfter) > 3 * cut) {
+                block.outline.push_back(inner[i] + Unit(toBefore) * cut);
+                block.sides.push_back(out);
+                block.outline.push_back(inner[i] + Unit(toAfter) * cut);
+                block.sides.push_back(out);
+            } else {
+                block.outline.push_back(inner[i]);
+                block.sides.push_back(out);
+            }
+        }
+        plan_.blocks.push_back(std::move(block));
+    }
+
+    const Country& country_;
+    const Cell cell_;
+    Random& random_;
+    StreetPlan plan_;
+};
+
+}  // namespace
+
+StreetPlan PlanStreets(const Country& country, Cell cell, Random& random) {
+    return Planner(country, cell, random).Plan();
+}
+
+std::vector<KerbPoint> KerbOf(const Block& block, double pavement) {
+    std::vector<KerbPoint> kerb;
+    const std::size_t count = block.outline.size();
+    std::size_t first = 0;  // the edge after one without a road, when there is one
+    for (std::size_t i = 0; i < count; ++i) {
+        if (block.sides[i] != Side::road) first = i + 1;
+    }
+    bool drawing = false;
+    for (std::size_t step = 0; step < count; ++step) {
+        const std::size_t i = (first + step) % count;
+        if (block.sides[i] != Side::road) {
+            drawing = false;
+            continue;
+        }
+        const Point from = block.outline[i];
+        const Point to = block.outline[(i + 1) % count];
+        const Point out = Left(Unit(to - from)) * -pavement;
+        if (!drawing) {
+            kerb.push_back({from + out, true, 0});
+        } else {
+            // Round the corner between the edge before and this one when it turns visibly.
+            const Point last = kerb.back().at;
+            const Point next = from + out;
+            if (Length(next - last) > 0.4) {
+                const Point bulge = Unit(Middle(last, next) - from) * pavement;
+                kerb.push_back({from + bulge, false, pavement});
+                kerb.push_back({next, false, pavement});
+            }
+        }
+        kerb.push_back({to + out, false, 0});
+        drawing = true;
+    }
+    return kerb;
+}
+
+}  // namespace generate
