@@ -7,7 +7,9 @@ include(CMakePackageConfigHelpers)
 set(package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/vemrado)
 
 install(DIRECTORY include/vemrado DESTINATION ${CMAKE_INSTALL_INCLUDEDIR} FILES_MATCHING PATTERN "*.h")
-install(DIRECTORY host/ DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/vemrado/host FILES_MATCHING PATTERN "*.h")
+foreach(library framework zrv320 zrvDX320)
+  install(FILES host/${library}/${library}.h DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/vemrado/host/${library})
+endforeach()
 
 # On Windows a library is its DLL, beside the programs, and its import library.
 install(TARGETS Vemrado VemradoFramework zrv320 zrvDX320 EXPORT vemrado

@@ -23,9 +23,9 @@ file(RENAME ${WORK}/first ${WORK}/moved)
 set(prefix ${WORK}/moved)
 
 set(read_map_output "scale 1:1000
-layer 1: line to 740020.00 1043010.00
-layer 7: 114/2 740031.00 1043022.50
-layer 3: line to 740090.00 1043007.50")
+layer 1: line to 1043010.00 740020.00
+layer 7: 114/2 1043022.50 740031.00
+layer 3: line to 1043007.50 740090.00")
 set(small ${SOURCE}/samples/small.vkm)
 
 expect("" ${CMAKE_COMMAND} -S ${SOURCE}/samples -B ${WORK}/samples -G ${GENERATOR} -DCMAKE_PREFIX_PATH=${prefix}
