@@ -23,7 +23,8 @@ struct alignas(alignof(std::max_align_t)) Header {
 
 }  // namespace
 
-void* operator new(size_t size) {
+// Not inlined: the compiler would see a block of malloc's go to operator delete and warn.
+[[gnu::noinline]] void* operator new(size_t size) {
     ++allocations;
     auto* header = static_cast<Header*>(std::malloc(sizeof(Header) + size));
     if (!header) throw std::bad_alloc();
@@ -31,7 +32,7 @@ void* operator new(size_t size) {
     return header + 1;
 }
 
-void operator delete(void* block) noexcept {
+[[gnu::noinline]] void operator delete(void* block) noexcept {
     if (!block) return;
     Header* header = static_cast<Header*>(block) - 1;
     if (header->mark != mark) {
