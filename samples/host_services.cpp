@@ -74,7 +74,7 @@ int main() {
     CVKMInterface* vkm = CreateVKMInterface();
     try {
         double point[3];
-        vkm->GetElementPoint(0, point);  // no line has been read yet
+        vkm->GetElementPoint(-1, point);
     } catch (const std::invalid_argument&) {
         std::printf("no such element\n");
     }

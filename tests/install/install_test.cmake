@@ -22,6 +22,12 @@ expect("" ${CMAKE_COMMAND} --install ${BUILD} --prefix ${WORK}/first)
 file(RENAME ${WORK}/first ${WORK}/moved)
 set(prefix ${WORK}/moved)
 
+foreach(file include/vemrado/vkm_interface.h share/man/man1/vkm.1 share/bash-completion/completions/vkm)
+  if(NOT EXISTS ${prefix}/${file})
+    message(FATAL_ERROR "${file} is not installed")
+  endif()
+endforeach()
+
 set(read_map_output "scale 1:1000
 layer 1: line to 1043010.00 740020.00
 layer 7: 114/2 1043022.50 740031.00
@@ -34,6 +40,8 @@ expect("" ${CMAKE_COMMAND} --build ${WORK}/samples)
 expect("${read_map_output}" ${WORK}/samples/read_map ${small})
 expect("2 lines, 1 texts" ${WORK}/samples/load_module ${prefix}/lib/libVemrado.so ${small})
 expect("import: absent.vkm.*garden.vkm: 2\nabsent.vkm: -1\nno such element" ${WORK}/samples/host_services)
+
+expect("Map scale +1:1000" ${prefix}/bin/vkm info ${small})
 
 set(ENV{PKG_CONFIG_PATH} ${prefix}/lib/pkgconfig)
 expect("" pkg-config --cflags --libs vemrado)

@@ -6,8 +6,8 @@
 #include <cstring>
 #include <fstream>
 #include <iterator>
-#include <regex>
 #include <set>
+#include <sstream>
 #include <string>
 #include <vector>
 
@@ -70,12 +70,12 @@ class DynamicLibrary {
     std::vector<Elf64_Shdr> sections;
 };
 
+// Every word that a semicolon ends, but the closing "local: *;".
 Names NamesOfVersionScript() {
-    const std::string text = ReadFile(VEMRADO_VERSION_SCRIPT);
-    const std::regex name(R"((\w+);)");
+    std::istringstream text(ReadFile(VEMRADO_VERSION_SCRIPT));
     Names names;
-    for (std::sregex_iterator match(text.begin(), text.end(), name), end; match != end; ++match) {
-        names.insert((*match)[1]);
+    for (std::string word; text >> word;) {
+        if (word.back() == ';' && word != "*;" && word != "};") names.insert(word.substr(0, word.size() - 1));
     }
     return names;
 }

@@ -46,8 +46,8 @@ TEST_F(OwnInfoWindow, GetsEveryStepOnceAndIsClosed) {
     std::string line;
     ASSERT_TRUE(std::getline(calls, line));
     EXPECT_EQ(line.rfind("create ", 0), 0u) << line;
-    // The file has somewhat more than 20,000 bytes, so a hundredth is 200. A line counts its bytes and one more: 17,
-    // but 10 for the first.
+    // The file has somewhat more than 20,000 bytes, so a hundredth is 200. A line counts its bytes and one
+    // more: 17, but 10 for the first.
     for (int lines = 50; lines <= 1250; lines += 50) {
         ASSERT_TRUE(std::getline(calls, line));
         EXPECT_EQ(line, "draw " + std::to_string((lines * 17 - 7) / 200) + "/100 0");
