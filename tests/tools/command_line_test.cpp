@@ -1,0 +1,163 @@
+// The program's manners: exit codes, streams, options, interrupts.
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <string>
+#include <vector>
+
+#include "program_run.h"
+
+namespace vemrado_test {
+namespace {
+
+constexpr const char* smallMap =
+    "&V 1 0 0\n&R 0 0 0 0 500 a\n&U 7\n&L P 10 20 K=1101\nL 11 21 S=5\n&T 12 22 'Lhota' K=1018\n&K\n";
+constexpr const char* cutMap = "&V 1 0 0\n&U 7\n&L P 10 20 K=1101\n&L P 11 21\n";
+
+struct Case {
+    std::vector<std::string> arguments;
+    std::string input;
+    int exitCode;
+    std::string output;  // a part of it; empty: nothing
+    std::string errors;  // a part of them; empty: nothing
+};
+
+void ExpectPart(const std::string& whole, const std::string& part, const char* what) {
+    if (part.empty()) {
+        EXPECT_EQ(whole, "") << what;
+    } else {
+        EXPECT_NE(whole.find(part), std::string::npos)
+            << what << ": " << whole << "\ndoes not hold: " << part;
+    }
+}
+
+std::string Joined(const std::vector<std::string>& words) {
+    std::string text = "vkm";
+    for (const std::string& word : words) text += " '" + word + "'";
+    return text;
+}
+
+TEST(CommandLine, EndsAndSpeaksAsDocumented) {
+    const TestFolder folder;
+    const std::string map = folder.Add("map.vkm", smallMap);
+    const std::string cut = folder.Add("cut.vkm", cutMap);
+    const std::string missing = folder.Path("missing.vkm");
+    const std::string lost =
+        "cut.vkm: incomplete: its closing record &K is missing, so its last element is lost\n";
+    const std::vector<Case> cases = {
+        {{"info", map}, "", 0, "1:500", ""},
+        {{"info", "-"}, smallMap, 0, "standard input\n", ""},
+        {{"dump", "-"}, smallMap, 0, "\"text\":\"Lhota\"", ""},
+        {{"dump", map, "-q"}, "", 0, "{\"kind\":\"line\",\"layer\":7", ""},
+        // What is incomplete or cannot be used is said, and the rest is done.
+        {{"info", cut}, "", 1, "no: ", lost},
+        {{"dump", cut}, "", 1, "\"K\":\"1101\"", lost},
+        {{"dump", cut, "--quiet"}, "", 1, "\"K\":\"1101\"", lost},
+        {{"info", missing, map}, "", 1, "1:500", "missing.vkm"},
+        {{"info", "--json", missing}, "", 1, "\"error\": ", "missing.vkm"},
+        {{"dump", missing}, "", 1, "", "vkm: "},
+        {{"dump", folder.Path("")}, "", 1, "", folder.Path("")},
+        {{"info", "-"}, "", 1, "Extents      none", "standard input: incomplete"},
+        {{"dump", "-"}, std::string("\x89PNG\r\n\x1A\0\0", 10), 1, "", "standard input: incomplete"},
+        // Usage.
+        {{}, "", 2, "", "Try 'vkm --help'."},
+        {{"nonsense"}, "", 2, "", "Try 'vkm --help'."},
+        {{"info"}, "", 2, "", "Try 'vkm info --help'."},
+        {{"info", "-", "-"}, smallMap, 2, "", "standard input can be read only once"},
+        {{"dump", map, map}, "", 2, "", "Try 'vkm dump --help'."},
+        {{"dump", map, "--encoding", "ebcdic"}, "", 2, "", "there is no encoding 'ebcdic'"},
+        {{"dump", map, "--orientation", "3"}, "", 2, "", "there is no axis orientation '3'"},
+        {{"dump", map, "--data", folder.Path("nowhere")}, "", 2, "", "nowhere"},
+        {{"dump", map, "--data", folder.Path("")}, "", 0, "Lhota", ""},
+        {{"--help"}, "", 0, "info ", ""},
+        {{"dump", "--help"}, "", 0, "Examples:", ""},
+        {{"--version"}, "", 0, "vkm 1.", ""},
+    };
+    for (const Case& example : cases) {
+        SCOPED_TRACE(Joined(example.arguments));
+        RunSetting setting;
+        setting.input = example.input;
+        const RunResult result = RunVkm(example.arguments, setting);
+        EXPECT_EQ(result.exitCode, example.exitCode);
+        ExpectPart(result.output, example.output, "standard output");
+        ExpectPart(result.errors, example.errors, "standard error");
+        EXPECT_LE(std::count(result.errors.begin(), result.errors.end(), '\n'), 2) << result.errors;
+    }
+}
+
+TEST(CommandLine, ReportsInTheUsersLanguageAndEncoding) {
+    // The name of the missing file is UTF-8 and stays so.
+    const RunResult result = RunVkm({"info", "Čára.vkm"}, {.environment = "LC_ALL=C.UTF-8"});
+    EXPECT_EQ(result.exitCode, 1);
+    EXPECT_NE(result.errors.find("Čára.vkm"), std::string::npos) << result.errors;
+}
+
+// Enough elements to fill pipes and buffers many times.
+std::string LargeMap() {
+    std::string map = "&V 1 0 0\n&U 1\n";
+    for (int i = 0; i < 20'000; ++i)
+        map += "&L P 1043210.55 743210.12 K=1101\nL 1043211.55 743211.12 K=1101\n";
+    return map + "&K\n";
+}
+
+TEST(CommandLine, ClosedPipeIsNoError) {
+    const TestFolder folder;
+    const std::string map = folder.Add("large.vkm", LargeMap());
+    for (const char* command : {"dump", "info", "--help"}) {
+        const RunResult result = RunVkm(
+            command[0] == '-' ? std::vector<std::string>{command} : std::vector<std::string>{command, map},
+            {.closeOutputEarly = true});
+        EXPECT_EQ(result.exitCode, 0) << command;
+        EXPECT_EQ(result.errors, "") << command;
+    }
+}
+
+TEST(CommandLine, FullDiskIsSaid) {
+    const TestFolder folder;
+    const std::string map = folder.Add("large.vkm", LargeMap());
+    for (const std::vector<std::string>& arguments : std::vector<std::vector<std::string>>{
+             {"dump", map}, {"info", map}, {"info", "--json", map}, {"--help"}, {"--version"}}) {
+        const RunResult result = RunVkm(arguments, {.outputFile = "/dev/full"});
+        EXPECT_EQ(result.exitCode, 3) << Joined(arguments);
+        EXPECT_EQ(result.errors, "vkm: standard output: cannot be written: No space left on device\n");
+    }
+}
+
+TEST(CommandLine, InterruptStopsCleanly) {
+    std::string map = LargeMap();
+    map.resize(map.size() - 3);  // more is to come
+    for (const char* command : {"dump", "info"}) {
+        const RunResult result = RunVkm({command, "-"}, {.input = map, .interrupt = true});
+        EXPECT_EQ(result.exitCode, 1) << command;
+        EXPECT_EQ(result.errors, "vkm: standard input: stopped on request; the output is partial\n")
+            << command;
+        ASSERT_FALSE(result.output.empty());
+        EXPECT_EQ(result.output.back(), '\n') << "the last record is whole";
+    }
+}
+
+TEST(CommandLine, ManualAndCompletionKnowEveryOption) {
+    const std::string manual = RunVkm({"generate", "man"}).output;
+    const TestFolder folder;
+    const std::string completion = folder.Add("vkm.bash", RunVkm({"generate", "bash-completion"}).output);
+    for (const std::string command : {"info", "dump"}) {
+        const std::string help = RunVkm({command, "--help"}).output;
+        for (size_t at = help.find("--"); at != std::string::npos; at = help.find("--", at + 2)) {
+            const std::string option = help.substr(at, help.find_first_of(" ,\n=", at) - at);
+            if (help[at - 1] != ' ' && help[at - 1] != ',') continue;
+            std::string escaped;
+            for (const char letter : option)
+                escaped += letter == '-' ? std::string("\\-") : std::string(1, letter);
+            EXPECT_NE(manual.find(escaped), std::string::npos) << command << ' ' << option;
+            const std::string script = folder.Add(
+                "try.bash", "compopt() { :; }\nsource " + completion + "\nCOMP_WORDS=(vkm " + command + " " +
+                                option + ")\nCOMP_CWORD=2\n_vkm\n[[ \" ${COMPREPLY[*]} \" == *\" " + option +
+                                " \"* ]]\n");
+            EXPECT_EQ(std::system(("bash " + script).c_str()), 0) << command << ' ' << option;
+        }
+    }
+}
+
+}  // namespace
+}  // namespace vemrado_test
