@@ -22,6 +22,10 @@ if(NOT WIN32)
 endif()
 
 add_compile_options(-Wall -Wextra -Wpedantic -Wconversion -Wshadow)
+if(CMAKE_CXX_COMPILER_ID STREQUAL GNU AND CMAKE_CXX_COMPILER_VERSION VERSION_LESS 13)
+  # GCC 12 warns of overlaps inside std::string that cannot be.
+  add_compile_options(-Wno-restrict)
+endif()
 
 if(VEMRADO_SANITIZE)
   add_compile_options(-fsanitize=${VEMRADO_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)

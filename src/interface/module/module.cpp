@@ -7,6 +7,13 @@
 #include "support/memory_pool.h"
 #include "zrv320/zrv320.h"
 
+#if defined(__GLIBCXX__)
+namespace __gnu_cxx {
+// Of the C++ runtime: gives back the memory that it holds in reserve for exceptions.
+void __freeres() noexcept;
+}  // namespace __gnu_cxx
+#endif
+
 namespace vemrado {
 
 namespace {
@@ -40,6 +47,10 @@ bool AttachModule(void* moduleHandle) {
 void DetachModule() {
     if (attached) AfxTermExtensionModule(&extensionModule, 0);
     attached = false;
+#if defined(__GLIBCXX__)
+    // The runtime is the module's own copy and ends with it.
+    __gnu_cxx::__freeres();
+#endif
 }
 
 bool ModuleAttached() {

@@ -1,0 +1,157 @@
+// Measures the import of whole files against a pass over the same bytes that only finds the line ends.
+//
+//   bench_import [--repeat N] FILE...
+//
+// The import calls everything that a converter asks of every element, through the public headers. The passes
+// take turns, so that both meet the same page cache and the same clock.
+
+#include <fcntl.h>
+#include <sys/resource.h>
+#include <unistd.h>
+
+#include <cstdint>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+#include "samples.h"
+#include "vemrado/vkm_details.h"
+#include "vemrado/vkm_interface.h"
+
+namespace {
+
+struct LineEnds {
+    int64_t bytes = 0;
+    int64_t lines = 0;
+};
+
+LineEnds FindLineEnds(const char* path) {
+    const int file = open(path, O_RDONLY | O_CLOEXEC);
+    if (file < 0) throw std::runtime_error(std::string("cannot open ") + path);
+    static std::vector<char> buffer(262144);
+    LineEnds result;
+    ssize_t count;
+    while ((count = read(file, buffer.data(), buffer.size())) > 0) {
+        const char* const end = buffer.data() + count;
+        const char* at = buffer.data();
+        while ((at = static_cast<const char*>(std::memchr(at, '\n', static_cast<size_t>(end - at))))) {
+            ++result.lines;
+            ++at;
+        }
+        result.bytes += count;
+    }
+    close(file);
+    if (count < 0) throw std::runtime_error(std::string("cannot read ") + path);
+    return result;
+}
+
+struct Import {
+    int64_t lines = 0;
+    int64_t lineElements = 0;
+    int64_t texts = 0;
+    double sum = 0;  // of everything read, so that no call can be left out
+};
+
+void TakeLine(CVKMDetails& vkm, Import& result) {
+    const int count = vkm.GetElementCount();
+    for (int i = 0; i < count; ++i) {
+        double point[3];
+        double valueM, valueR, valueU;
+        vkm.GetElementPoint(i, point);
+        vkm.GetElementValues(i, &valueM, &valueR, &valueU);
+        result.sum += point[0] + point[1] + valueM + valueR + valueU + vkm.GetElementType(i) +
+                      vkm.GetElementSymbolCode(i) + vkm.GetElementCode(i)[0];
+    }
+    ++result.lines;
+    result.lineElements += count;
+}
+
+void TakeText(CVKMDetails& vkm, Import& result) {
+    double point[3];
+    int valueD, valueF;
+    double height, valueU;
+    vkm.GetTextPoint(point);
+    vkm.GetTextAttributes(&valueD, &valueF, &height, &valueU);
+    result.sum +=
+        point[0] + point[1] + valueD + valueF + height + valueU + vkm.GetTextCode() + vkm.GetText()[0];
+    ++result.texts;
+}
+
+Import ImportAll(const char* path) {
+    CVKMDetails* vkm = VkmDetails(CreateVKMInterface());
+    if (!vkm || !vkm->Open(path, 0, "", 1, 0.0, CVKMInterface::flgSymbolsNone)) {
+        throw std::runtime_error(std::string("cannot open ") + path);
+    }
+    Import result;
+    while (const int kind = vkm->ReadNext()) {
+        int layer;
+        result.sum += vkm->GetLayer(&layer)[0] + layer;
+        if (kind == 1) {
+            TakeLine(*vkm, result);
+        } else {
+            TakeText(*vkm, result);
+        }
+    }
+    if (!vkm->IsComplete()) throw std::runtime_error(std::string(path) + " has no closing record");
+    vkm->Close();
+    CVKMInterface::DestroyVKMInterface(vkm);
+    return result;
+}
+
+double PeakMegabytes() {
+    rusage usage;
+    getrusage(RUSAGE_SELF, &usage);
+    return static_cast<double>(usage.ru_maxrss) / 1024;
+}
+
+void Measure(const char* path, int repetitions) {
+    Samples lineEndTimes, importTimes;
+    LineEnds lineEnds = FindLineEnds(path);  // brings the file into the page cache
+    Import import;
+    for (int i = 0; i < repetitions; ++i) {
+        lineEndTimes.Time([&] { lineEnds = FindLineEnds(path); });
+        importTimes.Time([&] { import = ImportAll(path); });
+    }
+    const double megabytes = static_cast<double>(lineEnds.bytes) / 1e6;
+    const auto elements = static_cast<double>(import.lineElements + import.texts);
+    std::printf("%s\n", path);
+    std::printf("  %.1f MB, %lld file lines; %lld lines of %lld elements, %lld texts (sum %.6e)\n", megabytes,
+                static_cast<long long>(lineEnds.lines), static_cast<long long>(import.lines),
+                static_cast<long long>(import.lineElements), static_cast<long long>(import.texts),
+                import.sum);
+    std::printf("  line ends  %10.2f ms minimum %10.2f ms median %8.0f MB/s\n", lineEndTimes.Minimum() * 1e3,
+                lineEndTimes.Median() * 1e3, megabytes / lineEndTimes.Minimum());
+    std::printf("  import     %10.2f ms minimum %10.2f ms median %8.0f MB/s %.3g elements/s\n",
+                importTimes.Minimum() * 1e3, importTimes.Median() * 1e3, megabytes / importTimes.Minimum(),
+                elements / importTimes.Minimum());
+    std::printf("  ratio      %10.2f    minimum %10.2f    median; peak memory %.1f MB\n",
+                importTimes.Minimum() / lineEndTimes.Minimum(), importTimes.Median() / lineEndTimes.Median(),
+                PeakMegabytes());
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    int repetitions = 5;
+    std::vector<const char*> files;
+    for (int i = 1; i < argc; ++i) {
+        if (std::strcmp(argv[i], "--repeat") == 0 && i + 1 < argc) {
+            repetitions = std::max(1, std::atoi(argv[++i]));
+        } else {
+            files.push_back(argv[i]);
+        }
+    }
+    if (files.empty()) {
+        std::fputs("usage: bench_import [--repeat N] FILE...\n", stderr);
+        return 2;
+    }
+    try {
+        for (const char* file : files) Measure(file, repetitions);
+    } catch (const std::exception& failure) {
+        std::fprintf(stderr, "bench_import: %s\n", failure.what());
+        return 1;
+    }
+}
