@@ -34,11 +34,11 @@ void AddOrientationOption(Program& program, CLI::App& command, int& code) {
     std::string all;
     for (const client::AxisOrientation& orientation : client::axisOrientations) {
         names.emplace_back(orientation.name);
-        all.append(all.empty() ? "" : "  ").append(orientation.name).append(" or ");
-        all.append(std::to_string(orientation.code));
+        all +=
+            (names.size() % 4 == 1 ? "\n" : "  ") + names.back() + " = " + std::to_string(orientation.code);
     }
     CLI::Option* option = command.add_option_function<std::string>(
-        "--orientation", choose, "What a point (x, y) of the file becomes: " + all);
+        "--orientation", choose, "What a point (x, y) of the file becomes, by name or number:" + all);
     option->type_name("AXES")->default_str(std::string(client::AxisOrientationName(code)));
     program.SetChoices(*option, names);
 }

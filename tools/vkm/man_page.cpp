@@ -17,6 +17,8 @@ std::string Escaped(std::string_view text) {
             escaped += "\\e";
         } else if (letter == '-') {
             escaped += "\\-";
+        } else if (letter == '"') {
+            escaped += "\\(dq";
         } else {
             escaped += letter;
         }

@@ -44,18 +44,20 @@ Program::Program()
     app.set_help_flag("-h,--help", "Print this help and exit");
     app.require_subcommand(1);
     app.get_formatter()->column_width(28);
+    app.get_formatter()->label("SUBCOMMAND", "COMMAND");
+    app.get_formatter()->label("Subcommands", "Commands");
+    app.get_formatter()->label("Positionals", "Arguments");
     app.footer("'vkm COMMAND --help' explains a command and gives examples.");
 }
 
 CLI::App& Program::Add(const CommandText& text, CommandRun run) {
     CLI::App* command = app.add_subcommand(std::string(text.name), std::string(text.summary));
     command->add_flag("-q,--quiet", environment.quiet, "No progress bar and no warnings, errors only");
-    command
-        ->add_option(
-            "--data", dataDirectory,
-            "Directory that holds VKMSym, the symbology (default: the sample symbology of this program)")
+    constexpr const char* dataText =
+        "Directory that holds VKMSym, the symbology\n(default: the sample symbology of this program)";
+    command->add_option("--data", dataDirectory, dataText)
         ->type_name("DIR")
-        ->check(CLI::ExistingDirectory);
+        ->check(CLI::Validator(CLI::ExistingDirectory).description(""));
     command->footer(ExamplesText(text.examples));
     commands.push_back({text, std::move(run), command});
     return *command;
