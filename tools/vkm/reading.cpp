@@ -21,20 +21,21 @@ ReadOutcome ReadOpened(client::Importer& importer, const std::function<void(Elem
 }  // namespace
 
 ReadResult ReadElements(client::Importer& importer, const client::OpenOptions& options,
-                        Environment& environment, const std::function<void(ElementKind)>& take) {
+                        Environment& environment, const std::function<void(ElementKind)>& take,
+                        const char* consequence) {
     ReadResult result = {ReadOutcome::failed, {}};
     try {
         if (!importer.Open(options)) return {ReadOutcome::notOpened, environment.lastBox};
         result.outcome = ReadOpened(importer, take);
     } catch (const CFileException& exception) {
-        result.problem = client::SystemTextToUtf8(exception.what()) + "; the output is partial";
+        result.problem = client::SystemTextToUtf8(exception.what()) + "; " + consequence;
     }
     importer.Close();
     environment.output.Flush();
 
     const std::string name = client::SystemTextToUtf8(client::ShownName(options.fileName.c_str()));
     if (result.outcome == ReadOutcome::stopped) {
-        result.problem = name + ": stopped on request; the output is partial";
+        result.problem = name + ": stopped on request; " + consequence;
     } else if (result.outcome == ReadOutcome::incomplete) {
         result.problem = name + ": incomplete: its closing record &K is missing, so its last element is lost";
     }
