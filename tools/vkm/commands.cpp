@@ -5,6 +5,10 @@ namespace vemrado::tools {
 void AddCommands(Program& program) {
     AddInfoCommand(program);
     AddDumpCommand(program);
+#if VEMRADO_DRAWING
+    AddRenderCommand(program);
+#endif
+    AddSymbologyCommand(program);
     AddGenerateCommand(program);
 }
 

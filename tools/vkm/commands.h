@@ -11,6 +11,8 @@ void AddCommands(Program& program);
 
 void AddInfoCommand(Program& program);
 void AddDumpCommand(Program& program);
+void AddRenderCommand(Program& program);
+void AddSymbologyCommand(Program& program);
 void AddGenerateCommand(Program& program);
 
 }  // namespace vemrado::tools

@@ -1,0 +1,318 @@
+// PNG and PDF pictures, and the widths of texts, by the cairo library.
+
+#include <cairo-pdf.h>
+#include <cairo.h>
+
+#include <cmath>
+#include <exception>
+#include <numbers>
+#include <stdexcept>
+#include <unordered_map>
+
+#include "canvas.h"
+
+namespace vemrado::draw {
+namespace {
+
+constexpr double pointsPerMillimetre = 72 / 25.4;
+constexpr size_t longestPath = 2000;  // points; longer paths take the library more than their share of time
+
+double Radians(double degrees) {
+    return degrees * std::numbers::pi / 180;
+}
+
+struct CairoDelete {
+    void operator()(cairo_t* cairo) const { cairo_destroy(cairo); }
+    void operator()(cairo_surface_t* surface) const { cairo_surface_destroy(surface); }
+    void operator()(cairo_font_options_t* options) const { cairo_font_options_destroy(options); }
+};
+using Surface = std::unique_ptr<cairo_surface_t, CairoDelete>;
+using Context = std::unique_ptr<cairo_t, CairoDelete>;
+
+void SelectFont(cairo_t* cairo, const Font& font) {
+    cairo_select_font_face(cairo, FontFamily(font),
+                           font.italic ? CAIRO_FONT_SLANT_ITALIC : CAIRO_FONT_SLANT_NORMAL,
+                           font.bold ? CAIRO_FONT_WEIGHT_BOLD : CAIRO_FONT_WEIGHT_NORMAL);
+}
+
+// Letters keep their shape whatever their size and rotation.
+void SetFontOptions(cairo_t* cairo) {
+    const std::unique_ptr<cairo_font_options_t, CairoDelete> options(cairo_font_options_create());
+    cairo_font_options_set_hint_style(options.get(), CAIRO_HINT_STYLE_NONE);
+    cairo_font_options_set_hint_metrics(options.get(), CAIRO_HINT_METRICS_OFF);
+    cairo_font_options_set_antialias(options.get(), CAIRO_ANTIALIAS_GRAY);
+    cairo_set_font_options(cairo, options.get());
+}
+
+// Where the picture's bytes go. A failure of the sink must not pass through the drawing library: it is kept.
+struct Output {
+    ByteSink sink;
+    std::exception_ptr failure;
+
+    static cairo_status_t Write(void* output, const unsigned char* bytes, unsigned int count) {
+        auto* self = static_cast<Output*>(output);
+        try {
+            if (!self->failure) self->sink({reinterpret_cast<const char*>(bytes), count});
+        } catch (...) {
+            self->failure = std::current_exception();
+        }
+        return self->failure ? CAIRO_STATUS_WRITE_ERROR : CAIRO_STATUS_SUCCESS;
+    }
+};
+
+class CairoCanvas : public Canvas {
+  public:
+    CairoCanvas(ByteSink sink, double smallest) : output{std::move(sink), nullptr}, resolution(smallest) {}
+
+    void BeginClip(const Box& box) override {
+        StrokePath();
+        cairo_save(cairo.get());
+        cairo_rectangle(cairo.get(), box.minX, box.minY, box.Width(), box.Height());
+        cairo_clip(cairo.get());
+    }
+    void EndClip() override {
+        StrokePath();
+        cairo_restore(cairo.get());
+        fontSet = false;
+    }
+
+    void Line(std::span<const Point> points, const Pen& pen, double lengthBefore) override;
+    void Symbol(const SymbolShape& shape, Point at, double scale, double rotation, const Pen& pen) override;
+    void Text(const std::string& text, Point at, const TextStyle& style) override;
+    void Fill(std::span<const Point> outline, uint32_t colour) override;
+    double Resolution() const override { return resolution; }
+
+  protected:
+    void Start(cairo_surface_t* made, double unitsPerMillimetre);
+    void StrokePath();
+    void CheckStatus(cairo_status_t status) const;
+
+    Output output;
+    double resolution;  // mm; 0: as fine as one likes
+    Surface surface;
+    Context cairo;
+
+  private:
+    void SetColour(uint32_t colour);
+    void UsePen(const Pen& pen, double lengthBefore);
+    void AddPoints(std::span<const Point> points);
+
+    // What the current path will be stroked with.
+    const Pen* pathPen = nullptr;
+    double pathLengthBefore = 0;
+    size_t pathPoints = 0;
+    bool fontSet = false;
+    Font lastFont;
+};
+
+void CairoCanvas::Start(cairo_surface_t* made, double unitsPerMillimetre) {
+    surface.reset(made);
+    CheckStatus(cairo_surface_status(surface.get()));
+    cairo.reset(cairo_create(surface.get()));
+    CheckStatus(cairo_status(cairo.get()));
+    cairo_scale(cairo.get(), unitsPerMillimetre, unitsPerMillimetre);
+    cairo_set_line_join(cairo.get(), CAIRO_LINE_JOIN_ROUND);
+    SetFontOptions(cairo.get());
+}
+
+void CairoCanvas::CheckStatus(cairo_status_t status) const {
+    if (output.failure) std::rethrow_exception(output.failure);
+    if (status != CAIRO_STATUS_SUCCESS) throw std::runtime_error(cairo_status_to_string(status));
+}
+
+void CairoCanvas::SetColour(uint32_t colour) {
+    const auto part = [&](int shift) { return static_cast<double>((colour >> shift) & 255) / 255; };
+    cairo_set_source_rgb(cairo.get(), part(0), part(8), part(16));
+}
+
+void CairoCanvas::UsePen(const Pen& pen, double lengthBefore) {
+    if (pathPen == &pen && pathLengthBefore == lengthBefore && pathPoints < longestPath) return;
+    StrokePath();
+    pathPen = &pen;
+    pathLengthBefore = lengthBefore;
+}
+
+void CairoCanvas::StrokePath() {
+    if (!pathPen) return;
+    const Pen& pen = *pathPen;
+    pathPen = nullptr;
+    pathPoints = 0;
+    SetColour(pen.colour);
+    cairo_set_line_width(cairo.get(), std::max(pen.width, resolution * 0.6));
+    double period = 0;
+    for (const double length : pen.dashes) period += length;
+    const bool dashed = !pen.dashes.empty() && period > 2 * resolution;
+    cairo_set_line_cap(cairo.get(), dashed ? CAIRO_LINE_CAP_BUTT : CAIRO_LINE_CAP_ROUND);
+    if (dashed) {
+        cairo_set_dash(cairo.get(), pen.dashes.data(), static_cast<int>(pen.dashes.size()),
+                       std::fmod(pen.dashOffset + pathLengthBefore, period));
+    } else {
+        cairo_set_dash(cairo.get(), nullptr, 0, 0);
+    }
+    cairo_stroke(cairo.get());
+}
+
+void CairoCanvas::AddPoints(std::span<const Point> points) {
+    Point last = points.front();
+    cairo_move_to(cairo.get(), last.x, last.y);
+    const double nearby = resolution * 0.3;
+    for (size_t i = 1; i < points.size(); i++) {
+        const Point point = points[i];
+        const bool unseen = std::abs(point.x - last.x) < nearby && std::abs(point.y - last.y) < nearby;
+        if (unseen && i + 1 < points.size()) continue;
+        cairo_line_to(cairo.get(), point.x, point.y);
+        last = point;
+    }
+    pathPoints += points.size();
+}
+
+void CairoCanvas::Line(std::span<const Point> points, const Pen& pen, double lengthBefore) {
+    if (points.size() < 2 || pen.invisible) return;
+    UsePen(pen, lengthBefore);
+    AddPoints(points);
+}
+
+void CairoCanvas::Symbol(const SymbolShape& shape, Point at, double scale, double rotation, const Pen& pen) {
+    UsePen(pen, 0);
+    cairo_save(cairo.get());
+    cairo_translate(cairo.get(), at.x, at.y);
+    cairo_rotate(cairo.get(), -Radians(rotation));
+    cairo_scale(cairo.get(), scale, -scale);
+    for (const auto& stroke : shape.strokes) {
+        cairo_move_to(cairo.get(), stroke[0].x, stroke[0].y);
+        for (size_t i = 1; i < stroke.size(); i++) cairo_line_to(cairo.get(), stroke[i].x, stroke[i].y);
+        pathPoints += stroke.size();
+    }
+    cairo_restore(cairo.get());
+}
+
+void CairoCanvas::Text(const std::string& text, Point at, const TextStyle& style) {
+    if (style.height < 2 * resolution) return;
+    StrokePath();
+    if (!fontSet || !(lastFont == style.font)) SelectFont(cairo.get(), style.font);
+    lastFont = style.font;
+    fontSet = true;
+    const double width = style.across == Across::left ? 0 : TextWidth(text, style.font, style.height);
+    const double left = style.across == Across::middle ? -width / 2 : -width;
+    const double down = style.upright == Upright::baseline ? 0
+                        : style.upright == Upright::middle ? style.height / 2
+                                                           : style.height;
+    SetColour(style.colour);
+    cairo_save(cairo.get());
+    cairo_translate(cairo.get(), at.x, at.y);
+    cairo_rotate(cairo.get(), -Radians(style.rotation));
+    cairo_set_font_size(cairo.get(), style.height / CapitalsPerEm);
+    cairo_move_to(cairo.get(), left, down);
+    cairo_show_text(cairo.get(), text.c_str());
+    cairo_restore(cairo.get());
+    cairo_new_path(cairo.get());
+}
+
+void CairoCanvas::Fill(std::span<const Point> outline, uint32_t colour) {
+    if (outline.empty()) return;
+    StrokePath();
+    SetColour(colour);
+    cairo_move_to(cairo.get(), outline[0].x, outline[0].y);
+    for (const Point point : outline.subspan(1)) cairo_line_to(cairo.get(), point.x, point.y);
+    cairo_close_path(cairo.get());
+    cairo_fill(cairo.get());
+}
+
+class PngCanvas : public CairoCanvas {
+  public:
+    PngCanvas(const PageSize& page, double dotsPerInch, ByteSink sink)
+        : CairoCanvas(std::move(sink), 25.4 / dotsPerInch / page.zoom) {
+        const PixelSize size = PixelsOf(page, dotsPerInch);
+        Start(cairo_image_surface_create(CAIRO_FORMAT_RGB24, static_cast<int>(size.width),
+                                         static_cast<int>(size.height)),
+              1 / resolution);
+        cairo_set_source_rgb(cairo.get(), 1, 1, 1);
+        cairo_paint(cairo.get());
+    }
+    void Finish() override {
+        StrokePath();
+        CheckStatus(cairo_status(cairo.get()));
+        CheckStatus(cairo_surface_write_to_png_stream(surface.get(), Output::Write, &output));
+    }
+};
+
+class PdfCanvas : public CairoCanvas {
+  public:
+    PdfCanvas(const PageSize& page, const std::string& title, ByteSink sink)
+        : CairoCanvas(std::move(sink), 0) {
+        const double unit = pointsPerMillimetre * page.zoom;
+        Start(cairo_pdf_surface_create_for_stream(Output::Write, &output, page.width * unit,
+                                                  page.height * unit),
+              unit);
+        cairo_pdf_surface_set_metadata(surface.get(), CAIRO_PDF_METADATA_TITLE, title.c_str());
+        cairo_pdf_surface_set_metadata(surface.get(), CAIRO_PDF_METADATA_CREATOR, "vkm");
+    }
+    ~PdfCanvas() override {
+        output.sink = [](std::string_view) {};  // a page given up halfway writes nothing more
+    }
+    void Finish() override {
+        StrokePath();
+        CheckStatus(cairo_status(cairo.get()));
+        cairo_surface_finish(surface.get());
+        CheckStatus(cairo_surface_status(surface.get()));
+    }
+};
+
+// Advances of single letters, in em.
+class LetterWidths {
+  public:
+    LetterWidths()
+        : surface(cairo_image_surface_create(CAIRO_FORMAT_A8, 1, 1)), cairo(cairo_create(surface.get())) {
+        SetFontOptions(cairo.get());
+        cairo_set_font_size(cairo.get(), size);
+    }
+
+    double Of(const std::string& letter, const Font& font) {
+        auto& known = widths[(font.serif ? 4 : 0) + (font.bold ? 2 : 0) + (font.italic ? 1 : 0)];
+        const auto found = known.find(letter);
+        if (found != known.end()) return found->second;
+        SelectFont(cairo.get(), font);
+        cairo_text_extents_t extents;
+        cairo_text_extents(cairo.get(), letter.c_str(), &extents);
+        return known[letter] = extents.x_advance / size;
+    }
+
+  private:
+    static constexpr double size = 1000;
+    Surface surface;
+    Context cairo;
+    std::unordered_map<std::string, double> widths[8];
+};
+
+size_t LetterEnd(const std::string& text, size_t begin) {
+    size_t end = begin + 1;
+    while (end < text.size() && (static_cast<unsigned char>(text[end]) & 0xC0) == 0x80) end++;
+    return end;
+}
+
+}  // namespace
+
+const char* FontFamily(const Font& font) {
+    return font.serif ? "DejaVu Serif" : "DejaVu Sans";
+}
+
+double TextWidth(const std::string& text, const Font& font, double height) {
+    static LetterWidths letters;
+    double width = 0;
+    for (size_t begin = 0; begin < text.size();) {
+        const size_t end = LetterEnd(text, begin);
+        width += letters.Of(text.substr(begin, end - begin), font);
+        begin = end;
+    }
+    return width * height / CapitalsPerEm;
+}
+
+std::unique_ptr<Canvas> MakePngCanvas(const PageSize& page, double dotsPerInch, ByteSink sink) {
+    return std::make_unique<PngCanvas>(page, dotsPerInch, std::move(sink));
+}
+
+std::unique_ptr<Canvas> MakePdfCanvas(const PageSize& page, const std::string& title, ByteSink sink) {
+    return std::make_unique<PdfCanvas>(page, title, std::move(sink));
+}
+
+}  // namespace vemrado::draw

@@ -1,0 +1,172 @@
+#include "legend.h"
+
+#include <array>
+#include <set>
+
+#include "words.h"
+
+namespace vemrado::draw {
+namespace {
+
+constexpr double columnWidth = 66;  // mm
+constexpr double sampleWidth = 16;
+constexpr double headingHeight = 9;
+constexpr double rowHeight = 5.5;
+constexpr double tallestSymbol = 9;  // higher ones are drawn smaller
+constexpr double gap = 3;
+
+const Pen& Ink() {
+    static const Pen pen = [] {
+        Pen ink;
+        ink.id = "legend-ink";
+        ink.width = 0.18;
+        return ink;
+    }();
+    return pen;
+}
+
+// How much smaller a symbol is drawn in the legend.
+double LegendScale(const SymbolShape& shape) {
+    const double largest =
+        std::max(shape.bounds.Width() / sampleWidth, shape.bounds.Height() / tallestSymbol);
+    return largest > 1 ? 1 / largest : 1;
+}
+
+std::set<uint32_t> UsedLineStyles(const Scene& scene) {
+    std::set<uint32_t> used;
+    for (const auto& [number, layer] : scene.layers) {
+        for (const Stroke& stroke : layer.strokes) used.insert(stroke.style);
+    }
+    return used;
+}
+
+std::set<uint32_t> UsedSymbolStyles(const Scene& scene) {
+    std::set<uint32_t> used;
+    for (const auto& [number, layer] : scene.layers) {
+        for (const PlacedSymbol& symbol : layer.symbols) used.insert(symbol.style);
+    }
+    return used;
+}
+
+template <typename Entry>
+std::string NameOf(const Entry* entry, int code) {
+    return entry && !entry->name.empty() ? entry->name : std::to_string(code);
+}
+
+}  // namespace
+
+Legend::Legend(const Scene& mapScene, const client::SymbologyIndex& index) : scene(mapScene) {
+    AddLineTypes(index);
+    AddSymbols(index);
+}
+
+void Legend::AddLineTypes(const client::SymbologyIndex& index) {
+    std::vector<const LineStyle*> used;
+    const Pen* other = nullptr;
+    for (const uint32_t number : UsedLineStyles(scene)) {
+        const LineStyle& style = scene.lineStyles[number];
+        if (style.known) {
+            used.push_back(&style);
+        } else if (!other) {
+            other = &style.pen;
+        }
+    }
+    if (used.empty() && !other) return;
+    std::ranges::sort(used, {}, &LineStyle::code);
+    rows.push_back({HostWords().lineTypes, nullptr, nullptr, headingHeight});
+    for (const LineStyle* style : used) {
+        rows.push_back({NameOf(index.FindLine(style->code), style->code), &style->pen, nullptr, rowHeight});
+    }
+    if (other) rows.push_back({HostWords().otherLines, other, nullptr, rowHeight});
+}
+
+void Legend::AddSymbols(const client::SymbologyIndex& index) {
+    std::vector<const SymbolStyle*> used;
+    for (const uint32_t number : UsedSymbolStyles(scene)) used.push_back(&scene.symbolStyles[number]);
+    if (used.empty()) return;
+    std::ranges::sort(used, {}, &SymbolStyle::code);
+    rows.push_back({HostWords().symbols, nullptr, nullptr, headingHeight});
+    for (const SymbolStyle* style : used) {
+        const double drawn = style->shape.bounds.Height() * LegendScale(style->shape) + 1.5;
+        rows.push_back({NameOf(index.FindSymbol(style->code), style->code), nullptr, &style->shape,
+                        std::max(rowHeight, drawn)});
+    }
+}
+
+void Legend::LayOut(double available) {
+    columns = 1;
+    height = 0;
+    double y = 0;
+    for (size_t i = 0; i < rows.size(); ++i) {
+        Row& row = rows[i];
+        // A heading does not stand alone at the foot of a column.
+        const bool heading = !row.pen && !row.shape;
+        const double needed = row.height + (heading && i + 1 < rows.size() ? rows[i + 1].height : 0);
+        if (y > 0 && y + needed > available) {
+            ++columns;
+            y = 0;
+        }
+        row.column = columns - 1;
+        row.y = y;
+        y += row.height;
+        height = std::max(height, y);
+    }
+}
+
+double Legend::Width() const {
+    return static_cast<double>(columns) * (columnWidth + gap) - gap;
+}
+
+double Legend::Height() const {
+    return height;
+}
+
+void Legend::DefineStyles(Canvas& canvas) const {
+    canvas.DefinePen(Ink());
+}
+
+void Legend::Draw(Canvas& canvas, Point corner) const {
+    canvas.BeginGroup("legend", HostWords().legend);
+    for (const Row& row : rows) DrawRow(canvas, row, corner);
+    canvas.EndGroup();
+}
+
+void Legend::DrawRow(Canvas& canvas, const Row& row, Point corner) const {
+    const double x = corner.x + static_cast<double>(row.column) * (columnWidth + gap);
+    const double middle = corner.y + row.y + row.height / 2;
+    TextStyle style;
+    style.upright = Upright::middle;
+    if (!row.pen && !row.shape) {
+        style.height = 2.6;
+        style.font.bold = true;
+        canvas.Text(row.text, {x, middle}, style);
+        return;
+    }
+    if (row.pen) {
+        const std::array<Point, 2> line{Point{x, middle}, Point{x + sampleWidth, middle}};
+        canvas.Line(line, *row.pen, 0);
+    } else {
+        // In the middle of its place, wherever its insertion point is.
+        const double scale = LegendScale(*row.shape);
+        const Box& bounds = row.shape->bounds;
+        canvas.Symbol(*row.shape,
+                      {x + sampleWidth / 2 - (bounds.minX + bounds.maxX) / 2 * scale,
+                       middle + (bounds.minY + bounds.maxY) / 2 * scale},
+                      scale, 0, Ink());
+    }
+    const double textLeft = sampleWidth + gap;
+    style.height = 1.9;
+    canvas.Text(Fitted(row.text, style, columnWidth - textLeft), {x + textLeft, middle}, style);
+}
+
+std::string Fitted(const std::string& text, const TextStyle& style, double width) {
+    if (TextWidth(text, style.font, style.height) <= width) return text;
+    std::string cut = text;
+    while (!cut.empty() && TextWidth(cut + "…", style.font, style.height) > width) {
+        while (!cut.empty() && (static_cast<unsigned char>(cut.back()) & 0xC0) == 0x80) cut.pop_back();
+        if (!cut.empty()) cut.pop_back();
+    }
+    return cut + "…";
+}
+
+}  // namespace vemrado::draw

@@ -1,0 +1,50 @@
+// The legend of a map: the line types and symbols that it shows, with their names.
+
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "canvas.h"
+#include "client/symbology_index.h"
+#include "scene.h"
+
+namespace vemrado::draw {
+
+class Legend {
+  public:
+    // The scene lives longer than the legend.
+    Legend(const Scene& scene, const client::SymbologyIndex& index);
+
+    // Breaks the legend into columns no higher than this.
+    void LayOut(double height);
+    double Width() const;   // mm
+    double Height() const;  // of the highest column
+
+    void DefineStyles(Canvas& canvas) const;
+    void Draw(Canvas& canvas, Point corner) const;
+
+  private:
+    struct Row {
+        std::string text;
+        const Pen* pen = nullptr;            // a line type
+        const SymbolShape* shape = nullptr;  // a symbol; neither: a heading
+        double height = 0;                   // mm
+        size_t column = 0;
+        double y = 0;  // of its upper edge, from the legend's
+    };
+
+    void AddLineTypes(const client::SymbologyIndex& index);
+    void AddSymbols(const client::SymbologyIndex& index);
+    void DrawRow(Canvas& canvas, const Row& row, Point corner) const;
+
+    const Scene& scene;
+    std::vector<Row> rows;
+    size_t columns = 1;
+    double height = 0;
+};
+
+// Cuts a text that is wider than a space for it, and shows that it was cut.
+std::string Fitted(const std::string& text, const TextStyle& style, double width);
+
+}  // namespace vemrado::draw

@@ -1,0 +1,171 @@
+#include "map_frame.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <cstdio>
+
+#include "legend.h"
+#include "words.h"
+
+namespace vemrado::draw {
+namespace {
+
+constexpr double gridSpacing = 100;  // mm on paper, at most
+constexpr double crossArm = 2;
+constexpr double tickLength = 2;
+constexpr double coordinateHeight = 1.5;
+constexpr double scaleBarWidth = 60;  // at most
+constexpr double scaleBarHeight = 1.5;
+
+Pen FramePen(const char* id, double width, uint32_t colour) {
+    Pen pen;
+    pen.id = id;
+    pen.width = width;
+    pen.colour = colour;
+    return pen;
+}
+
+const Pen framePen = FramePen("frame-line", 0.35, 0);
+const Pen finePen = FramePen("frame-fine", 0.13, 0);
+const Pen gridPen = FramePen("grid", 0.13, 0x808080);
+
+// The largest of 1, 2 and 5 times a power of ten that is not above the value.
+double RoundDown(double value) {
+    const double power = std::pow(10, std::floor(std::log10(value)));
+    const double lead = value / power;
+    return power * (lead >= 5 ? 5 : lead >= 2 ? 2 : 1);
+}
+
+std::string Formatted(const char* format, double value) {
+    char text[64];
+    std::snprintf(text, sizeof text, format, value);
+    return text;
+}
+
+void DrawSegment(Canvas& canvas, const Pen& pen, Point from, Point to) {
+    const std::array<Point, 2> points{from, to};
+    canvas.Line(points, pen, 0);
+}
+
+void FillBar(Canvas& canvas, double left, double top, double width, double height) {
+    const std::array<Point, 4> outline{Point{left, top}, Point{left + width, top},
+                                       Point{left + width, top + height}, Point{left, top + height}};
+    canvas.Fill(outline, 0);
+}
+
+// Round coordinates between two limits, with their places on paper.
+struct GridLine {
+    double coordinate;
+    double place;
+};
+
+std::vector<GridLine> GridLines(double from, double to, double step, double placeOfFrom, double placeOfTo) {
+    std::vector<GridLine> lines;
+    for (double i = std::ceil(from / step); i * step <= to; ++i) {
+        lines.push_back(
+            {i * step, placeOfFrom + (i * step - from) / (to - from) * (placeOfTo - placeOfFrom)});
+    }
+    return lines;
+}
+
+}  // namespace
+
+void DefineFramePens(Canvas& canvas) {
+    for (const Pen* pen : {&framePen, &finePen, &gridPen}) canvas.DefinePen(*pen);
+}
+
+void DrawFrame(Canvas& canvas, const Box& area) {
+    const std::array<Point, 5> outline{Point{area.minX, area.minY}, Point{area.maxX, area.minY},
+                                       Point{area.maxX, area.maxY}, Point{area.minX, area.maxY},
+                                       Point{area.minX, area.minY}};
+    canvas.Line(outline, framePen, 0);
+}
+
+void DrawGrid(Canvas& canvas, const Box& area, const Box& ground) {
+    const double spacing = std::min({gridSpacing, area.Width() / 2, area.Height() / 2});
+    const double step = RoundDown(spacing * ground.Width() / area.Width() * (1 + 1e-9));
+    const auto columns = GridLines(ground.minX, ground.maxX, step, area.minX, area.maxX);
+    const auto lines = GridLines(ground.minY, ground.maxY, step, area.maxY, area.minY);
+    TextStyle style;
+    style.height = coordinateHeight;
+    style.across = Across::middle;
+    canvas.BeginGroup("grid", "");
+    for (const GridLine& column : columns) {
+        DrawSegment(canvas, finePen, {column.place, area.maxY}, {column.place, area.maxY + tickLength});
+        DrawSegment(canvas, finePen, {column.place, area.minY}, {column.place, area.minY - tickLength});
+        style.upright = Upright::top;
+        canvas.Text(Formatted("%.0f", column.coordinate), {column.place, area.maxY + tickLength + 1}, style);
+        for (const GridLine& line : lines) {
+            DrawSegment(canvas, gridPen, {column.place - crossArm, line.place},
+                        {column.place + crossArm, line.place});
+            DrawSegment(canvas, gridPen, {column.place, line.place - crossArm},
+                        {column.place, line.place + crossArm});
+        }
+    }
+    style.rotation = 90;
+    style.upright = Upright::baseline;
+    for (const GridLine& line : lines) {
+        DrawSegment(canvas, finePen, {area.minX, line.place}, {area.minX - tickLength, line.place});
+        DrawSegment(canvas, finePen, {area.maxX, line.place}, {area.maxX + tickLength, line.place});
+        canvas.Text(Formatted("%.0f", line.coordinate), {area.minX - tickLength - 1, line.place}, style);
+    }
+    canvas.EndGroup();
+}
+
+void DrawTitle(Canvas& canvas, Point corner, double width, const std::string& title, double mapScale) {
+    TextStyle style;
+    style.height = 4.2;
+    style.font.bold = true;
+    style.upright = Upright::top;
+    constexpr double arrowRoom = 14;
+    canvas.Text(Fitted(title, style, width - arrowRoom), corner, style);
+    style.height = 2.2;
+    style.font.bold = false;
+    canvas.Text(std::string(HostWords().scale) + Formatted(" 1 : %.10g", mapScale), {corner.x, corner.y + 7},
+                style);
+}
+
+void DrawNorthArrow(Canvas& canvas, Point center, Point north) {
+    constexpr double length = 10;
+    constexpr double halfWidth = 2;
+    const Point along{north.x * length / 2, -north.y * length / 2};
+    const Point across{-along.y / (length / 2) * halfWidth, along.x / (length / 2) * halfWidth};
+    const Point tip{center.x + along.x, center.y + along.y};
+    const Point tail{center.x - along.x * 0.6, center.y - along.y * 0.6};
+    const Point left{center.x - along.x - across.x, center.y - along.y - across.y};
+    const Point right{center.x - along.x + across.x, center.y - along.y + across.y};
+    canvas.Fill(std::array<Point, 3>{tip, tail, left}, 0);
+    canvas.Line(std::array<Point, 4>{tip, right, tail, tip}, finePen, 0);
+    TextStyle style;
+    style.height = 2.6;
+    style.font.bold = true;
+    style.across = Across::middle;
+    style.upright = Upright::middle;
+    canvas.Text(HostWords().north, {center.x + along.x * 1.5, center.y + along.y * 1.5}, style);
+}
+
+void DrawScaleBar(Canvas& canvas, Point corner, double width, double millimetresPerMetre) {
+    const double metres = RoundDown(std::min(scaleBarWidth, width) / millimetresPerMetre);
+    const double length = metres * millimetresPerMetre;
+    const double top = corner.y - scaleBarHeight;
+    constexpr int parts = 4;
+    const double part = length / parts;
+    for (int i = 0; i < parts; i += 2) FillBar(canvas, corner.x + i * part, top, part, scaleBarHeight);
+    canvas.Line(std::array<Point, 5>{Point{corner.x, top}, Point{corner.x + length, top},
+                                     Point{corner.x + length, corner.y}, Point{corner.x, corner.y},
+                                     Point{corner.x, top}},
+                finePen, 0);
+    TextStyle style;
+    style.height = 1.8;
+    style.across = Across::middle;
+    const bool kilometres = metres >= 2000;
+    const double unit = kilometres ? 1000 : 1;
+    for (const double share : {0.0, 0.5, 1.0}) {
+        std::string label = Formatted("%.6g", metres * share / unit);
+        if (share == 1) label += kilometres ? " km" : " m";
+        canvas.Text(label, {corner.x + length * share, top - 1}, style);
+    }
+}
+
+}  // namespace vemrado::draw

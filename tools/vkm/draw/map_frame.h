@@ -1,0 +1,29 @@
+// What stands around the map of a sheet: frame, grid, title, north arrow and scale bar. Positions are on
+// paper.
+
+#pragma once
+
+#include <string>
+
+#include "canvas.h"
+
+namespace vemrado::draw {
+
+// Must be called before anything here is drawn.
+void DefineFramePens(Canvas& canvas);
+
+void DrawFrame(Canvas& canvas, const Box& area);
+
+// Crosses at round coordinates at most 100 mm apart, and the coordinates outside the frame.
+void DrawGrid(Canvas& canvas, const Box& area, const Box& ground);
+
+// The corner is the upper left one.
+void DrawTitle(Canvas& canvas, Point corner, double width, const std::string& title, double mapScale);
+
+// North is the direction on the ground, a unit vector.
+void DrawNorthArrow(Canvas& canvas, Point center, Point north);
+
+// The corner is the lower left one of the whole; the bar has a round length that fits the width.
+void DrawScaleBar(Canvas& canvas, Point corner, double width, double millimetresPerMetre);
+
+}  // namespace vemrado::draw

@@ -1,0 +1,130 @@
+#include "map_sheet.h"
+
+#include <array>
+#include <cmath>
+
+#include "clip.h"
+#include "map_frame.h"
+#include "words.h"
+
+namespace vemrado::draw {
+namespace {
+
+constexpr double smallestSide = 10;  // mm of map, for a file of one point
+constexpr double bareMargin = 3;     // mm between the drawing and the edge of a picture without a frame
+constexpr double framedMargin = 6;   // mm between the drawing and the frame
+constexpr double pageMargin = 12;    // mm around the frame
+constexpr double titleHeight = 16;
+constexpr double footHeight = 16;
+constexpr double legendGap = 8;
+constexpr double lowestLegend = 120;  // mm that a column of the legend may take beside a smaller map
+constexpr double symbolWidth = 0.18;  // mm of the strokes of symbols
+constexpr double clipMargin = 2;      // mm beyond the map to which strokes go on, more than any line is wide
+
+Box AtLeast(const Box& box, double side) {
+    const double x = std::max(0.0, (side - box.Width()) / 2);
+    const double y = std::max(0.0, (side - box.Height()) / 2);
+    return {box.minX - x, box.minY - y, box.maxX + x, box.maxY + y};
+}
+
+}  // namespace
+
+MapSheet::MapSheet(const Scene& mapScene, const client::SymbologyIndex& index, const SheetOptions& wanted)
+    : scene(mapScene), options(wanted), legend(mapScene, index) {
+    const double metres = 1 / scene.MillimetresPerMetre();  // a millimetre on paper
+    if (options.box) {
+        ground = *options.box;
+    } else {
+        const double margin = options.legend ? framedMargin : bareMargin;
+        ground = AtLeast(scene.Extent(), smallestSide * metres).Grown(margin * metres);
+    }
+    LayOut();
+    for (const auto& [number, layer] : scene.layers) {
+        for (const PlacedSymbol& symbol : layer.symbols) {
+            Pen& pen = symbolPens[symbol.colour];
+            if (!pen.id.empty()) continue;
+            pen.id = "symbols-" + std::to_string(symbol.colour);
+            pen.colour = symbol.colour;
+            pen.width = symbolWidth;
+        }
+    }
+}
+
+void MapSheet::LayOut() {
+    const double width = ground.Width() * scene.MillimetresPerMetre();
+    const double height = ground.Height() * scene.MillimetresPerMetre();
+    if (!options.legend) {
+        area = {0, 0, width, height};
+        page = {width, height, 1};
+        return;
+    }
+    legend.LayOut(std::max(height, lowestLegend));
+    const double top = pageMargin + titleHeight;
+    area = {pageMargin, top, pageMargin + width, top + height};
+    page.width = area.maxX + legendGap + legend.Width() + pageMargin;
+    page.height = top + std::max(height + footHeight, legend.Height()) + pageMargin;
+}
+
+Point MapSheet::OnPaper(Point point) const {
+    const double scale = scene.MillimetresPerMetre();
+    return {area.minX + (point.x - ground.minX) * scale, area.minY + (ground.maxY - point.y) * scale};
+}
+
+void MapSheet::Draw(Canvas& canvas) const {
+    DefineStyles(canvas);
+    if (options.legend) DrawGrid(canvas, area, ground);
+    DrawMap(canvas);
+    if (!options.legend) return;
+    canvas.BeginGroup("frame", "");
+    DrawFrame(canvas, area);
+    DrawTitle(canvas, {area.minX, pageMargin}, page.width - pageMargin - area.minX, options.title,
+              scene.mapScale);
+    DrawNorthArrow(canvas, {page.width - pageMargin - 5, pageMargin + 5}, scene.north);
+    DrawScaleBar(canvas, {area.minX, area.maxY + footHeight}, area.Width(), scene.MillimetresPerMetre());
+    canvas.EndGroup();
+    legend.Draw(canvas, {area.maxX + legendGap, area.minY});
+}
+
+void MapSheet::DefineStyles(Canvas& canvas) const {
+    for (const LineStyle& style : scene.lineStyles) canvas.DefinePen(style.pen);
+    for (const auto& [colour, pen] : symbolPens) canvas.DefinePen(pen);
+    for (const SymbolStyle& style : scene.symbolStyles) canvas.DefineSymbol(style.shape);
+    if (!options.legend) return;
+    legend.DefineStyles(canvas);
+    DefineFramePens(canvas);
+}
+
+void MapSheet::DrawMap(Canvas& canvas) const {
+    // Without a box nothing reaches the edge of the map.
+    if (options.box) canvas.BeginClip(area);
+    for (const auto& [number, layer] : scene.layers) {
+        canvas.BeginGroup("layer-" + std::to_string(number), layer.name);
+        DrawLayer(canvas, layer);
+        canvas.EndGroup();
+    }
+    if (options.box) canvas.EndClip();
+}
+
+void MapSheet::DrawLayer(Canvas& canvas, const Layer& layer) const {
+    DrawStrokes(canvas, layer);
+    for (const PlacedSymbol& symbol : layer.symbols) {
+        canvas.Symbol(scene.symbolStyles[symbol.style].shape, OnPaper(symbol.point), symbol.scale,
+                      symbol.rotation, symbolPens.at(symbol.colour));
+    }
+    for (const PlacedText& text : layer.texts) canvas.Text(text.text, OnPaper(text.point), text.style);
+}
+
+void MapSheet::DrawStrokes(Canvas& canvas, const Layer& layer) const {
+    const Box seen = area.Grown(clipMargin);
+    std::vector<Point> points;
+    for (const Stroke& stroke : layer.strokes) {
+        const Pen& pen = scene.lineStyles[stroke.style].pen;
+        points.clear();
+        for (uint64_t i = 0; i < stroke.count; ++i) points.push_back(OnPaper(layer.points[stroke.first + i]));
+        ClipStroke(points, seen, [&](std::span<const Point> part, double lengthBefore) {
+            canvas.Line(part, pen, lengthBefore);
+        });
+    }
+}
+
+}  // namespace vemrado::draw

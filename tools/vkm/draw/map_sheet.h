@@ -1,0 +1,49 @@
+// Lays a scene out on a page and draws it: the map alone, or the map in a frame with title, grid, scale bar,
+// north arrow and legend.
+
+#pragma once
+
+#include <map>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "canvas.h"
+#include "legend.h"
+#include "scene.h"
+
+namespace vemrado::draw {
+
+struct SheetOptions {
+    std::optional<Box> box;  // what the map shows, exactly; none: everything
+    bool legend = false;     // frame, title, legend and so on
+    std::string title;
+};
+
+class MapSheet {
+  public:
+    // The scene and the index live longer than the sheet. The scene is not empty, or a box is given.
+    MapSheet(const Scene& scene, const client::SymbologyIndex& index, const SheetOptions& options);
+
+    // At the scale of the map.
+    PageSize Page() const { return page; }
+    void Draw(Canvas& canvas) const;
+
+  private:
+    void LayOut();
+    Point OnPaper(Point ground) const;
+    void DefineStyles(Canvas& canvas) const;
+    void DrawMap(Canvas& canvas) const;
+    void DrawLayer(Canvas& canvas, const Layer& layer) const;
+    void DrawStrokes(Canvas& canvas, const Layer& layer) const;
+
+    const Scene& scene;
+    SheetOptions options;
+    Legend legend;
+    Box ground;  // what the map shows
+    Box area;    // where on the page
+    PageSize page;
+    std::map<uint32_t, Pen> symbolPens;  // by colour
+};
+
+}  // namespace vemrado::draw

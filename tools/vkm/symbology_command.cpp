@@ -1,0 +1,123 @@
+// vkm symbology: what a symbology directory holds, and what is wrong with it.
+
+#include <cstdio>
+#include <filesystem>
+#include <memory>
+
+#include "client/system.h"
+#include "commands.h"
+#include "framework/framework.h"
+#include "program.h"
+#include "symbology_check.h"
+#if VEMRADO_DRAWING
+#include "draw/words.h"
+#include "picture.h"
+#include "symbology_sheet.h"
+#endif
+
+namespace vemrado::tools {
+namespace {
+
+struct SymbologyOptions {
+    std::string directory;
+#if VEMRADO_DRAWING
+    PictureOptions picture;
+#endif
+};
+
+// The directory that holds VKMSym, for one that is VKMSym itself too.
+std::string DataDirectoryOf(const std::string& directory) {
+    const std::filesystem::path path =
+        std::filesystem::path(directory + "/").lexically_normal().parent_path();
+    std::string name = path.filename().string();
+    for (char& c : name) c = c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
+    if (name != "vkmsym") return directory;
+    return path.has_parent_path() ? path.parent_path().string() : ".";
+}
+
+template <typename... Values>
+std::string Row(const char* format, Values... values) {
+    char text[160];
+    std::snprintf(text, sizeof text, format, values...);
+    return text;
+}
+
+std::string DashesText(const draw::Pen& pen) {
+    std::string text;
+    for (const double length : pen.dashes) text += Row("%s%.6g", text.empty() ? "" : " ", length);
+    return text.empty() ? "-" : text;
+}
+
+void PrintLines(const CheckedSymbology& checked, StandardOutput& output) {
+    output.Write(Row("Line codes: %zu\n", checked.lines.size()));
+    output.Write(
+        Row("%11s %9s  %-7s %6s  %-24s %s\n", "code", "line type", "colour", "mm", "dashes (mm)", "name"));
+    for (const CheckedLine& line : checked.lines) {
+        const uint32_t colour = line.pen.colour;
+        output.Write(Row("%11d %9d  #%02x%02x%02x %6.6g  %-24.80s ", line.entry.code, line.entry.lineType,
+                         colour & 255, (colour >> 8) & 255, (colour >> 16) & 255, line.entry.width,
+                         DashesText(line.pen).c_str()));
+        output.Write(line.entry.name + "\n");
+    }
+}
+
+void PrintSymbols(const CheckedSymbology& checked, StandardOutput& output) {
+    output.Write(Row("\nSymbol codes: %zu\n", checked.symbols.size()));
+    output.Write(Row("%11s %9s  %7s  %-14s %s\n", "code", "symbol", "strokes", "size (mm)", "name"));
+    for (const CheckedSymbol& symbol : checked.symbols) {
+        const draw::Box& bounds = symbol.shape.bounds;
+        const std::string size = Row("%.6g x %.6g", bounds.Width(), bounds.Height());
+        output.Write(Row("%11d %9d  %7zu  %-14s ", symbol.entry.code, symbol.entry.symbol,
+                         symbol.shape.strokes.size(), size.c_str()));
+        output.Write(symbol.entry.name + "\n");
+    }
+}
+
+int RunSymbology(const SymbologyOptions& options, Environment& environment) {
+    const char* inForce = FrameworkGetDataDirectory();
+    const std::string directory =
+        DataDirectoryOf(options.directory.empty() && inForce ? inForce : options.directory);
+    if (directory.empty()) throw Failure(exitUsage, "there is no sample symbology here: name a DIR");
+    const CheckedSymbology checked = CheckSymbology(directory);
+    PrintLines(checked, environment.output);
+    PrintSymbols(checked, environment.output);
+    environment.output.Flush();
+#if VEMRADO_DRAWING
+    if (!options.picture.file.empty()) {
+        const std::string title =
+            std::string(draw::HostWords().symbology) + " " + client::SystemTextToUtf8(directory);
+        const SymbologySheet sheet(checked, title);
+        MakePicture(options.picture, sheet.Page(), title, [&](draw::Canvas& canvas) { sheet.Draw(canvas); });
+    }
+#endif
+    for (const std::string& problem : checked.problems) environment.Error(problem);
+    return checked.problems.empty() ? exitDone : exitInput;
+}
+
+}  // namespace
+
+void AddSymbologyCommand(Program& program) {
+    const auto options = std::make_shared<SymbologyOptions>();
+    const CommandText text = {
+        "symbology",
+        "List line types and symbols of a symbology, and its problems",
+        "Loads a symbology as for the import of a map and looks up every line code and symbol code that its "
+        "tables "
+        "name. Every problem is listed; the exit code is 1 when there are any. -o draws a sheet with every "
+        "line type "
+        "and every symbol.\n\n"
+        "DIR is the directory that holds VKMSym, or VKMSym itself; without it the symbology of --data is "
+        "taken.",
+        {{"vkm symbology", "the sample symbology"},
+         {"vkm symbology /mnt/host/VKMSym -o sheet.pdf", "check another one and draw its sheet"}}};
+    CLI::App& command = program.Add(
+        text, [options](Environment& environment) { return RunSymbology(*options, environment); });
+    command.add_option("DIR", options->directory, "The symbology")
+        ->type_name("")
+        ->check(CLI::ExistingDirectory);
+#if VEMRADO_DRAWING
+    AddPictureOptions(command, options->picture, false);
+#endif
+}
+
+}  // namespace vemrado::tools

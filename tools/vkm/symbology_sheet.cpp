@@ -1,0 +1,151 @@
+#include "symbology_sheet.h"
+
+#include <array>
+#include <utility>
+
+#include "draw/legend.h"
+#include "draw/words.h"
+
+namespace vemrado::tools {
+namespace {
+
+constexpr double pageWidth = 210;  // mm
+constexpr double margin = 15;
+constexpr double titleHeight = 14;
+constexpr double headingHeight = 12;
+constexpr double sectionGap = 8;
+
+// A cell of each table.
+constexpr size_t lineColumns = 2;
+constexpr double lineRowHeight = 7;
+constexpr double codeWidth = 14;
+constexpr double sampleWidth = 32;
+constexpr size_t symbolColumns = 3;
+constexpr double symbolRowHeight = 15;
+constexpr double symbolBox = 13;
+constexpr double gap = 3;
+constexpr double nameHeight = 1.9;
+
+constexpr double CellWidth(size_t columns) {
+    return (pageWidth - 2 * margin) / static_cast<double>(columns);
+}
+
+double TableHeight(size_t cells, size_t columns, double rowHeight) {
+    return static_cast<double>((cells + columns - 1) / columns) * rowHeight;
+}
+
+// Cells run down the columns, as people read a list.
+draw::Point CellCorner(size_t cell, size_t cells, size_t columns, double rowHeight, double top) {
+    const size_t rows = (cells + columns - 1) / columns;
+    return {margin + CellWidth(columns) * static_cast<double>(cell / rows),
+            top + rowHeight * static_cast<double>(cell % rows)};
+}
+
+const draw::Pen& SymbolPen() {
+    static const draw::Pen pen = [] {
+        draw::Pen ink;
+        ink.id = "symbols";
+        ink.width = 0.18;
+        return ink;
+    }();
+    return pen;
+}
+
+draw::TextStyle NameStyle() {
+    draw::TextStyle style;
+    style.height = nameHeight;
+    style.upright = draw::Upright::middle;
+    return style;
+}
+
+}  // namespace
+
+SymbologySheet::SymbologySheet(const CheckedSymbology& checked, std::string sheetTitle)
+    : symbology(checked), title(std::move(sheetTitle)) {
+    double y = margin + titleHeight;
+    if (!checked.lines.empty()) {
+        linesTop = y;
+        y += headingHeight + TableHeight(checked.lines.size(), lineColumns, lineRowHeight) + sectionGap;
+    }
+    if (!checked.symbols.empty()) {
+        symbolsTop = y;
+        y += headingHeight + TableHeight(checked.symbols.size(), symbolColumns, symbolRowHeight);
+    }
+    page = {pageWidth, y + margin, 1};
+}
+
+void SymbologySheet::Draw(draw::Canvas& canvas) const {
+    for (const CheckedLine& line : symbology.lines) canvas.DefinePen(line.pen);
+    canvas.DefinePen(SymbolPen());
+    for (const CheckedSymbol& symbol : symbology.symbols) canvas.DefineSymbol(symbol.shape);
+
+    draw::TextStyle style;
+    style.height = 4.5;
+    style.font.bold = true;
+    style.upright = draw::Upright::top;
+    canvas.Text(draw::Fitted(title, style, pageWidth - 2 * margin), {margin, margin}, style);
+
+    if (linesTop > 0) {
+        canvas.BeginGroup("line-types", "");
+        DrawHeading(canvas, draw::HostWords().lineTypes, linesTop);
+        const size_t count = symbology.lines.size();
+        for (size_t i = 0; i < count; ++i) {
+            DrawLine(canvas, symbology.lines[i],
+                     CellCorner(i, count, lineColumns, lineRowHeight, linesTop + headingHeight));
+        }
+        canvas.EndGroup();
+    }
+    if (symbolsTop > 0) {
+        canvas.BeginGroup("symbols", "");
+        DrawHeading(canvas, draw::HostWords().symbols, symbolsTop);
+        const size_t count = symbology.symbols.size();
+        for (size_t i = 0; i < count; ++i) {
+            DrawSymbol(canvas, symbology.symbols[i],
+                       CellCorner(i, count, symbolColumns, symbolRowHeight, symbolsTop + headingHeight));
+        }
+        canvas.EndGroup();
+    }
+}
+
+void SymbologySheet::DrawHeading(draw::Canvas& canvas, const std::string& text, double y) const {
+    draw::TextStyle style;
+    style.height = 3.2;
+    style.font.bold = true;
+    style.upright = draw::Upright::middle;
+    canvas.Text(text, {margin, y + headingHeight / 2}, style);
+}
+
+void SymbologySheet::DrawLine(draw::Canvas& canvas, const CheckedLine& line, draw::Point corner) const {
+    const double middle = corner.y + lineRowHeight / 2;
+    draw::TextStyle style = NameStyle();
+    style.font.bold = true;
+    canvas.Text(std::to_string(line.entry.code), {corner.x, middle}, style);
+    const double sampleLeft = corner.x + codeWidth;
+    const std::array<draw::Point, 2> sample{draw::Point{sampleLeft, middle},
+                                            draw::Point{sampleLeft + sampleWidth, middle}};
+    if (line.known) canvas.Line(sample, line.pen, 0);
+    const double nameLeft = sampleLeft + sampleWidth + gap;
+    style.font.bold = false;
+    const double room = CellWidth(lineColumns) - (nameLeft - corner.x) - gap;
+    canvas.Text(draw::Fitted(line.entry.name, style, room), {nameLeft, middle}, style);
+}
+
+void SymbologySheet::DrawSymbol(draw::Canvas& canvas, const CheckedSymbol& symbol, draw::Point corner) const {
+    const double middle = corner.y + symbolRowHeight / 2;
+    const draw::Box& bounds = symbol.shape.bounds;
+    const double largest = std::max(bounds.Width(), bounds.Height());
+    const double scale = largest > symbolBox ? symbolBox / largest : 1;
+    canvas.Symbol(symbol.shape,
+                  {corner.x + symbolBox / 2 - (bounds.minX + bounds.maxX) / 2 * scale,
+                   middle + (bounds.minY + bounds.maxY) / 2 * scale},
+                  scale, 0, SymbolPen());
+    const double textLeft = corner.x + symbolBox + gap;
+    draw::TextStyle style = NameStyle();
+    style.font.bold = true;
+    canvas.Text(std::to_string(symbol.entry.code), {textLeft, middle - nameHeight}, style);
+    style.font.bold = false;
+    const double room = CellWidth(symbolColumns) - (textLeft - corner.x) - gap;
+    canvas.Text(draw::Fitted(symbol.entry.name, style, room), {textLeft, middle + nameHeight}, style);
+}
+
+}  // namespace vemrado::tools

@@ -1,0 +1,32 @@
+// A sheet with every line type and every symbol of a symbology.
+
+#pragma once
+
+#include <string>
+
+#include "draw/canvas.h"
+#include "symbology_check.h"
+
+namespace vemrado::tools {
+
+class SymbologySheet {
+  public:
+    // The symbology lives longer than the sheet.
+    SymbologySheet(const CheckedSymbology& checked, std::string sheetTitle);
+
+    draw::PageSize Page() const { return page; }
+    void Draw(draw::Canvas& canvas) const;
+
+  private:
+    void DrawHeading(draw::Canvas& canvas, const std::string& text, double y) const;
+    void DrawLine(draw::Canvas& canvas, const CheckedLine& line, draw::Point corner) const;
+    void DrawSymbol(draw::Canvas& canvas, const CheckedSymbol& symbol, draw::Point corner) const;
+
+    const CheckedSymbology& symbology;
+    std::string title;
+    draw::PageSize page;
+    double linesTop = 0;  // mm; 0: the sheet has no line types
+    double symbolsTop = 0;
+};
+
+}  // namespace vemrado::tools
