@@ -27,6 +27,11 @@ if(CMAKE_CXX_COMPILER_ID STREQUAL GNU AND CMAKE_CXX_COMPILER_VERSION VERSION_LES
   add_compile_options(-Wno-restrict)
 endif()
 
+if(CMAKE_CXX_COMPILER_ID STREQUAL GNU AND NOT WIN32)
+  # A library with such symbols, which come from inside the standard library's templates, is never unloaded.
+  add_compile_options(-fno-gnu-unique)
+endif()
+
 if(VEMRADO_SANITIZE)
   add_compile_options(-fsanitize=${VEMRADO_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
   add_link_options(-fsanitize=${VEMRADO_SANITIZE})
