@@ -138,6 +138,8 @@ void WriteStandardError(std::string_view utf8) {
 }
 
 void CatchInterrupt() {
+    struct sigaction before = {};
+    if (sigaction(SIGINT, nullptr, &before) != 0 || before.sa_handler == SIG_IGN) return;
     struct sigaction action = {};
     action.sa_handler = OnInterrupt;
     action.sa_flags = static_cast<int>(SA_RESETHAND);  // a second interrupt ends a program that does not stop

@@ -33,6 +33,7 @@ struct Pipe {
 
 [[noreturn]] void BecomeVkm(const std::vector<std::string>& arguments, const RunSetting& setting,
                             const Pipe& input, const Pipe& output, const Pipe& errors) {
+    signal(SIGINT, SIG_DFL);
     dup2(input.ends[0], STDIN_FILENO);
     dup2(setting.outputFile.empty() ? output.ends[1] : open(setting.outputFile.c_str(), O_WRONLY),
          STDOUT_FILENO);
