@@ -56,6 +56,15 @@ class TextFile {
         return ReadLineAtEdge(limit, line, hadLineFeed);
     }
 
+    // For readers with a search of their own: the characters that are buffered, with searchSlack line feeds
+    // behind them. None while a zero character may be among them.
+    std::string_view Ahead() const {
+        return zeroInBuffer ? std::string_view()
+                            : std::string_view(cursor, static_cast<size_t>(filled - cursor));
+    }
+    // Takes characters that Ahead has shown.
+    void Take(size_t count) { cursor += count; }
+
     // Back to the start of the file. False on failure.
     bool Rewind();
 

@@ -11,41 +11,30 @@
 #include <cstring>
 #include <string_view>
 
+#if defined(__SSE2__)
+#include <emmintrin.h>
+#endif
+
 namespace vemrado {
 
 namespace numbers {
 
 static_assert(std::endian::native == std::endian::little, "the first character stands in the lowest byte");
 
-// Eight characters at once, the first in the lowest byte. Digits have the values 0 to 9 once the zeros are
-// taken off.
-constexpr uint64_t eightZeros = 0x3030303030303030u;
-constexpr uint64_t topBits = 0x8080808080808080u;
-
-template <class Unsigned>
-inline Unsigned LoadCharacters(const char* text) {
-    Unsigned characters;
+// Eight characters at once, the first in the lowest byte, as the digits' values 0 to 9.
+inline uint64_t LoadEightDigits(const char* text) {
+    uint64_t characters;
     std::memcpy(&characters, text, sizeof characters);
-    return characters;
+    return characters ^ 0x3030303030303030u;
 }
 
-// The 1 to 8 characters of a text in the low bytes of a word. Reads nothing outside of it.
-inline uint64_t LoadShort(const char* text, size_t length) {
-    if (length == 8) return LoadCharacters<uint64_t>(text);
-    if (length >= 4) {
-        const uint64_t tail = LoadCharacters<uint32_t>(text + length - 4);
-        return LoadCharacters<uint32_t>(text) | tail << (8 * (length - 4));
-    }
-    const auto at = [&](size_t index) { return static_cast<uint64_t>(static_cast<uint8_t>(text[index])); };
-    return at(0) | at(length / 2) << (8 * (length / 2)) | at(length - 1) << (8 * (length - 1));
+// Keeps the first count of eight digits and puts zeros before them.
+inline uint64_t KeepDigits(uint64_t values, size_t count) {
+    const size_t half = 4 * (8 - count);
+    return values << half << half;
 }
 
-// A bit for each byte that is no digit's value, exact up to and including the lowest such byte.
-inline uint64_t MarkNonDigits(uint64_t values) {
-    return ((values + 0x7676767676767676u) | values) & topBits;
-}
-
-// The number that eight digits' values make; leading zero bytes count as zeros.
+// The number that eight digits' values make.
 inline uint64_t JoinEightDigits(uint64_t values) {
     values = values * 10 + (values >> 8);  // pairs, in every other byte
     constexpr uint64_t pairMask = 0x000000FF000000FFu;
@@ -54,49 +43,46 @@ inline uint64_t JoinEightDigits(uint64_t values) {
            32;
 }
 
-inline constexpr double powersOfTen[] = {1e0,  1e1,  1e2,  1e3,  1e4,  1e5,  1e6,  1e7,
-                                         1e8,  1e9,  1e10, 1e11, 1e12, 1e13, 1e14, 1e15,
-                                         1e16, 1e17, 1e18, 1e19, 1e20, 1e21, 1e22};
+inline constexpr double powersOfTen[] = {1e0, 1e1, 1e2, 1e3, 1e4, 1e5, 1e6, 1e7, 1e8};
 inline constexpr uint64_t integerPowersOfTen[] = {1,      10,      100,      1000,     10000,
                                                   100000, 1000000, 10000000, 100000000};
 constexpr uint64_t largestExactInteger = uint64_t{1} << 53;
 
-// Reads [-]d{1,8}[.d{0,8}] when the whole text is of that form and the digits make an exact integer; else
-// false.
-inline bool ParsePlainReal(std::string_view text, double& value) {
-    const char* begin = text.data();
-    const char* const end = begin + text.size();
-    if (begin == end) return false;
-    const bool negative = *begin == '-';
-    begin += negative;
-    const auto size = static_cast<size_t>(end - begin);
-    if (size == 0 || size > 17) return false;
+// Characters from a text's start that are loaded whatever its length.
+constexpr size_t loadedCharacters = 32;
 
-    const size_t headSize = size < 8 ? size : 8;
-    const uint64_t head = LoadShort(begin, headSize) ^ eightZeros;
-    // Behind a text shorter than eight characters stand zero bytes, which are no digits.
-    const uint64_t nonDigits = MarkNonDigits(head);
-    const size_t whole = nonDigits == 0 ? 8 : static_cast<size_t>(std::countr_zero(nonDigits)) / 8;
-    if (whole == 0) return false;
-    uint64_t mantissa = JoinEightDigits(head << (8 * (8 - whole)));
+// Reads [-]d{0,8}[.d{0,8}] with at least one digit when the whole text is of that form and its digits make an
+// exact integer; else false. loadedCharacters must be readable at text.
+inline bool ParsePlainReal(const char* text, size_t length, double& value) {
+#if defined(__SSE2__)
+    const bool negative = *text == '-';
+    text += negative;
+    length -= negative;
+    if (length - 1 >= 16) return false;
+
+    const __m128i characters = _mm_loadu_si128(reinterpret_cast<const __m128i*>(text));
+    const __m128i values = _mm_sub_epi8(characters, _mm_set1_epi8('0'));
+    const __m128i areDigits = _mm_cmpeq_epi8(_mm_min_epu8(values, _mm_set1_epi8(9)), values);
+    const uint32_t behind = uint32_t{1} << length;
+    const uint32_t others = ~static_cast<uint32_t>(_mm_movemask_epi8(areDigits)) & (behind - 1);
+    const auto whole = static_cast<size_t>(__builtin_ctz(others | behind));
     size_t places = 0;
-    if (whole < size) {
-        places = size - whole - 1;
-        if (begin[whole] != '.' || places > 8) return false;
-        if (places != 0) {
-            // The characters before the fraction are shifted out.
-            const uint64_t tail =
-                size < 8 ? head << (8 * (8 - size)) : LoadCharacters<uint64_t>(end - 8) ^ eightZeros;
-            const size_t before = 8 * (8 - places);
-            const uint64_t fraction = tail >> before << before;
-            if (MarkNonDigits(fraction) != 0) return false;
-            mantissa = mantissa * integerPowersOfTen[places] + JoinEightDigits(fraction);
-            if (mantissa > largestExactInteger) return false;
-        }
+    if (others != 0) {
+        places = length - whole - 1;
+        if (text[whole] != '.' || (others & (others - 1)) != 0 || length == 1) return false;
     }
+    if (whole > 8 || places > 8) return false;
+    const uint64_t mantissa =
+        JoinEightDigits(KeepDigits(LoadEightDigits(text), whole)) * integerPowersOfTen[places] +
+        JoinEightDigits(KeepDigits(LoadEightDigits(text + whole + 1), places));
+    if (mantissa > largestExactInteger) return false;
     const double magnitude = static_cast<double>(static_cast<int64_t>(mantissa)) / powersOfTen[places];
     value = negative ? -magnitude : magnitude;
     return true;
+#else
+    static_cast<void>(text), static_cast<void>(length), static_cast<void>(value);
+    return false;
+#endif
 }
 
 double ParseAnyReal(std::string_view text);
@@ -107,8 +93,20 @@ int32_t ParseAnyInteger(std::string_view text);
 // The number at the start of the text as strtod reads it in the C locale, 0 when there is none. Too large
 // gives infinity, too small a denormal number or 0.
 inline double ParseReal(std::string_view text) {
+    char padded[numbers::loadedCharacters] = {};
     double value;
-    return numbers::ParsePlainReal(text, value) ? value : numbers::ParseAnyReal(text);
+    if (text.size() <= numbers::loadedCharacters) {
+        std::memcpy(padded, text.data(), text.size());
+        if (numbers::ParsePlainReal(padded, text.size(), value)) return value;
+    }
+    return numbers::ParseAnyReal(text);
+}
+
+// The same for a text that is not empty and stands in a buffer where numbers::loadedCharacters are readable
+// from its start, faster.
+inline double ParseBufferedReal(std::string_view text) {
+    double value;
+    return numbers::ParsePlainReal(text.data(), text.size(), value) ? value : numbers::ParseAnyReal(text);
 }
 
 // The number at the start of the text as strtol reads it in base 10 (atoi of the table files too), 0 when

@@ -2,6 +2,7 @@
 
 #include <cstring>
 
+#include "vkm/line_element.h"
 #include "vkm/record_parsers.h"
 #include "vkm/tokenizer.h"
 
@@ -28,19 +29,19 @@ void CommitText(CVKMReaderState& state) {
 }
 
 // A line that does not open a record goes on with the current one.
-void ContinueRecord(CVKMReaderState& state, CVKMTokenizer& line, Field first) {
+void ContinueRecord(CVKMReaderState& state, CVKMTokenizer line, Field first) {
     if (state.currentRecord != 'L') {
         DispatchRecord(state, line, state.currentRecord, false);
-    } else if (!IsNone(first) && ElementType(first) != typeUnknown) {
+    } else if (!IsNone(first) && Is(first[0], elementType)) {
         FlushElement(state);
-        ParseLineElement(state, line, ElementType(first), true);
+        StartLineElement(state, line, ElementType(first));
     } else {
-        ParseLineElement(state, line, typeNone, false);
+        ContinueLineElement(state, line);
     }
 }
 
 // A record's own line ends the element being read. Returns the element that is complete now.
-Element StartRecord(CVKMReaderState& state, CVKMTokenizer& line, uint32_t letter) {
+Element StartRecord(CVKMReaderState& state, CVKMTokenizer line, uint32_t letter) {
     FlushElement(state);
     if (state.textPending != 0) CommitText(state);
     state.elementLayerNumber = state.layerNumber;
@@ -55,10 +56,9 @@ Element StartRecord(CVKMReaderState& state, CVKMTokenizer& line, uint32_t letter
 
 bool ReadHeader(CVKMReaderState& state, CVKMLineReader& reader) {
     uint32_t recordClass = emptyLine;
-    std::string_view text;
+    CVKMTokenizer line;
     LineResult result;
-    while ((result = reader.ReadLine(text)) == LineResult::line) {
-        CVKMTokenizer line(text);
+    while ((result = reader.ReadLine(line)) == LineResult::line) {
         recordClass = ClassifyRecord(line.NextToken());
         DispatchRecord(state, line, recordClass, true);
         if (!BelongsToHeader(recordClass)) break;
@@ -71,10 +71,9 @@ Element ReadNextElement(CVKMReaderState& state, CVKMLineReader& reader) {
     if (state.currentRecord == 'K') return Element::none;
     state.lineElements.Clear();
     FlushElement(state);
-    std::string_view text;
+    CVKMTokenizer line;
     LineResult result;
-    while ((result = reader.ReadLine(text)) == LineResult::line) {
-        CVKMTokenizer line(text);
+    while ((result = reader.ReadLine(line)) == LineResult::line) {
         const Field first = line.NextToken();
         const uint32_t recordClass = ClassifyRecord(first);
         if (recordClass == unknownRecord) continue;

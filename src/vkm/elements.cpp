@@ -4,26 +4,33 @@
 
 namespace vemrado {
 
+void CVKMLineElements::SetLongCode(std::string_view value) {
+    longCodes.emplace_back(value);
+    working->code.longCode = static_cast<int32_t>(longCodes.size() - 1);
+}
+
 void CVKMLineElements::Grow() {
-    // Not more than the room that the line itself needs: what stands before it is free.
-    const size_t wanted = elements.size() + elements.size() / 2 + growthStep;
-    elements.resize(wanted);
+    const auto before = static_cast<size_t>(first - elements.data());
+    const size_t count = Count();
+    elements.resize(elements.size() + elements.size() / 2 + growthStep);
+    first = elements.data() + before;
+    working = first + count;
 }
 
 void CVKMLineElements::MoveWorkingToStart() {
-    CVKMLineElement working = Working();
+    CVKMLineElement element = *working;
     if (!longCodes.empty()) {
-        int32_t& index = working.code.longCode;
+        int32_t& index = element.code.longCode;
         if (index > 0) std::swap(longCodes.front(), longCodes[static_cast<size_t>(index)]);
         longCodes.resize(index < 0 ? 0 : 1);
         if (index > 0) index = 0;
     }
-    first = 0;
     if (elements.size() > keptElements) {
         elements.resize(growthStep + 1);
         elements.shrink_to_fit();
     }
-    elements.front() = working;
+    first = working = elements.data();
+    *working = element;
 }
 
 }  // namespace vemrado

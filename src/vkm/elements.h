@@ -37,6 +37,7 @@ struct CVKMLineElement {
     double valueU = 0;       // U
 };
 static_assert(std::is_trivially_copyable_v<CVKMLineElement>);
+inline constexpr CVKMLineElement defaultLineElement;
 
 // The elements of one line, and behind them the element being read: it becomes the line's next element where
 // it stands.
@@ -46,10 +47,13 @@ class CVKMLineElements {
     // Room that is kept from line to line; a longer line's is given back with its elements.
     static constexpr size_t keptElements = 4096;
 
-    CVKMLineElements() : elements(growthStep + 1), count(growthStep) {}
+    // Default elements that no line has given yet.
+    CVKMLineElements() : elements(growthStep + 1), first(elements.data()), working(first + growthStep) {}
+    CVKMLineElements(const CVKMLineElements&) = delete;
+    CVKMLineElements& operator=(const CVKMLineElements&) = delete;
 
-    size_t Count() const { return count; }
-    const CVKMLineElement& operator[](size_t index) const { return elements[first + index]; }
+    size_t Count() const { return static_cast<size_t>(working - first); }
+    const CVKMLineElement& operator[](size_t index) const { return first[index]; }
     // The code of one of the elements, zero-terminated.
     const char* CodeOf(const CVKMLineElement& element) const {
         const int32_t index = element.code.longCode;
@@ -57,40 +61,40 @@ class CVKMLineElements {
     }
 
     // The element being read. Its values are left over from earlier until it is reset.
-    CVKMLineElement& Working() { return elements[first + count]; }
+    CVKMLineElement& Working() { return *working; }
+    // platform::searchSlack characters from the value's start must be readable.
     void SetWorkingCode(std::string_view value) {
-        CVKMCode& code = Working().code;
         if (value.size() > CVKMCode::mostCharacters) [[unlikely]] {
-            longCodes.emplace_back(value);
-            code.longCode = static_cast<int32_t>(longCodes.size() - 1);
+            SetLongCode(value);
             return;
         }
-        code = CVKMCode();
-        std::memcpy(code.text, value.data(), value.size());
+        std::memcpy(working->code.text, value.data(), sizeof working->code.text);
+        working->code.text[value.size()] = 0;
+        working->code.longCode = -1;
     }
 
     // Makes the element being read the line's last one.
     void Append() {
-        if (first + count + 1 == elements.size()) [[unlikely]]
+        if (working == &elements.back()) [[unlikely]]
             Grow();
-        ++count;
+        ++working;
     }
 
     // Removes every element but the one being read.
     void Clear() {
-        first += count;
-        count = 0;
-        if (first >= growthStep || !longCodes.empty()) [[unlikely]]
+        first = working;
+        if (first >= elements.data() + growthStep || !longCodes.empty()) [[unlikely]]
             MoveWorkingToStart();
     }
 
   private:
+    void SetLongCode(std::string_view value);
     void Grow();
     void MoveWorkingToStart();
 
     Array<CVKMLineElement> elements;
-    size_t first = 0;  // index of the line's first element
-    size_t count;
+    CVKMLineElement* first;    // the line's first element
+    CVKMLineElement* working;  // behind its last
     Array<String> longCodes;
 };
 

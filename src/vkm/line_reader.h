@@ -6,6 +6,8 @@
 #include <string_view>
 
 #include "platform/text_file.h"
+#include "vkm/line_scan.h"
+#include "vkm/tokenizer.h"
 
 namespace vemrado {
 
@@ -25,13 +27,12 @@ class CVKMLineReader {
     static constexpr size_t lineLimit = 1024;
     static constexpr uint32_t linesPerProgressStep = 50;
 
-    LineResult ReadLine(std::string_view& line) {
-        bool hadLineFeed;
-        const platform::ReadResult result = inputFile.ReadLine(lineLimit, line, hadLineFeed);
-        if (result != platform::ReadResult::line) [[unlikely]] {
-            return result == platform::ReadResult::end ? LineResult::end : LineResult::error;
+    LineResult ReadLine(CVKMTokenizer& line) {
+        if (!TakeShortLine(line)) [[unlikely]] {
+            const AnyLine any = TakeAnyLine();
+            if (any.result != LineResult::line) return any.result;
+            line = any.line;
         }
-        bytesRead += static_cast<uint32_t>(line.size()) + (hadLineFeed ? 2 : 1);
         if (++linesToStep == linesPerProgressStep) [[unlikely]] {
             linesToStep = 0;
             linesBefore += linesPerProgressStep;
@@ -47,6 +48,28 @@ class CVKMLineReader {
     uint32_t bytesRead = 0;  // by lines, with a count of 1 for each line beside its line feed; wraps
 
   private:
+    // A whole line that stands in the buffer and is short enough for one scan; false for any other.
+    bool TakeShortLine(CVKMTokenizer& line) {
+        const std::string_view ahead = inputFile.Ahead();
+        if (ahead.empty()) return false;
+        const LineScan scan = ScanLine(ahead.data());
+        const auto lineEnd =
+            static_cast<size_t>(__builtin_ctzll(scan.lineFeeds | uint64_t{1} << scannedCharacters));
+        if (lineEnd >= scannedCharacters || lineEnd >= ahead.size()) return false;
+        const size_t length = lineEnd - (lineEnd > 0 && ahead[lineEnd - 1] == '\r' ? 1 : 0);
+        line = CVKMTokenizer(ahead.data(), length, scan.fields & LowBits(length));
+        inputFile.Take(lineEnd + 1);
+        bytesRead += static_cast<uint32_t>(length) + 2;
+        return true;
+    }
+
+    // By value, so that the tokenizer of a short line stays in registers.
+    struct AnyLine {
+        LineResult result;
+        CVKMTokenizer line;
+    };
+    AnyLine TakeAnyLine();
+
     ProgressStep progressStep;
     void* progressContext;
     uint32_t linesBefore = 0;  // a multiple of linesPerProgressStep

@@ -3,8 +3,7 @@
 #include <cstdio>
 #include <cstring>
 
-#include "support/numbers.h"
-#include "vkm/coordinates.h"
+#include "vkm/line_element.h"
 
 namespace vemrado {
 
@@ -34,35 +33,18 @@ struct LayerTextDefault {
 
 constexpr LayerTextDefault layerTextDefaults[] = {{2, 18, 1, 1.7}, {8, 1016, 2, 1.7}};
 
-double NextReal(CVKMTokenizer& line) {
-    const Field field = line.NextToken();
-    return IsNone(field) ? 0.0 : ParseReal(field);
-}
-
 int32_t NextInteger(CVKMTokenizer& line) {
     const Field field = line.NextToken();
     return IsNone(field) ? 0 : ParseInteger(field);
 }
 
-// The file gives the second coordinate first.
-template <class Element>
-void ReadPoint(const CVKMReaderState& state, CVKMTokenizer& line, Element& point) {
-    point.y = NextReal(line);
-    point.x = NextReal(line);
-    if (state.relativeCoordinates != 0) {
-        point.x += state.originX;
-        point.y += state.originY;
-    }
-    ApplyAxisOrientation(point.x, point.y, state.axisOrientation);
-}
-
-void ParseV(CVKMReaderState& state, CVKMTokenizer& line) {
+void ParseV(CVKMReaderState& state, CVKMTokenizer line) {
     line.NextToken();
     state.originY = NextReal(line);
     state.originX = NextReal(line);
 }
 
-void ParseR(CVKMReaderState& state, CVKMTokenizer& line) {
+void ParseR(CVKMReaderState& state, CVKMTokenizer line) {
     for (int i = 0; i < 4; ++i) line.NextToken();
     const Field scale = line.NextToken();
     state.mapScale = IsNone(scale) ? 1000.0 : ParseReal(scale);
@@ -71,16 +53,20 @@ void ParseR(CVKMReaderState& state, CVKMTokenizer& line) {
     state.relativeCoordinates = !IsNone(coordinates) && (coordinates[0] == 'R' || coordinates[0] == 'r');
 }
 
-void ParseU(CVKMReaderState& state, CVKMTokenizer& line) {
+void ParseU(CVKMReaderState& state, CVKMTokenizer line) {
     state.layerNumber = NextInteger(line);
     char decimal[16];
     std::snprintf(decimal, sizeof decimal, "%d", static_cast<int>(state.layerNumber));
     std::memcpy(state.layerText, decimal, 2);
 }
 
-void ParseL(CVKMReaderState& state, CVKMTokenizer& line, bool start) {
+void ParseL(CVKMReaderState& state, CVKMTokenizer line, bool start) {
     const Field type = line.NextToken();
-    ParseLineElement(state, line, IsNone(type) ? uint32_t{typeNone} : ElementType(type), start);
+    if (start) {
+        StartLineElement(state, line, IsNone(type) ? uint32_t{typeNone} : ElementType(type));
+    } else {
+        ContinueLineElement(state, line);
+    }
 }
 
 void ApplyTextDefaults(CVKMText& text, int32_t layer) {
@@ -103,39 +89,7 @@ void ApplyTextDefaults(CVKMText& text, int32_t layer) {
 
 }  // namespace
 
-void ParseLineElement(CVKMReaderState& state, CVKMTokenizer& line, uint32_t type, bool start) {
-    CVKMLineElement& element = state.lineElements.Working();
-    if (start || state.elementPending == 0) element = CVKMLineElement();
-    if (start) {
-        element.type = type;
-        ReadPoint(state, line, element);
-    }
-    char key = 0;
-    for (Field value; !IsNone(value = line.NextKeyValue(lineKey, key));) {
-        switch (key) {
-            case 'K':
-                state.lineElements.SetWorkingCode(value);
-                break;
-            case 'M':
-                element.valueM = ParseReal(value);
-                break;
-            case 'R':
-                element.valueR = ParseReal(value);
-                break;
-            case 'S':
-                element.symbolCode = ParseInteger(value);
-                break;
-            case 'U':
-                element.valueU = ParseReal(value);
-                break;
-            default:
-                break;  // X is reserved
-        }
-    }
-    state.elementPending = 1;
-}
-
-void ParseT(CVKMReaderState& state, CVKMTokenizer& line, bool start) {
+void ParseT(CVKMReaderState& state, CVKMTokenizer line, bool start) {
     CVKMText& text = state.workingText;
     if (start) {
         text = CVKMText();
@@ -153,13 +107,13 @@ void ParseT(CVKMReaderState& state, CVKMTokenizer& line, bool start) {
                 text.valueF = ParseInteger(value);
                 break;
             case 'H':
-                text.valueH = ParseReal(value);
+                text.valueH = ParseBufferedReal(value);
                 break;
             case 'K':
                 text.code = ParseInteger(value);
                 break;
             case 'U':
-                text.valueU = ParseReal(value);
+                text.valueU = ParseBufferedReal(value);
                 break;
             default:
                 break;  // X is reserved
@@ -169,7 +123,7 @@ void ParseT(CVKMReaderState& state, CVKMTokenizer& line, bool start) {
     state.textPending = 1;
 }
 
-void DispatchRecord(CVKMReaderState& state, CVKMTokenizer& line, uint32_t letter, bool start) {
+void DispatchRecord(CVKMReaderState& state, CVKMTokenizer line, uint32_t letter, bool start) {
     switch (letter) {
         case 'V':
             ParseV(state, line);

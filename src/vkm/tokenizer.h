@@ -11,7 +11,7 @@
 #include <string_view>
 
 #include "vkm/characters.h"
-#include "vkm/field_mask.h"
+#include "vkm/line_scan.h"
 
 namespace vemrado {
 
@@ -34,6 +34,12 @@ inline uint32_t ClassifyRecord(Field field) {
 
 class CVKMTokenizer {
   public:
+    CVKMTokenizer() = default;
+
+    // A line of at most scannedCharacters whose fields are known.
+    CVKMTokenizer(const char* line, size_t length, uint64_t fieldsOfLine)
+        : cursor(line), end(line + length), seenEnd(end), fields(fieldsOfLine) {}
+
     explicit CVKMTokenizer(std::string_view line) : cursor(line.data()), end(line.data() + line.size()) {
         Look();
     }
@@ -84,11 +90,19 @@ class CVKMTokenizer {
 
   private:
     // Marks the fields among the characters from the cursor on.
-    void Look() {
+    void Look() { *this = Looked(*this); }
+
+    // By value, so that the tokenizer of a short line stays in registers.
+    [[gnu::noinline]] static CVKMTokenizer Looked(CVKMTokenizer line) {
+        line.MarkFields();
+        return line;
+    }
+
+    void MarkFields() {
         const auto left = static_cast<size_t>(end - cursor);
-        const size_t seen = left < fieldMaskSize ? left : fieldMaskSize;
+        const size_t seen = left < scannedCharacters ? left : scannedCharacters;
         seenEnd = cursor + seen;
-        fields = FieldMask(cursor) & ((uint64_t{1} << seen) - 1);
+        fields = ScanLine(cursor).fields & LowBits(seen);
     }
 
     void Step() {
@@ -119,10 +133,10 @@ class CVKMTokenizer {
         }
     }
 
-    const char* cursor;
-    const char* end;
-    const char* seenEnd;  // end of the characters that the mask tells of
-    uint64_t fields;      // bit i: cursor[i] belongs to a field
+    const char* cursor = nullptr;
+    const char* end = nullptr;
+    const char* seenEnd = nullptr;  // end of the characters that the mask tells of
+    uint64_t fields = 0;            // bit i: cursor[i] belongs to a field
 };
 
 }  // namespace vemrado

@@ -1,0 +1,84 @@
+// The point that opens every element, and the line element itself: what most lines of a file hold, and so
+// inline.
+
+#pragma once
+
+#include "support/numbers.h"
+#include "vkm/coordinates.h"
+#include "vkm/reader_state.h"
+#include "vkm/tokenizer.h"
+
+namespace vemrado {
+
+// The type of a line element as the first character of its field says.
+inline uint32_t ElementType(Field field) {
+    return Is(field[0], elementType) ? static_cast<unsigned char>(field[0]) : uint32_t{typeUnknown};
+}
+
+// The next field as a number, 0 when there is none.
+[[gnu::always_inline]] inline double NextReal(CVKMTokenizer& line) {
+    const Field field = line.NextToken();
+    return IsNone(field) ? 0.0 : ParseBufferedReal(field);
+}
+
+// The file gives the second coordinate first.
+template <class Element>
+[[gnu::always_inline]] inline void ReadPoint(const CVKMReaderState& state, CVKMTokenizer& line,
+                                             Element& point) {
+    double y = NextReal(line);
+    double x = NextReal(line);
+    if (state.relativeCoordinates != 0) {
+        x += state.originX;
+        y += state.originY;
+    }
+    ApplyAxisOrientation(x, y, state.axisOrientation);
+    point.x = x;
+    point.y = y;
+}
+
+// The key fields of the rest of the line, for the line element being read.
+[[gnu::always_inline]] inline void ReadLineKeys(CVKMReaderState& state, CVKMTokenizer& line) {
+    CVKMLineElement& element = state.lineElements.Working();
+    char key = 0;
+    for (Field value; !IsNone(value = line.NextKeyValue(lineKey, key));) {
+        switch (key) {
+            case 'K':
+                state.lineElements.SetWorkingCode(value);
+                break;
+            case 'M':
+                element.valueM = ParseBufferedReal(value);
+                break;
+            case 'R':
+                element.valueR = ParseBufferedReal(value);
+                break;
+            case 'S':
+                element.symbolCode = ParseInteger(value);
+                break;
+            case 'U':
+                element.valueU = ParseBufferedReal(value);
+                break;
+            default:
+                break;  // X is reserved
+        }
+    }
+}
+
+// A new line element of a type with its point and key fields.
+[[gnu::always_inline]] inline void StartLineElement(CVKMReaderState& state, CVKMTokenizer& line,
+                                                    uint32_t type) {
+    CVKMLineElement& element = state.lineElements.Working();
+    element = defaultLineElement;
+    element.type = type;
+    ReadPoint(state, line, element);
+    ReadLineKeys(state, line);
+    state.elementPending = 1;
+}
+
+// More key fields for the line element being read; when there is none, for a new one without type and point.
+inline void ContinueLineElement(CVKMReaderState& state, CVKMTokenizer line) {
+    if (state.elementPending == 0) state.lineElements.Working() = defaultLineElement;
+    ReadLineKeys(state, line);
+    state.elementPending = 1;
+}
+
+}  // namespace vemrado
