@@ -23,8 +23,8 @@ class Folder {
   public:
     Folder() {
         const auto* info = testing::UnitTest::GetInstance()->current_test_info();
-        path = std::filesystem::temp_directory_path() /
-               (std::string("vemrado-") + info->name() + "-" + std::to_string(GetCurrentProcessId()));
+        const std::string name = "vemrado-" + std::to_string(GetCurrentProcessId()) + "-" + info->name();
+        path = (std::filesystem::temp_directory_path() / name).string();
         std::filesystem::create_directories(path);
     }
     Folder(const Folder&) = delete;
@@ -34,14 +34,15 @@ class Folder {
         std::filesystem::remove_all(path, ignored);
     }
 
-    std::string Path(const std::string& name) const { return (path / name).string(); }
+    // Names are in the system's code page.
+    std::string Path(const std::string& name) const { return path + "\\" + name; }
     std::string Write(const std::string& name, const std::string& text) const {
-        std::ofstream(path / name, std::ios::binary) << text;
+        std::ofstream(Path(name), std::ios::binary) << text;
         return Path(name);
     }
 
   private:
-    std::filesystem::path path;
+    std::string path;
 };
 
 // Takes the module's message boxes while it lives.
@@ -86,7 +87,7 @@ struct RunResult {
 };
 
 // Runs a program to its end.
-inline RunResult Run(const Folder& folder, const std::string& commandLine) {
+inline RunResult RunProgram(const Folder& folder, const std::string& commandLine) {
     const std::string outputName = folder.Path("output.txt");
     SECURITY_ATTRIBUTES inherited = {sizeof(SECURITY_ATTRIBUTES), nullptr, TRUE};
     const HANDLE output = CreateFileA(outputName.c_str(), GENERIC_WRITE, FILE_SHARE_READ, &inherited,

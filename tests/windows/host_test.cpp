@@ -204,7 +204,9 @@ TEST(WindowsExceptions, AFailedReadNamesItsFile) {
     FrameworkSetFileProvider(nullptr);
 }
 
-TEST(ProgressWindow, AStopEndsTheReadingUntilTheNextCall) {
+TEST(ProgressWindow, TheKeyboardsInterruptStopsTheReading) {
+    FreeConsole();
+    ASSERT_TRUE(AllocConsole()) << GetLastError();
     const Folder folder;
     const Importer vkm;
     ASSERT_EQ(vkm.Open(folder.Write("map.vkm", MapOfLines(20000))), 1);
@@ -247,7 +249,7 @@ TEST(ForeignHost, ImportsLikeThisOne) {
         ASSERT_EQ(expected.opened, 1);
         ASSERT_GT(expected.elements, 0);
         for (const char* host : {"foreign_host.exe", "foreign_host_public.exe"}) {
-            const RunResult run = Run(folder, Beside(host) + " " + sample);
+            const RunResult run = RunProgram(folder, Beside(host) + " " + sample);
             EXPECT_EQ(run.exitCode, 0u) << host;
             EXPECT_EQ(run.output,
                       std::to_string(expected.elements) + " " + std::to_string(expected.hash) + " ");

@@ -38,7 +38,8 @@ void AddLine(ImportDigest& digest, Interface* vkm) {
         digest.Add(vkm->GetElementSymbolPlacement(i, &valueU, &valueM, &byGPScale));
         digest.Add(vkm->GetElementLineStyle(i, &colour, &pattern));
         digest.Add(vkm->GetElementType(i));
-        for (double value : {point[0], point[1], point[2], valueR, valueU, valueM}) digest.Add(value);
+        const double values[] = {point[0], point[1], point[2], valueR, valueU, valueM};
+        for (double value : values) digest.Add(value);
         digest.Add(byGPScale);
         digest.Add(colour);
         digest.Add(pattern);
@@ -53,7 +54,8 @@ void AddText(ImportDigest& digest, Interface* vkm) {
     vkm->GetTextPoint(point);
     vkm->GetTextAttributes(&valueD, &valueF, &scaledH, &valueU);
     digest.Add(vkm->GetText());
-    for (double value : {point[0], point[1], point[2], scaledH, valueU}) digest.Add(value);
+    const double values[] = {point[0], point[1], point[2], scaledH, valueU};
+    for (double value : values) digest.Add(value);
     digest.Add(valueD);
     digest.Add(valueF);
 }
@@ -87,7 +89,8 @@ ImportDigest Import(Interface* vkm, const char* file) {
     }
     double point[3] = {1, 2, 3};
     vkm->TransformPoint(point);
-    for (double value : {point[0], point[1], point[2], vkm->GetScale()}) digest.Add(value);
+    const double values[] = {point[0], point[1], point[2], vkm->GetScale()};
+    for (double value : values) digest.Add(value);
     vkm->Close();
     return digest;
 }
