@@ -22,8 +22,8 @@ if(NOT WIN32)
 endif()
 
 add_compile_options(-Wall -Wextra -Wpedantic -Wconversion -Wshadow)
-if(MINGW)
-  # GCC 12 warns of its own std::string there, which it compiles into every caller.
+if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND CMAKE_CXX_COMPILER_VERSION VERSION_LESS 13)
+  # GCC 12 warns of its own std::string wherever that is compiled into the caller.
   add_compile_options(-Wno-restrict)
 endif()
 
