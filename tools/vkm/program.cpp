@@ -42,6 +42,7 @@ Program::Program()
     app.set_version_flag("--version", std::string(programName) + " " + VEMRADO_VERSION,
                          "Print the version and exit");
     app.set_help_flag("-h,--help", "Print this help and exit");
+    app.allow_windows_style_options(false);  // "/data/map.vkm" is a file there too
     app.require_subcommand(1);
     app.get_formatter()->column_width(28);
     app.get_formatter()->label("SUBCOMMAND", "COMMAND");
