@@ -93,8 +93,10 @@ def run(command, name, folder):
 
 def main():
     divider = sys.argv.index("--")
-    linux, data = [sys.argv[1]], pathlib.Path(sys.argv[2])
+    linux, data = [os.path.abspath(sys.argv[1])], pathlib.Path(sys.argv[2])
     windows = sys.argv[divider + 1:]
+    if not os.access(linux[0], os.X_OK):
+        sys.exit(f"{linux[0]} is not there: build the release preset first")
     chance = random.Random(20)
     with tempfile.TemporaryDirectory() as folder:
         names = []
