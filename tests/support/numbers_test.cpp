@@ -5,10 +5,13 @@
 #include <bit>
 #include <climits>
 #include <clocale>
+#include <cmath>
 #include <cstdlib>
 #include <memory>
 #include <random>
 #include <string>
+
+#include "c_library.h"
 
 namespace vemrado {
 namespace {
@@ -27,9 +30,12 @@ class Exact {
 };
 
 void ExpectSameReal(const std::string& text) {
-    const double expected = std::strtod(text.c_str(), nullptr);
+    const double expected = StandardStrtod(text.c_str());
     const double actual = ParseReal(Exact(text).View());
     if (std::bit_cast<uint64_t>(actual) == std::bit_cast<uint64_t>(expected)) return;
+#if defined(_WIN32)
+    if (std::isnan(actual) && std::isnan(expected)) return;  // that library makes other low bits of nan(123)
+#endif
     ADD_FAILURE() << '"' << text << "\" gave " << actual << " and not " << expected;
 }
 

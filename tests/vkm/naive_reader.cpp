@@ -4,6 +4,8 @@
 #include <cstdlib>
 #include <cstring>
 
+#include "c_library.h"
+
 namespace vemrado_test {
 
 namespace {
@@ -106,7 +108,7 @@ struct Splitter {
 };
 
 double Real(const char* field) {
-    return field ? std::strtod(field, nullptr) : 0;
+    return field ? StandardStrtod(field) : 0;
 }
 
 int Integer(const char* field) {
