@@ -129,14 +129,14 @@ struct Value {
 
 // The next byte of a list that may run over several lines; false at its end.
 bool TakeByte(Cursor& cursor, uint8_t& byte) {
-    while (true) {
-        cursor.SkipBlanks();
-        if (cursor.TakeContinuation() || cursor.Take(',')) continue;
-        uint32_t number = 0;
-        if (!cursor.TakeHexNumber(number) || number > 0xFF) return false;
-        byte = static_cast<uint8_t>(number);
-        return true;
-    }
+    cursor.SkipBlanks();
+    while (cursor.TakeContinuation() || cursor.Take(',')) cursor.SkipBlanks();
+    Cursor ahead = cursor;
+    uint32_t number = 0;
+    if (!ahead.TakeHexNumber(number) || number > 0xFF) return false;
+    byte = static_cast<uint8_t>(number);
+    cursor = ahead;
+    return true;
 }
 
 // hex:aa,bb or hex(7):aa,bb after the word.

@@ -211,9 +211,10 @@ TEST(NumbersTest, ReadsIntegersAsTheCLibraryDoes) {
 class RandomText {
   public:
     std::string Coordinate() {
-        std::string text = Chance(2) ? "-" : "";
+        std::string text(Below(2), '-');
         text += Digits(1 + Below(9));
-        if (!Chance(5)) text += "." + Digits(Below(10));
+        if (!Chance(5)) text += '.';
+        if (text.back() == '.') text += Digits(Below(10));
         return text;
     }
 
@@ -241,9 +242,13 @@ class RandomText {
     // Not among the denormal numbers, some of which older C libraries round wrongly.
     std::string Hex() {
         std::string text = "0x";
-        for (uint32_t length = 1 + Below(20); length != 0; --length) text += "0123456789abcdef"[Below(16)];
-        text.insert(2 + Below(static_cast<uint32_t>(text.size()) - 2), ".");
-        return text + (Chance(3) ? "" : "p-" + std::to_string(800 + Below(130)));
+        const uint32_t length = 1 + Below(20);
+        const uint32_t stop = Below(length);
+        for (uint32_t index = 0; index < length; ++index) {
+            if (index == stop) text += '.';
+            text += "0123456789abcdef"[Below(16)];
+        }
+        return text.append(Chance(3) ? "" : "p-").append(std::to_string(800 + Below(130)));
     }
 
     uint32_t Below(size_t limit) { return static_cast<uint32_t>(random() % limit); }
