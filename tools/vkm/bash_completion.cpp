@@ -1,6 +1,7 @@
 #include <string>
 #include <vector>
 
+#include "help_format.h"
 #include "manual.h"
 #include "program.h"
 
@@ -35,8 +36,7 @@ std::string OptionWords(const CLI::App& app) {
 std::string ValueCompletion(const Program& program, const CLI::Option& option) {
     const std::vector<std::string>& choices = program.Choices(option);
     if (!choices.empty()) return "COMPREPLY=($(compgen -W '" + Joined(choices, " ") + "' -- \"$current\"))";
-    if (option.get_type_name() == "DIR")
-        return "compopt -o filenames; COMPREPLY=($(compgen -d -- \"$current\"))";
+    if (ValueName(option) == "DIR") return "compopt -o filenames; COMPREPLY=($(compgen -d -- \"$current\"))";
     return "compopt -o filenames; COMPREPLY=($(compgen -f -- \"$current\"))";
 }
 

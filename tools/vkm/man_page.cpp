@@ -1,6 +1,7 @@
 #include <string>
 #include <string_view>
 
+#include "help_format.h"
 #include "manual.h"
 #include "program.h"
 
@@ -46,16 +47,13 @@ std::string OptionHeading(const CLI::Option& option) {
     if (option.get_positional()) add(option.get_name(true));
     for (const std::string& name : option.get_snames()) add("-" + name);
     for (const std::string& name : option.get_lnames()) add("--" + name);
-    if (!option.get_positional() && !option.get_type_name().empty() && option.get_items_expected_max() > 0) {
-        heading += " \\fI" + Escaped(option.get_type_name()) + "\\fR";
-    }
+    const std::string value = option.get_positional() ? std::string() : ValueName(option);
+    if (!value.empty()) heading += " \\fI" + Escaped(value) + "\\fR";
     return heading;
 }
 
 std::string OptionText(const CLI::Option& option) {
-    std::string text = ".TP\n" + OptionHeading(option) + '\n' + Escaped(option.get_description());
-    if (!option.get_default_str().empty()) text += " (default: " + Escaped(option.get_default_str()) + ")";
-    return text + ".\n";
+    return ".TP\n" + OptionHeading(option) + '\n' + Escaped(OptionDescription(option)) + ".\n";
 }
 
 std::string OptionsOf(const CLI::App& app) {

@@ -1,12 +1,14 @@
 #include "program.h"
 
 #include <exception>
+#include <memory>
 #include <new>
 #include <utility>
 
 #include "client/data_directory.h"
 #include "client/message_boxes.h"
 #include "client/system.h"
+#include "help_format.h"
 #include "zrvDX320/zrvDX320.h"
 
 namespace vemrado::tools {
@@ -44,15 +46,13 @@ Program::Program()
     app.set_help_flag("-h,--help", "Print this help and exit");
     app.allow_windows_style_options(false);  // "/data/map.vkm" is a file there too
     app.require_subcommand(1);
-    app.get_formatter()->column_width(28);
-    app.get_formatter()->label("SUBCOMMAND", "COMMAND");
-    app.get_formatter()->label("Subcommands", "Commands");
-    app.get_formatter()->label("Positionals", "Arguments");
+    app.formatter(std::make_shared<HelpFormat>());
     app.footer("'vkm COMMAND --help' explains a command and gives examples.");
 }
 
 CLI::App& Program::Add(const CommandText& text, CommandRun run) {
-    CLI::App* command = app.add_subcommand(std::string(text.name), std::string(text.summary));
+    CLI::App* command =
+        app.add_subcommand(std::string(text.name), std::string(text.summary))->group("Commands");
     command->add_flag("-q,--quiet", environment.quiet, "No progress bar and no warnings, errors only");
     constexpr const char* dataText =
         "Directory that holds VKMSym, the symbology\n(default: the sample symbology of this program)";

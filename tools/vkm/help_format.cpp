@@ -1,0 +1,33 @@
+#include "help_format.h"
+
+namespace vemrado::tools {
+
+std::string ValueName(const CLI::Option& option) {
+    if (option.get_items_expected_max() == 0) return {};
+    const std::string name = option.get_type_name();
+    return name.substr(0, name.find(':'));
+}
+
+std::string OptionDescription(const CLI::Option& option) {
+    const std::string& preset = option.get_default_str();
+    return option.get_description() + (preset.empty() ? "" : " (default: " + preset + ")");
+}
+
+HelpFormat::HelpFormat() {
+    constexpr size_t descriptionColumn = 28;
+    column_width(descriptionColumn);
+    label("SUBCOMMAND", "COMMAND");
+    label("Positionals", "Arguments");
+}
+
+std::string HelpFormat::make_option_opts(const CLI::Option* option) const {
+    if (option->get_positional()) return {};
+    const std::string name = ValueName(*option);
+    return name.empty() ? name : ' ' + name;
+}
+
+std::string HelpFormat::make_option_desc(const CLI::Option* option) const {
+    return OptionDescription(*option);
+}
+
+}  // namespace vemrado::tools
