@@ -128,11 +128,13 @@ void AddRenderCommand(Program& program) {
         ->type_name("TEXT");
     command.add_option("--layers", options->layers, "Draw only these layers, by number")
         ->type_name("N,...")
-        ->delimiter(',');
+        ->delimiter(',')
+        ->allow_extra_args(false);
     command.add_option("--bbox", options->box, "Draw only this box, in coordinates of the picture")
         ->type_name("X,Y,X,Y")
         ->delimiter(',')
-        ->expected(4);
+        ->expected(4)
+        ->allow_extra_args(false);
     command.add_flag("--no-symbols", options->noSymbols, "Leave the symbols out");
     AddAngleUnitOption(program, command, options->scene.angleUnit);
     AddOrientationOption(program, command, options->axisOrientation);
