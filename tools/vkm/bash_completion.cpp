@@ -40,6 +40,21 @@ std::string ValueCompletion(const Program& program, const CLI::Option& option) {
     return "compopt -o filenames; COMPREPLY=($(compgen -f -- \"$current\"))";
 }
 
+// What completes arguments by their place, such as the action of a command with several.
+std::string ArgumentChoices(const Program& program, const CLI::App& command) {
+    std::string text;
+    int place = 2;
+    for (const CLI::Option* option : command.get_options()) {
+        if (!option->get_positional()) continue;
+        if (!program.Choices(*option).empty()) {
+            text += "      if [ \"$COMP_CWORD\" -eq " + std::to_string(place) + " ]; then " +
+                    ValueCompletion(program, *option) + "; return; fi\n";
+        }
+        ++place;
+    }
+    return text;
+}
+
 std::string CommandCase(const Program& program, const Command& command) {
     std::string text = "    " + std::string(command.text.name) + ")\n      case \"$previous\" in\n";
     for (const CLI::Option* option : command.options->get_options()) {
@@ -47,7 +62,8 @@ std::string CommandCase(const Program& program, const Command& command) {
         text += "        " + Joined(NamesOf(*option), "|") + ") " + ValueCompletion(program, *option) +
                 "; return ;;\n";
     }
-    return text + "      esac\n      options='" + OptionWords(*command.options) + "' ;;\n";
+    text += "      esac\n" + ArgumentChoices(program, *command.options);
+    return text + "      options='" + OptionWords(*command.options) + "' ;;\n";
 }
 
 }  // namespace

@@ -70,7 +70,8 @@ std::string Synopsis(const Command& command) {
     std::string text = ".B vkm " + Escaped(command.text.name) + "\n[\\fIOPTION\\fR]...";
     for (const CLI::Option* option : command.options->get_options()) {
         if (!option->get_positional()) continue;
-        text += " \\fI" + Escaped(option->get_name(true)) + "\\fR";
+        const std::string name = "\\fI" + Escaped(option->get_name(true)) + "\\fR";
+        text += option->get_required() ? ' ' + name : " [" + name + ']';
         if (option->get_items_expected_max() > 1) text += "...";
     }
     return text + "\n.br\n";
