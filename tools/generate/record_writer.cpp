@@ -202,7 +202,7 @@ void RecordWriter::Element(const DrawnElement& element) {
     if (element.startsLine) {
         StartRecord('L');
     } else {
-        if (form_ == RecordForm::odd && random_.Chance(0.06)) Oddity();
+        if (form_ == RecordForm::odd && random_.Chance(0.06) && !afterFirstElement_) Oddity();
     }
     Separator();
     out_ += element.type;
@@ -212,11 +212,12 @@ void RecordWriter::Element(const DrawnElement& element) {
     if (keys.code != 0) Key('K', keys.code);
     if (keys.symbol != 0) Key('S', keys.symbol);
     const bool hasMore = keys.scaleHundredths != 100 || keys.gonsHundredths != 0;
-    if (hasMore && random_.Chance(form_ == RecordForm::odd ? 0.5 : 0.15)) Continue();
+    if (hasMore && random_.Chance(form_ == RecordForm::odd ? 0.5 : 0.15) && !element.startsLine) Continue();
     if (keys.scaleHundredths != 100) KeyDecimal('M', keys.scaleHundredths, 2);
     if (keys.gonsHundredths != 0) KeyDecimal('U', keys.gonsHundredths, 2);
     if (keys.radiusHundredths != 0) KeyDecimal('R', keys.radiusHundredths, 2);
-    EndLine();
+    EndLine(element.startsLine ? Ending::shortLine : Ending::any);
+    afterFirstElement_ = element.startsLine;
 }
 
 void RecordWriter::Text(const DrawnText& text) {
