@@ -115,16 +115,17 @@ void SceneBuilder::AddLine(const client::LineElement& line) {
     uint32_t style = unstyled;
     int position = 0;
     for (const client::ElementVertex& vertex : line.vertices) {
+        const int current = position++;
+        if (vertex.type == 0) continue;  // without a type letter an element has no point
         // An element without a code goes on with the line type of the element before it.
-        if (!vertex.code.empty()) style = LineStyleOf(position, vertex.code);
+        if (!vertex.code.empty()) style = LineStyleOf(current, vertex.code);
         if (IsPlace(vertex.point)) {
             AddStep(*layer, vertex, vertex.type == 'P', style);
-            if (vertex.symbolCode != 0 && options.symbols) AddSymbol(*layer, position, vertex, style);
+            if (vertex.symbolCode != 0 && options.symbols) AddSymbol(*layer, current, vertex, style);
         } else {
             EndStroke(*layer);
             ++scene.skipped.points;
         }
-        ++position;
     }
     EndStroke(*layer);
 }
