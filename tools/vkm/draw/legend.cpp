@@ -8,12 +8,14 @@
 namespace vemrado::draw {
 namespace {
 
-constexpr double columnWidth = 66;  // mm
+constexpr double columnWidth = 66;  // mm, times the sheet's size, as what follows
 constexpr double sampleWidth = 16;
 constexpr double headingHeight = 9;
 constexpr double rowHeight = 5.5;
-constexpr double tallestSymbol = 9;  // higher ones are drawn smaller
+constexpr double tallestSymbol = 9;  // mm; higher ones are drawn smaller
 constexpr double gap = 3;
+constexpr double headingText = 2.6;
+constexpr double nameText = 1.9;
 
 const Pen& Ink() {
     static const Pen pen = [] {
@@ -73,11 +75,11 @@ void Legend::AddLineTypes(const client::SymbologyIndex& index) {
     }
     if (used.empty() && !other) return;
     std::ranges::sort(used, {}, &LineStyle::code);
-    rows.push_back({HostWords().lineTypes, nullptr, nullptr, headingHeight});
+    rows.push_back({HostWords().lineTypes, nullptr, nullptr});
     for (const LineStyle* style : used) {
-        rows.push_back({NameOf(index.FindLine(style->code), style->code), &style->pen, nullptr, rowHeight});
+        rows.push_back({NameOf(index.FindLine(style->code), style->code), &style->pen, nullptr});
     }
-    if (other) rows.push_back({HostWords().otherLines, other, nullptr, rowHeight});
+    if (other) rows.push_back({HostWords().otherLines, other, nullptr});
 }
 
 void Legend::AddSymbols(const client::SymbologyIndex& index) {
@@ -85,15 +87,20 @@ void Legend::AddSymbols(const client::SymbologyIndex& index) {
     for (const uint32_t number : UsedSymbolStyles(scene)) used.push_back(&scene.symbolStyles[number]);
     if (used.empty()) return;
     std::ranges::sort(used, {}, &SymbolStyle::code);
-    rows.push_back({HostWords().symbols, nullptr, nullptr, headingHeight});
+    rows.push_back({HostWords().symbols, nullptr, nullptr});
     for (const SymbolStyle* style : used) {
-        const double drawn = style->shape.bounds.Height() * LegendScale(style->shape) + 1.5;
-        rows.push_back({NameOf(index.FindSymbol(style->code), style->code), nullptr, &style->shape,
-                        std::max(rowHeight, drawn)});
+        rows.push_back({NameOf(index.FindSymbol(style->code), style->code), nullptr, &style->shape});
     }
 }
 
-void Legend::LayOut(double available) {
+double Legend::RowHeight(const Row& row) const {
+    if (!row.pen && !row.shape) return headingHeight * size;
+    const double drawn = row.shape ? row.shape->bounds.Height() * LegendScale(*row.shape) + 1.5 : 0;
+    return std::max(rowHeight * size, drawn);
+}
+
+void Legend::LayOut(double available, double sheetSize) {
+    size = sheetSize;
     columns = 1;
     height = 0;
     double y = 0;
@@ -101,20 +108,20 @@ void Legend::LayOut(double available) {
         Row& row = rows[i];
         // A heading does not stand alone at the foot of a column.
         const bool heading = !row.pen && !row.shape;
-        const double needed = row.height + (heading && i + 1 < rows.size() ? rows[i + 1].height : 0);
+        const double needed = RowHeight(row) + (heading && i + 1 < rows.size() ? RowHeight(rows[i + 1]) : 0);
         if (y > 0 && y + needed > available) {
             ++columns;
             y = 0;
         }
         row.column = columns - 1;
         row.y = y;
-        y += row.height;
+        y += RowHeight(row);
         height = std::max(height, y);
     }
 }
 
 double Legend::Width() const {
-    return static_cast<double>(columns) * (columnWidth + gap) - gap;
+    return (static_cast<double>(columns) * (columnWidth + gap) - gap) * size;
 }
 
 double Legend::Height() const {
@@ -132,31 +139,31 @@ void Legend::Draw(Canvas& canvas, Point corner) const {
 }
 
 void Legend::DrawRow(Canvas& canvas, const Row& row, Point corner) const {
-    const double x = corner.x + static_cast<double>(row.column) * (columnWidth + gap);
-    const double middle = corner.y + row.y + row.height / 2;
+    const double x = corner.x + static_cast<double>(row.column) * (columnWidth + gap) * size;
+    const double middle = corner.y + row.y + RowHeight(row) / 2;
     TextStyle style;
     style.upright = Upright::middle;
     if (!row.pen && !row.shape) {
-        style.height = 2.6;
+        style.height = headingText * size;
         style.font.bold = true;
         canvas.Text(row.text, {x, middle}, style);
         return;
     }
     if (row.pen) {
-        const std::array<Point, 2> line{Point{x, middle}, Point{x + sampleWidth, middle}};
+        const std::array<Point, 2> line{Point{x, middle}, Point{x + sampleWidth * size, middle}};
         canvas.Line(line, *row.pen, 0);
     } else {
         // In the middle of its place, wherever its insertion point is.
         const double scale = LegendScale(*row.shape);
         const Box& bounds = row.shape->bounds;
         canvas.Symbol(*row.shape,
-                      {x + sampleWidth / 2 - (bounds.minX + bounds.maxX) / 2 * scale,
+                      {x + sampleWidth * size / 2 - (bounds.minX + bounds.maxX) / 2 * scale,
                        middle + (bounds.minY + bounds.maxY) / 2 * scale},
                       scale, 0, Ink());
     }
-    const double textLeft = sampleWidth + gap;
-    style.height = 1.9;
-    canvas.Text(Fitted(row.text, style, columnWidth - textLeft), {x + textLeft, middle}, style);
+    const double textLeft = (sampleWidth + gap) * size;
+    style.height = nameText * size;
+    canvas.Text(Fitted(row.text, style, columnWidth * size - textLeft), {x + textLeft, middle}, style);
 }
 
 std::string Fitted(const std::string& text, const TextStyle& style, double width) {

@@ -16,8 +16,9 @@ class Legend {
     // The scene lives longer than the legend.
     Legend(const Scene& scene, const client::SymbologyIndex& index);
 
-    // Breaks the legend into columns no higher than this.
-    void LayOut(double height);
+    // Breaks the legend into columns no higher than this. The size is the one of map_frame.h: texts grow with
+    // it, symbols stay as they are on the map.
+    void LayOut(double available, double sheetSize);
     double Width() const;   // mm
     double Height() const;  // of the highest column
 
@@ -29,19 +30,20 @@ class Legend {
         std::string text;
         const Pen* pen = nullptr;            // a line type
         const SymbolShape* shape = nullptr;  // a symbol; neither: a heading
-        double height = 0;                   // mm
         size_t column = 0;
         double y = 0;  // of its upper edge, from the legend's
     };
 
     void AddLineTypes(const client::SymbologyIndex& index);
     void AddSymbols(const client::SymbologyIndex& index);
+    double RowHeight(const Row& row) const;  // mm
     void DrawRow(Canvas& canvas, const Row& row, Point corner) const;
 
     const Scene& scene;
     std::vector<Row> rows;
     size_t columns = 1;
     double height = 0;
+    double size = 1;
 };
 
 // Cuts a text that is wider than a space for it, and shows that it was cut.

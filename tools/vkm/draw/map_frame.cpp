@@ -15,6 +15,10 @@ constexpr double gridSpacing = 100;  // mm on paper, at most
 constexpr double crossArm = 2;
 constexpr double tickLength = 2;
 constexpr double coordinateHeight = 1.5;
+constexpr double titleHeight = 4.2;
+constexpr double subtitleHeight = 2.2;
+constexpr double arrowLength = 10;
+constexpr double arrowRoom = 15;
 constexpr double scaleBarWidth = 60;  // at most
 constexpr double scaleBarHeight = 1.5;
 
@@ -82,13 +86,13 @@ void DrawFrame(Canvas& canvas, const Box& area) {
     canvas.Line(outline, framePen, 0);
 }
 
-void DrawGrid(Canvas& canvas, const Box& area, const Box& ground) {
+void DrawGrid(Canvas& canvas, const Box& area, const Box& ground, double size) {
     const double spacing = std::min({gridSpacing, area.Width() / 2, area.Height() / 2});
     const double step = RoundDown(spacing * ground.Width() / area.Width() * (1 + 1e-9));
     const auto columns = GridLines(ground.minX, ground.maxX, step, area.minX, area.maxX);
     const auto lines = GridLines(ground.minY, ground.maxY, step, area.maxY, area.minY);
     TextStyle style;
-    style.height = coordinateHeight;
+    style.height = coordinateHeight * size;
     style.across = Across::middle;
     canvas.BeginGroup("grid", "");
     for (const GridLine& column : columns) {
@@ -113,22 +117,23 @@ void DrawGrid(Canvas& canvas, const Box& area, const Box& ground) {
     canvas.EndGroup();
 }
 
-void DrawTitle(Canvas& canvas, Point corner, double width, const std::string& title, double mapScale) {
+void DrawTitle(Canvas& canvas, Point corner, double width, const std::string& title, double mapScale,
+               double size) {
     TextStyle style;
-    style.height = 4.2;
+    style.height = titleHeight * size;
     style.font.bold = true;
     style.upright = Upright::top;
-    constexpr double arrowRoom = 14;
-    canvas.Text(Fitted(title, style, width - arrowRoom), corner, style);
-    style.height = 2.2;
+    canvas.Text(Fitted(title, style, width - arrowRoom * size), corner, style);
+    style.height = subtitleHeight * size;
     style.font.bold = false;
-    canvas.Text(std::string(HostWords().scale) + Formatted(" 1 : %.10g", mapScale), {corner.x, corner.y + 7},
-                style);
+    canvas.Text(std::string(HostWords().scale) + Formatted(" 1 : %.10g", mapScale),
+                {corner.x, corner.y + 1.7 * titleHeight * size}, style);
 }
 
-void DrawNorthArrow(Canvas& canvas, Point center, Point north) {
-    constexpr double length = 10;
-    constexpr double halfWidth = 2;
+void DrawNorthArrow(Canvas& canvas, Point corner, Point north, double size) {
+    const Point center{corner.x - arrowRoom / 2 * size, corner.y + arrowRoom / 2 * size};
+    const double length = arrowLength * size;
+    const double halfWidth = length / 5;
     const Point along{north.x * length / 2, -north.y * length / 2};
     const Point across{-along.y / (length / 2) * halfWidth, along.x / (length / 2) * halfWidth};
     const Point tip{center.x + along.x, center.y + along.y};
@@ -138,33 +143,34 @@ void DrawNorthArrow(Canvas& canvas, Point center, Point north) {
     canvas.Fill(std::array<Point, 3>{tip, tail, left}, 0);
     canvas.Line(std::array<Point, 4>{tip, right, tail, tip}, finePen, 0);
     TextStyle style;
-    style.height = 2.6;
+    style.height = length * 0.26;
     style.font.bold = true;
     style.across = Across::middle;
     style.upright = Upright::middle;
     canvas.Text(HostWords().north, {center.x + along.x * 1.5, center.y + along.y * 1.5}, style);
 }
 
-void DrawScaleBar(Canvas& canvas, Point corner, double width, double millimetresPerMetre) {
-    const double metres = RoundDown(std::min(scaleBarWidth, width) / millimetresPerMetre);
+void DrawScaleBar(Canvas& canvas, Point corner, double width, double millimetresPerMetre, double size) {
+    const double metres = RoundDown(std::min(scaleBarWidth * size, width) / millimetresPerMetre);
     const double length = metres * millimetresPerMetre;
-    const double top = corner.y - scaleBarHeight;
+    const double height = scaleBarHeight * size;
+    const double top = corner.y - height;
     constexpr int parts = 4;
     const double part = length / parts;
-    for (int i = 0; i < parts; i += 2) FillBar(canvas, corner.x + i * part, top, part, scaleBarHeight);
+    for (int i = 0; i < parts; i += 2) FillBar(canvas, corner.x + i * part, top, part, height);
     canvas.Line(std::array<Point, 5>{Point{corner.x, top}, Point{corner.x + length, top},
                                      Point{corner.x + length, corner.y}, Point{corner.x, corner.y},
                                      Point{corner.x, top}},
                 finePen, 0);
     TextStyle style;
-    style.height = 1.8;
+    style.height = 1.2 * height;
     style.across = Across::middle;
     const bool kilometres = metres >= 2000;
     const double unit = kilometres ? 1000 : 1;
     for (const double share : {0.0, 0.5, 1.0}) {
         std::string label = Formatted("%.6g", metres * share / unit);
         if (share == 1) label += kilometres ? " km" : " m";
-        canvas.Text(label, {corner.x + length * share, top - 1}, style);
+        canvas.Text(label, {corner.x + length * share, top - 0.6 * height}, style);
     }
 }
 

@@ -1,5 +1,5 @@
 // What stands around the map of a sheet: frame, grid, title, north arrow and scale bar. Positions are on
-// paper.
+// paper. The size is 1 on a small sheet and more on a large one.
 
 #pragma once
 
@@ -15,15 +15,16 @@ void DefineFramePens(Canvas& canvas);
 void DrawFrame(Canvas& canvas, const Box& area);
 
 // Crosses at round coordinates at most 100 mm apart, and the coordinates outside the frame.
-void DrawGrid(Canvas& canvas, const Box& area, const Box& ground);
+void DrawGrid(Canvas& canvas, const Box& area, const Box& ground, double size);
 
 // The corner is the upper left one.
-void DrawTitle(Canvas& canvas, Point corner, double width, const std::string& title, double mapScale);
+void DrawTitle(Canvas& canvas, Point corner, double width, const std::string& title, double mapScale,
+               double size);
 
-// North is the direction on the ground, a unit vector.
-void DrawNorthArrow(Canvas& canvas, Point center, Point north);
+// The corner is the upper right one. North is the direction on the ground, a unit vector.
+void DrawNorthArrow(Canvas& canvas, Point corner, Point north, double size);
 
 // The corner is the lower left one of the whole; the bar has a round length that fits the width.
-void DrawScaleBar(Canvas& canvas, Point corner, double width, double millimetresPerMetre);
+void DrawScaleBar(Canvas& canvas, Point corner, double width, double millimetresPerMetre, double size);
 
 }  // namespace vemrado::draw

@@ -1,6 +1,6 @@
 #include "map_sheet.h"
 
-#include <array>
+#include <algorithm>
 #include <cmath>
 
 #include "clip.h"
@@ -13,7 +13,9 @@ namespace {
 constexpr double smallestSide = 10;  // mm of map, for a file of one point
 constexpr double bareMargin = 3;     // mm between the drawing and the edge of a picture without a frame
 constexpr double framedMargin = 6;   // mm between the drawing and the frame
-constexpr double pageMargin = 12;    // mm around the frame
+constexpr double smallSheet = 250;   // mm; on larger ones what stands around the map grows
+constexpr double largestSize = 2.5;
+constexpr double pageMargin = 12;  // mm around the frame, times the sheet's size, as what follows
 constexpr double titleHeight = 16;
 constexpr double footHeight = 16;
 constexpr double legendGap = 8;
@@ -58,11 +60,14 @@ void MapSheet::LayOut() {
         page = {width, height, 1};
         return;
     }
-    legend.LayOut(std::max(height, lowestLegend));
-    const double top = pageMargin + titleHeight;
-    area = {pageMargin, top, pageMargin + width, top + height};
-    page.width = area.maxX + legendGap + legend.Width() + pageMargin;
-    page.height = top + std::max(height + footHeight, legend.Height()) + pageMargin;
+    // Titles grow with the sheet, as people look at a large one from farther away.
+    size = std::clamp(std::sqrt(width * height) / smallSheet, 1.0, largestSize);
+    legend.LayOut(std::max(height, lowestLegend), size);
+    const double margin = pageMargin * size;
+    const double top = margin + titleHeight * size;
+    area = {margin, top, margin + width, top + height};
+    page.width = area.maxX + legendGap * size + legend.Width() + margin;
+    page.height = top + std::max(height + footHeight * size, legend.Height()) + margin;
 }
 
 Point MapSheet::OnPaper(Point point) const {
@@ -72,17 +77,19 @@ Point MapSheet::OnPaper(Point point) const {
 
 void MapSheet::Draw(Canvas& canvas) const {
     DefineStyles(canvas);
-    if (options.legend) DrawGrid(canvas, area, ground);
+    if (options.legend) DrawGrid(canvas, area, ground, size);
     DrawMap(canvas);
     if (!options.legend) return;
+    const double margin = pageMargin * size;
+    const double width = page.width - 2 * margin;
     canvas.BeginGroup("frame", "");
     DrawFrame(canvas, area);
-    DrawTitle(canvas, {area.minX, pageMargin}, page.width - pageMargin - area.minX, options.title,
-              scene.mapScale);
-    DrawNorthArrow(canvas, {page.width - pageMargin - 5, pageMargin + 5}, scene.north);
-    DrawScaleBar(canvas, {area.minX, area.maxY + footHeight}, area.Width(), scene.MillimetresPerMetre());
+    DrawTitle(canvas, {margin, margin}, width, options.title, scene.mapScale, size);
+    DrawNorthArrow(canvas, {margin + width, margin * 0.7}, scene.north, size);
+    DrawScaleBar(canvas, {margin, area.maxY + footHeight * size}, area.Width(), scene.MillimetresPerMetre(),
+                 size);
     canvas.EndGroup();
-    legend.Draw(canvas, {area.maxX + legendGap, area.minY});
+    legend.Draw(canvas, {area.maxX + legendGap * size, area.minY});
 }
 
 void MapSheet::DefineStyles(Canvas& canvas) const {

@@ -43,6 +43,7 @@ class MapSheet {
     Box ground;  // what the map shows
     Box area;    // where on the page
     PageSize page;
+    double size = 1;                     // of what stands around the map
     std::map<uint32_t, Pen> symbolPens;  // by colour
 };
 
