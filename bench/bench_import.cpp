@@ -1,6 +1,6 @@
 // Measures the import of whole files against a pass over the same bytes that only finds the line ends.
 //
-//   bench_import [--repeat N] FILE...
+//   bench_import [--repeat N] [--json] FILE...
 //
 // The import calls everything that a converter asks of every element, through the public headers. The passes
 // take turns, so that both meet the same page cache and the same clock.
@@ -15,6 +15,7 @@
 #include <cstring>
 #include <stdexcept>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "samples.h"
@@ -107,49 +108,80 @@ double PeakMegabytes() {
     return static_cast<double>(usage.ru_maxrss) / 1024;
 }
 
-void Measure(const char* path, int repetitions) {
-    Samples lineEndTimes, importTimes;
-    LineEnds lineEnds = FindLineEnds(path);  // brings the file into the page cache
+struct Result {
+    LineEnds lineEnds;
     Import import;
+    Samples lineEndTimes, importTimes;
+};
+
+Result Measure(const char* path, int repetitions) {
+    Result result;
+    FindLineEnds(path);  // brings the file into the page cache
     for (int i = 0; i < repetitions; ++i) {
-        lineEndTimes.Time([&] { lineEnds = FindLineEnds(path); });
-        importTimes.Time([&] { import = ImportAll(path); });
+        result.lineEndTimes.Time([&] { result.lineEnds = FindLineEnds(path); });
+        result.importTimes.Time([&] { result.import = ImportAll(path); });
     }
-    const double megabytes = static_cast<double>(lineEnds.bytes) / 1e6;
-    const auto elements = static_cast<double>(import.lineElements + import.texts);
+    return result;
+}
+
+void Print(const char* path, const Result& result) {
+    const double megabytes = static_cast<double>(result.lineEnds.bytes) / 1e6;
+    const auto elements = static_cast<double>(result.import.lineElements + result.import.texts);
+    const Samples& lineEnds = result.lineEndTimes;
+    const Samples& import = result.importTimes;
     std::printf("%s\n", path);
     std::printf("  %.1f MB, %lld file lines; %lld lines of %lld elements, %lld texts (sum %.6e)\n", megabytes,
-                static_cast<long long>(lineEnds.lines), static_cast<long long>(import.lines),
-                static_cast<long long>(import.lineElements), static_cast<long long>(import.texts),
-                import.sum);
-    std::printf("  line ends  %10.2f ms minimum %10.2f ms median %8.0f MB/s\n", lineEndTimes.Minimum() * 1e3,
-                lineEndTimes.Median() * 1e3, megabytes / lineEndTimes.Minimum());
+                static_cast<long long>(result.lineEnds.lines), static_cast<long long>(result.import.lines),
+                static_cast<long long>(result.import.lineElements),
+                static_cast<long long>(result.import.texts), result.import.sum);
+    std::printf("  line ends  %10.2f ms minimum %10.2f ms median %8.0f MB/s\n", lineEnds.Minimum() * 1e3,
+                lineEnds.Median() * 1e3, megabytes / lineEnds.Minimum());
     std::printf("  import     %10.2f ms minimum %10.2f ms median %8.0f MB/s %.3g elements/s\n",
-                importTimes.Minimum() * 1e3, importTimes.Median() * 1e3, megabytes / importTimes.Minimum(),
-                elements / importTimes.Minimum());
+                import.Minimum() * 1e3, import.Median() * 1e3, megabytes / import.Minimum(),
+                elements / import.Minimum());
     std::printf("  ratio      %10.2f    minimum %10.2f    median; peak memory %.1f MB\n",
-                importTimes.Minimum() / lineEndTimes.Minimum(), importTimes.Median() / lineEndTimes.Median(),
-                PeakMegabytes());
+                import.Minimum() / lineEnds.Minimum(), import.Median() / lineEnds.Median(), PeakMegabytes());
+}
+
+// One line for scripts. Times are minima in seconds.
+void PrintJson(const Result& result) {
+    std::printf(
+        "{\"bytes\": %lld, \"elements\": %lld, \"line_ends\": %.9f, \"import\": %.9f, \"peak_megabytes\": "
+        "%.1f}\n",
+        static_cast<long long>(result.lineEnds.bytes),
+        static_cast<long long>(result.import.lineElements + result.import.texts),
+        result.lineEndTimes.Minimum(), result.importTimes.Minimum(), PeakMegabytes());
 }
 
 }  // namespace
 
 int main(int argc, char** argv) {
     int repetitions = 5;
+    bool json = false;
     std::vector<const char*> files;
     for (int i = 1; i < argc; ++i) {
-        if (std::strcmp(argv[i], "--repeat") == 0 && i + 1 < argc) {
+        const std::string_view argument = argv[i];
+        if (argument == "--repeat" && i + 1 < argc) {
             repetitions = std::max(1, std::atoi(argv[++i]));
+        } else if (argument == "--json") {
+            json = true;
         } else {
             files.push_back(argv[i]);
         }
     }
     if (files.empty()) {
-        std::fputs("usage: bench_import [--repeat N] FILE...\n", stderr);
+        std::fputs("usage: bench_import [--repeat N] [--json] FILE...\n", stderr);
         return 2;
     }
     try {
-        for (const char* file : files) Measure(file, repetitions);
+        for (const char* file : files) {
+            const Result result = Measure(file, repetitions);
+            if (json) {
+                PrintJson(result);
+            } else {
+                Print(file, result);
+            }
+        }
     } catch (const std::exception& failure) {
         std::fprintf(stderr, "bench_import: %s\n", failure.what());
         return 1;

@@ -1,0 +1,125 @@
+#!/usr/bin/env python3
+"""Runs the measurements on generated files and prints one table: each figure, its reference, the ratio.
+
+report.py [--full], from the root of a project that is built in build/release. A figure is the minimum of several runs.
+"""
+
+import json
+import pathlib
+import subprocess
+import sys
+import time
+
+programs = pathlib.Path("build/release/bin")
+work = pathlib.Path("build/bench")
+rows = []
+
+
+def row(figure, value, reference, reference_value, ratio):
+    rows.append((figure, value, reference, reference_value, f"{ratio:.2f}"))
+
+
+def run(*command):
+    return subprocess.run([str(part) for part in command], check=True, capture_output=True, text=True).stdout
+
+
+def seconds(*command, repeat=3):
+    """The least time that a command takes, its output thrown away."""
+    times = []
+    for _ in range(repeat):
+        start = time.perf_counter()
+        subprocess.run([str(part) for part in command], check=True, stdout=subprocess.DEVNULL,
+                       stderr=subprocess.DEVNULL)
+        times.append(time.perf_counter() - start)
+    return min(times)
+
+
+def generated(size):
+    """A map of the size, in bytes, made once."""
+    path = work / f"map-{size}.vkm"
+    if not path.exists():
+        partial = path.with_suffix(".partial")
+        run(programs / "vkm-generate", "--size", size, "--seed", 7, "-o", partial)
+        partial.rename(path)
+    return path
+
+
+def imported(path, repeat):
+    return json.loads(run(programs / "bench_import", "--json", "--repeat", repeat, path))
+
+
+def size_text(size):
+    for factor, unit in ((1 << 30, "GiB"), (1 << 20, "MiB")):
+        if size >= factor:
+            return f"{size / factor:g} {unit}"
+    return f"{size} B"
+
+
+def measure_import(sizes):
+    """Whole imports of growing files. Returns the times, to compare the command line with."""
+    first = None
+    times = {}
+    for size in sizes:
+        result = imported(generated(size), 5 if size <= 1 << 30 else 2)
+        times[size] = result["import"]
+        megabytes = result["bytes"] / 1e6
+        row(f"import, {size_text(size)}, {result['elements'] / result['import'] / 1e6:.1f} M elements/s, "
+            f"peak {result['peak_megabytes']} MB",
+            f"{megabytes / result['import']:.0f} MB/s", "line ends only", f"{megabytes / result['line_ends']:.0f} MB/s",
+            result["import"] / result["line_ends"])
+        per_byte = result["import"] / result["bytes"]
+        if first is None:
+            first = per_byte
+        else:
+            row(f"import, {size_text(size)}, time for a byte", f"{per_byte * 1e9:.3f} ns",
+                f"{size_text(sizes[0])}", f"{first * 1e9:.3f} ns", per_byte / first)
+    return times
+
+
+def measure_commands(size, import_time):
+    path = generated(size)
+    for name, arguments in (("vkm info", ["info"]), ("vkm dump", ["dump"])):
+        taken = seconds(programs / "vkm", *arguments, "--quiet", path)
+        row(f"{name}, {size_text(size)}", f"{taken:.2f} s", "import alone", f"{import_time:.2f} s", taken / import_time)
+
+
+def measure_parts():
+    report = json.loads(run(programs / "bench_micro", "--benchmark_format=json", "--benchmark_min_time=0.3",
+                            "--benchmark_repetitions=3", "--benchmark_report_aggregates_only=false"))
+    times = {}
+    for entry in report["benchmarks"]:
+        if entry["run_type"] == "iteration":
+            times[entry["run_name"]] = min(times.get(entry["run_name"], float("inf")), entry["cpu_time"])
+
+    def compare(figure, name, reference, reference_name, items=1, unit="us", factor=1e-3):
+        value, other = times[name] * factor / items, times[reference_name] * factor / items
+        row(figure, f"{value:.1f} {unit}", reference, f"{other:.1f} {unit}", value / other)
+
+    for name in ("Lines", "Fields", "Elements"):
+        compare(f"{name.lower()} of 4 MB", name, "line ends in memory", "LineEnds")
+    for kind, numbers in ((0, "coordinate"), (1, "number of 17 digits")):
+        for reference, name in (("strtod", "NumbersStrtod"), ("std::from_chars", "NumbersFromChars")):
+            compare(f"{numbers}, in the reader", f"NumbersInReader/{kind}", reference, f"{name}/{kind}", 1000, "ns", 1)
+    compare("pool, tables loaded and dropped", "PoolOurs", "malloc", "PoolMalloc")
+
+
+def print_table():
+    titles = ("Figure", "Value", "Reference", "Value", "Ratio")
+    widths = [max(len(line[i]) for line in [titles, *rows]) for i in range(5)]
+    for line in [titles, ["-" * width for width in widths], *rows]:
+        print("  ".join(text.ljust(width) if i in (0, 2) else text.rjust(width)
+                        for i, (text, width) in enumerate(zip(line, widths))).rstrip())
+
+
+def main():
+    work.mkdir(parents=True, exist_ok=True)
+    sizes = [1 << 20, 1 << 24, 1 << 28, 1 << 30]
+    if "--full" in sys.argv[1:]:
+        sizes += [1 << 32, 5 << 30]
+    times = measure_import(sizes)
+    measure_commands(1 << 28, times[1 << 28])
+    measure_parts()
+    print_table()
+
+
+main()
