@@ -1,10 +1,20 @@
 // Imports a file and prints its number of elements and the peak of the process's resident set in KiB.
 
-#include <sys/resource.h>
-
 #include <cstdio>
+#include <fstream>
+#include <string>
 
 #include "vemrado/vkm_details.h"
+
+// The kernel's getrusage would count the program that started this one as well.
+static long PeakKibibytes() {
+    std::ifstream status("/proc/self/status");
+    for (std::string word; status >> word;) {
+        long peak = 0;
+        if (word == "VmHWM:" && status >> peak) return peak;
+    }
+    return -1;
+}
 
 int main(int argc, char** argv) {
     CVKMDetails* vkm = VkmDetails(CreateVKMInterface());
@@ -13,8 +23,6 @@ int main(int argc, char** argv) {
     while (vkm->ReadNext() != 0) ++elements;
     const bool complete = vkm->IsComplete() != 0;
     CVKMInterface::DestroyVKMInterface(vkm);
-    rusage usage;
-    getrusage(RUSAGE_SELF, &usage);
-    std::printf("%lld %ld\n", elements, usage.ru_maxrss);
+    std::printf("%lld %ld\n", elements, PeakKibibytes());
     return complete ? 0 : 1;
 }
