@@ -1,5 +1,8 @@
 #include "support/memory_pool.h"
 
+#include <algorithm>
+#include <cstring>
+
 #include "platform/platform.h"
 #include "support/memory_pool_words.h"
 
@@ -16,17 +19,17 @@ constexpr uint32_t smallestSplit = 12;
 constexpr uint32_t smallestRegionRest = 20;
 constexpr uint32_t notListed = 0xFFFFFFFFu;
 
-// Makes room for one more entry in a list of the process heap.
-template <class Entry>
-bool GrowWhenFull(Entry*& entries, int32_t count, int32_t& capacity) {
-    if (count < capacity) return true;
+// Capacity of a full list of the process heap once it has grown; 0 when it cannot.
+int32_t LargerCapacity(int32_t count) {
     const int64_t larger = int64_t{count} + count / 2 + 256;
-    if (larger > INT32_MAX) return false;
-    void* moved = platform::ReallocateOnHeap(entries, static_cast<size_t>(larger) * sizeof(Entry));
-    if (moved == nullptr) return false;
-    entries = static_cast<Entry*>(moved);
-    capacity = static_cast<int32_t>(larger);
-    return true;
+    return larger <= INT32_MAX ? static_cast<int32_t>(larger) : 0;
+}
+
+// The list of free blocks in stretches, each with an upper bound of its sizes: a search passes over a stretch
+// that cannot serve it without looking at its entries, and finds the same entry as one that looks at all.
+constexpr int32_t stretch = 64;
+constexpr size_t StretchCount(int32_t capacity) {
+    return (static_cast<size_t>(capacity) + stretch - 1) / stretch;
 }
 
 }  // namespace
@@ -64,11 +67,24 @@ void* CMemoryPool::Alloc(uint32_t size) {
 }
 
 // The block listed last is tried first, then the others from the newest on. -1: none is large enough.
-inline int32_t CMemoryPool::FindFreeBlock(uint32_t size) const {
+inline int32_t CMemoryPool::FindFreeBlock(uint32_t size) {
     if (lastFreeBlock != nullptr && freeBlocks[lastFreeIndex].size >= size) return lastFreeIndex;
-    int32_t index = freeCount - 1;
-    while (index >= 0 && freeBlocks[index].size < size) --index;
-    return index;
+    uint32_t* const bounds = SizeBounds();
+    int32_t end = freeCount;
+    while (end > 0) {
+        const int32_t first = (end - 1) / stretch * stretch;
+        uint32_t& bound = bounds[first / stretch];
+        if (bound >= size) {
+            uint32_t largest = 0;
+            for (int32_t index = end - 1; index >= first; --index) {
+                if (freeBlocks[index].size >= size) return index;
+                largest = std::max(largest, freeBlocks[index].size);
+            }
+            bound = largest;
+        }
+        end = first;
+    }
+    return -1;
 }
 
 inline char* CMemoryPool::TakeFreeBlock(int32_t index, uint32_t size) {
@@ -172,12 +188,38 @@ int CMemoryPool::JoinAndList(char* block, uint32_t header, uint32_t trailer, Nei
 
 // --- The list of free blocks ---
 
+bool CMemoryPool::GrowFreeBlocks() {
+    const int32_t capacity = LargerCapacity(freeCount);
+    const size_t size =
+        static_cast<size_t>(capacity) * sizeof(FreeEntry) + StretchCount(capacity) * sizeof(uint32_t);
+    void* moved = capacity != 0 ? platform::ReallocateOnHeap(freeBlocks, size) : nullptr;
+    if (moved == nullptr) return false;
+    freeBlocks = static_cast<FreeEntry*>(moved);
+    const uint32_t* before = SizeBounds();
+    const size_t count = StretchCount(freeCapacity);
+    freeCapacity = capacity;
+    if (count != 0) std::memmove(SizeBounds(), before, count * sizeof(uint32_t));
+    return true;
+}
+
+// Behind the entries there is room for.
+inline uint32_t* CMemoryPool::SizeBounds() {
+    return reinterpret_cast<uint32_t*>(freeBlocks + freeCapacity);
+}
+
+inline void CMemoryPool::SetEntry(int32_t index, uint32_t size, char* block) {
+    freeBlocks[index] = {size, block};
+    uint32_t& bound = SizeBounds()[index / stretch];
+    bound = std::max(bound, size);
+}
+
 void CMemoryPool::AddFreeBlock(char* block, uint32_t size) {
-    if (!GrowWhenFull(freeBlocks, freeCount, freeCapacity)) {
+    if (freeCount == freeCapacity && !GrowFreeBlocks()) {
         Store(block, notListed);
         return;
     }
-    freeBlocks[freeCount] = {size, block};
+    if (freeCount % stretch == 0) SizeBounds()[freeCount / stretch] = 0;
+    SetEntry(freeCount, size, block);
     lastFreeBlock = block;
     lastFreeIndex = freeCount;
     Store(block, static_cast<uint32_t>(freeCount));
@@ -190,7 +232,7 @@ void CMemoryPool::RemoveFreeBlock(uint32_t index) {
     if (vacated == lastFreeIndex) lastFreeBlock = nullptr;
     const int32_t last = --freeCount;
     if (vacated == last) return;
-    freeBlocks[vacated] = freeBlocks[last];
+    SetEntry(vacated, freeBlocks[last].size, freeBlocks[last].block);
     Store(freeBlocks[vacated].block, index);
     if (lastFreeIndex == last) lastFreeIndex = vacated;
 }
@@ -204,12 +246,12 @@ uint32_t CMemoryPool::FreeIndex(char* block) const {
 
 void CMemoryPool::SetFreeBlockSize(char* block, uint32_t size) {
     const uint32_t index = FreeIndex(block);
-    if (index != notListed) freeBlocks[index].size = size;
+    if (index != notListed) SetEntry(static_cast<int32_t>(index), size, block);
 }
 
 void CMemoryPool::ReplaceFreeBlock(char* oldBlock, char* newBlock, uint32_t size) {
     const uint32_t index = FreeIndex(oldBlock);
-    if (index != notListed) freeBlocks[index] = {size, newBlock};
+    if (index != notListed) SetEntry(static_cast<int32_t>(index), size, newBlock);
     Store(newBlock, index);
     if (lastFreeBlock == oldBlock) lastFreeBlock = newBlock;
 }
@@ -217,7 +259,14 @@ void CMemoryPool::ReplaceFreeBlock(char* oldBlock, char* newBlock, uint32_t size
 // --- The list of regions ---
 
 bool CMemoryPool::AddRegion(char* base, uint32_t size) {
-    if (!GrowWhenFull(regions, regionCount, regionCapacity)) return false;
+    if (regionCount == regionCapacity) {
+        const int32_t capacity = LargerCapacity(regionCount);
+        const size_t listSize = static_cast<size_t>(capacity) * sizeof(RegionEntry);
+        void* moved = capacity != 0 ? platform::ReallocateOnHeap(regions, listSize) : nullptr;
+        if (moved == nullptr) return false;
+        regions = static_cast<RegionEntry*>(moved);
+        regionCapacity = capacity;
+    }
     regions[regionCount++] = {size, base};
     return true;
 }

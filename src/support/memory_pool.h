@@ -54,7 +54,7 @@ class CMemoryPool {
     };
     friend class PoolTestPeer;
 
-    int32_t FindFreeBlock(uint32_t size) const;
+    int32_t FindFreeBlock(uint32_t size);
     char* TakeFreeBlock(int32_t index, uint32_t size);
     char* TakeFromNewRegion(uint32_t size);
     int JoinAndList(char* block, uint32_t header, uint32_t trailer, Neighbours near);
@@ -64,6 +64,9 @@ class CMemoryPool {
     void SetFreeBlockSize(char* block, uint32_t size);
     void ReplaceFreeBlock(char* oldBlock, char* newBlock, uint32_t size);
     uint32_t FreeIndex(char* block) const;
+    bool GrowFreeBlocks();
+    void SetEntry(int32_t index, uint32_t size, char* block);
+    uint32_t* SizeBounds();
     bool AddRegion(char* base, uint32_t size);
     void ReleaseRegion(char* base);
 

@@ -6,19 +6,35 @@
 
 namespace vemrado::platform {
 
-// The system aligns to its page size only, so a region is cut out of a larger piece whose ends go back at
+namespace {
+
+char* Map(size_t size) {
+    void* piece = mmap(nullptr, size, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
+    return piece == MAP_FAILED ? nullptr : static_cast<char*>(piece);
+}
+
+size_t BytesPastBoundary(const char* address) {
+    return reinterpret_cast<uintptr_t>(address) % regionGranularity;
+}
+
+}  // namespace
+
+// The system aligns to its page size only. It places pieces side by side, so that after an aligned one the
+// next fits as it comes; where it does not, the region is cut out of a larger piece whose ends go back at
 // once.
 void* NativeReserveRegion(size_t size) {
-    const size_t whole = size + regionGranularity;
-    if (size == 0 || whole < size) return nullptr;
-    void* piece = mmap(nullptr, whole, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
-    if (piece == MAP_FAILED) return nullptr;
-    char* start = static_cast<char*>(piece);
-    const size_t past = reinterpret_cast<uintptr_t>(start) % regionGranularity;
+    const size_t larger = size + regionGranularity;
+    if (size == 0 || larger < size) return nullptr;
+    char* region = Map(size);
+    if (region == nullptr || BytesPastBoundary(region) == 0) return region;
+    munmap(region, size);
+    char* piece = Map(larger);
+    if (piece == nullptr) return nullptr;
+    const size_t past = BytesPastBoundary(piece);
     const size_t before = past == 0 ? 0 : regionGranularity - past;
-    if (before != 0) munmap(start, before);
-    munmap(start + before + size, whole - before - size);
-    return start + before;
+    if (before != 0) munmap(piece, before);
+    munmap(piece + before + size, larger - before - size);
+    return piece + before;
 }
 
 void NativeReleaseRegion(void* base, size_t size) {
