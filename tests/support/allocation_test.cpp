@@ -23,7 +23,7 @@ TEST(AllocationTest, AlignsAndFreesEveryKindOfBlock) {
     const int32_t before = mainPool.RegionCount();
     std::vector<char*> blocks;
     for (size_t alignment = 1; alignment <= 65536; alignment *= 2) {
-        for (const size_t size : {1, 4, 5, 24, 100, 1000}) {
+        for (const size_t size : {1u, 4u, 5u, 24u, 100u, 1000u}) {
             char* block = static_cast<char*>(AllocateMemory(size, alignment));
             ASSERT_NE(block, nullptr);
             EXPECT_TRUE(IsAligned(block, alignment)) << size << " at " << alignment;
@@ -41,7 +41,7 @@ TEST(AllocationTest, AlignsAndFreesEveryKindOfBlock) {
 
 TEST(AllocationTest, ASecondFreeChangesNothing) {
     void* neighbour = AllocateMemory(16, 4);
-    for (const size_t alignment : {4, 8, 16, 32, 4096}) {
+    for (const size_t alignment : {4u, 8u, 16u, 32u, 4096u}) {
         void* block = AllocateMemory(24, alignment);
         FreeMemory(block);
         const auto walked = PoolTestPeer::Walk(mainPool);
@@ -93,8 +93,8 @@ TEST(AllocationTest, ContainersThrowWhenMemoryRunsOut) {
 #if defined(VEMRADO_ADDRESS_SANITIZER)
 TEST(AllocationDeathTest, TheAddressSanitizerSeesTheBoundsOfBlocks) {
     void* kept = AllocateMemory(16, 4);
-    for (const size_t alignment : {4, 8, 16, 64}) {
-        for (const size_t size : {1, 4, 7, 8, 21, 24, 100}) {
+    for (const size_t alignment : {4u, 8u, 16u, 64u}) {
+        for (const size_t size : {1u, 4u, 7u, 8u, 21u, 24u, 100u}) {
             char* block = static_cast<char*>(AllocateMemory(size, alignment));
             EXPECT_EQ(__asan_region_is_poisoned(block, size), nullptr);
             EXPECT_TRUE(__asan_address_is_poisoned(block + size)) << size << " at " << alignment;

@@ -223,7 +223,8 @@ class RandomUse {
     void FreeOne() {
         if (live.empty()) return;
         const auto taken = std::next(live.begin(), static_cast<long>(random() % live.size()));
-        const auto [block, size] = *taken;
+        char* block = taken->first;
+        const uint32_t size = taken->second;
         EXPECT_TRUE(std::all_of(block, block + size, [&](char byte) { return byte == Pattern(size); }));
         EXPECT_EQ(pool.Free(block), 1);
         live.erase(taken);

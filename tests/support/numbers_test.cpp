@@ -69,8 +69,7 @@ TEST(NumbersTest, ReadsRealsAsTheCLibraryDoes) {
         "-+1",
         " 7",
         "\t\n\v\f\r -7",
-        "\xA0"
-        "7",
+        "\2407",
         "742905.12",
         "-1043051.345",
         "99999999",
