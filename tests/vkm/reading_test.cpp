@@ -60,7 +60,7 @@ TEST_F(Reading, EverySingleByteChangeOfASmallFile) {
 TEST_F(Reading, LongAndOddLines) {
     const std::string head = "&U 1\n&L C 1 2\n";
     const std::string tail = "\n&K\n";
-    for (const size_t length : {1021, 1022, 1023, 1024, 1025, 2045, 2046, 2047, 5000, 300000}) {
+    for (const size_t length : {1021u, 1022u, 1023u, 1024u, 1025u, 2045u, 2046u, 2047u, 5000u, 300000u}) {
         std::string line = "C 3 4 ";
         for (int i = 0; line.size() < length; ++i) line.append("S=").append(std::to_string(i)).append(" ");
         line.resize(length);
