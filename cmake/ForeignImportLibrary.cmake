@@ -13,5 +13,7 @@ function(vemrado_foreign_import_library target definitions)
     COMMAND ${VEMRADO_DLLTOOL} -m i386:x86-64 -d ${directory}/vemrado.def -l ${directory}/vemrado.lib
     DEPENDS ${directory}/vemrado.def
     VERBATIM)
+  install(FILES ${directory}/vemrado.def ${directory}/vemrado.lib DESTINATION ${CMAKE_INSTALL_LIBDIR}
+    COMPONENT development)
   add_custom_target(${target}ForeignImportLibrary ALL DEPENDS ${directory}/vemrado.lib)
 endfunction()

@@ -6,16 +6,18 @@ include(CMakePackageConfigHelpers)
 
 set(package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/vemrado)
 
-install(DIRECTORY include/vemrado DESTINATION ${CMAKE_INSTALL_INCLUDEDIR} FILES_MATCHING PATTERN "*.h")
+install(DIRECTORY include/vemrado DESTINATION ${CMAKE_INSTALL_INCLUDEDIR} COMPONENT development
+  FILES_MATCHING PATTERN "*.h")
 foreach(library framework zrv320 zrvDX320)
-  install(FILES host/${library}/${library}.h DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/vemrado/host/${library})
+  install(FILES host/${library}/${library}.h DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/vemrado/host/${library}
+    COMPONENT development)
 endforeach()
 
 # On Windows a library is its DLL, beside the programs, and its import library.
 install(TARGETS Vemrado VemradoFramework zrv320 zrvDX320 EXPORT vemrado
-  RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR}
-  LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
-  ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR})
+  RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT library
+  LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT library
+  ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT development)
 
 if(TARGET vkm)
   file(RELATIVE_PATH libraries_from_programs ${CMAKE_INSTALL_FULL_BINDIR} ${CMAKE_INSTALL_FULL_LIBDIR})
@@ -23,22 +25,23 @@ if(TARGET vkm)
   install(TARGETS vkm RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
 endif()
 
-install(DIRECTORY data/symbology DESTINATION ${CMAKE_INSTALL_DATADIR}/vemrado OPTIONAL)
+install(DIRECTORY data/symbology DESTINATION ${CMAKE_INSTALL_DATADIR}/vemrado COMPONENT library OPTIONAL)
 install(DIRECTORY data/ DESTINATION ${CMAKE_INSTALL_DATADIR}/vemrado/maps FILES_MATCHING PATTERN "*.vkm"
   PATTERN symbology EXCLUDE)
 install(FILES README.md DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/vemrado)
 install(DIRECTORY docs DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/vemrado OPTIONAL)
 
-install(EXPORT vemrado FILE vemradoTargets.cmake NAMESPACE vemrado:: DESTINATION ${package_dir})
+install(EXPORT vemrado FILE vemradoTargets.cmake NAMESPACE vemrado:: DESTINATION ${package_dir} COMPONENT development)
 configure_package_config_file(cmake/vemradoConfig.cmake.in ${CMAKE_CURRENT_BINARY_DIR}/vemradoConfig.cmake
   INSTALL_DESTINATION ${package_dir} PATH_VARS CMAKE_INSTALL_DATADIR)
 write_basic_package_version_file(${CMAKE_CURRENT_BINARY_DIR}/vemradoConfigVersion.cmake COMPATIBILITY SameMajorVersion)
 install(FILES ${CMAKE_CURRENT_BINARY_DIR}/vemradoConfig.cmake ${CMAKE_CURRENT_BINARY_DIR}/vemradoConfigVersion.cmake
-  DESTINATION ${package_dir})
+  DESTINATION ${package_dir} COMPONENT development)
 
 # The paths in the pkg-config files are relative to where these lie, so that an installation can be moved.
 file(RELATIVE_PATH prefix_from_pkgconfig ${CMAKE_INSTALL_FULL_LIBDIR}/pkgconfig ${CMAKE_INSTALL_PREFIX})
 foreach(name vemrado vemrado-host)
   configure_file(cmake/${name}.pc.in ${CMAKE_CURRENT_BINARY_DIR}/${name}.pc @ONLY)
-  install(FILES ${CMAKE_CURRENT_BINARY_DIR}/${name}.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
+  install(FILES ${CMAKE_CURRENT_BINARY_DIR}/${name}.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig
+    COMPONENT development)
 endforeach()
