@@ -74,6 +74,13 @@ inline std::string MapOfLines(int count) {
     return text + "&K\n";
 }
 
+// A path of the building system as Windows has it.
+inline std::string SystemPath(const char* path) {
+    char full[MAX_PATH];
+    GetFullPathNameA(path, MAX_PATH, full, nullptr);
+    return full;
+}
+
 // Beside this program.
 inline std::string Beside(const std::string& name) {
     char own[MAX_PATH];

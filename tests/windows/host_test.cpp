@@ -4,6 +4,7 @@
 
 #include "host.h"
 #include "import_digest.h"
+#include "registry.h"
 #include "vemrado/vkm_interface.h"
 #include "zrvDX320/zrvDX320.h"
 
@@ -242,14 +243,20 @@ TEST(UserLanguage, ChoosesTheTexts) {
 }
 
 TEST(ForeignHost, ImportsLikeThisOne) {
+    const std::string data = SystemPath(VEMRADO_DATA);
+    Registry registry;
+    ASSERT_TRUE(registry.Set(nativeKey, "LocalPath", data + "\\symbology"));
     const Folder folder;
-    for (const char* sample : {VEMRADO_DATA "/sample-town.vkm"}) {
+    for (const auto& entry : std::filesystem::directory_iterator(data)) {
+        if (entry.path().extension() != ".vkm") continue;
+        const std::string sample = entry.path().string();
         SCOPED_TRACE(sample);
         const Boxes boxes;
         const Importer vkm;
-        const ImportDigest expected = Import(vkm.Get(), sample);
+        const ImportDigest expected = Import(vkm.Get(), sample.c_str());
         ASSERT_EQ(expected.opened, 1);
         ASSERT_GT(expected.elements, 0);
+        EXPECT_TRUE(boxes.texts.empty()) << boxes.texts[0];
         for (const char* host : {"foreign_host.exe", "foreign_host_public.exe"}) {
             const RunResult run = RunProgram(folder, Beside(host) + " " + sample);
             EXPECT_EQ(run.exitCode, 0u) << host;
@@ -257,6 +264,22 @@ TEST(ForeignHost, ImportsLikeThisOne) {
                       std::to_string(expected.elements) + " " + std::to_string(expected.hash) + " ");
         }
     }
+}
+
+TEST(WindowsRegistryOfTheHost, NamesTheTables) {
+    Registry registry;
+    const Folder folder;
+    const std::string map = folder.Write("map.vkm", MapOfLines(1));
+    const auto openAndCountBoxes = [&map](const Boxes& boxes) {
+        const Importer vkm;
+        EXPECT_EQ(vkm.Open(map, 1), 1);
+        return boxes.texts.size();
+    };
+    EXPECT_EQ(openAndCountBoxes(Boxes()), 1u) << "no tables, no box";
+    ASSERT_TRUE(registry.Set(nodeKey, "SharedPath", SystemPath(VEMRADO_DATA) + "\\symbology"));
+    EXPECT_EQ(openAndCountBoxes(Boxes()), 0u);
+    ASSERT_TRUE(registry.Set(nativeKey, "LocalPath", folder.Path("nowhere")));
+    EXPECT_EQ(openAndCountBoxes(Boxes()), 1u) << "the local path wins";
 }
 
 }  // namespace
