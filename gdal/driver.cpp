@@ -1,0 +1,120 @@
+#include "driver.h"
+
+#include <cpl_string.h>
+#include <gdal_priv.h>
+
+#include <algorithm>
+#include <cstdlib>
+
+#include "client/axis_orientation.h"
+#include "client/text_encoding.h"
+#include "identify.h"
+#include "sample_symbology.h"
+#include "vkm_dataset.h"
+
+namespace vemrado::gdal {
+
+namespace {
+
+constexpr const char* openOptions = R"(<OpenOptionList>
+  <Option name='ENCODING' type='string-select' default='windows-1250' description='Encoding of the texts in the file'>
+    <Value>windows-1250</Value>
+    <Value>cp852</Value>
+    <Value>iso-8859-2</Value>
+    <Value>utf-8</Value>
+  </Option>
+  <Option name='ORIENTATION' type='string' default='-y,-x' description="What a point (x, y) of the file, x to the south and y to the west, becomes: x,y x,-y -x,y -x,-y y,x -y,x y,-x or -y,-x, or its code 1 2 4 8 16 32 64 128. The default gives east and north"/>
+  <Option name='SYMBOLOGY' type='string' description='Directory that holds VKMSym with the symbology tables for the styles of features; NO for none. By default the sample symbology, where it is installed'/>
+  <Option name='SRS' type='string' default='EPSG:5514' description='Reference system of the coordinates; NO for none. The default stands for the default orientation only'/>
+  <Option name='SOURCE_FIELD' type='boolean' default='NO' description='Add to every layer a field source with the name of the file'/>
+</OpenOptionList>)";
+
+bool Identify(GDALOpenInfo* info) {
+    if (info->fpL == nullptr || info->nHeaderBytes <= 0 || info->pabyHeader[0] == '\0') return false;
+    const std::string_view start(reinterpret_cast<const char*>(info->pabyHeader),
+                                 static_cast<size_t>(info->nHeaderBytes));
+    return LooksLikeVkm(start, EQUAL(CPLGetExtension(info->pszFilename), "vkm"));
+}
+
+int OnIdentify(GDALOpenInfo* info) {
+    return Identify(info) ? TRUE : FALSE;
+}
+
+GDALDataset* OnOpen(GDALOpenInfo* info) {
+    if (!Identify(info)) return nullptr;
+    if (info->eAccess == GA_Update) {
+        CPLError(CE_Failure, CPLE_NotSupported, "%s: the VKM driver reads only", info->pszFilename);
+        return nullptr;
+    }
+    OpenSettings settings;
+    if (!ReadOpenOptions(info->papszOpenOptions, settings)) return nullptr;
+    return VkmDataset::Open({info->pszFilename}, settings).release();
+}
+
+bool FindOrientation(const std::string& text, int& code) {
+    for (const client::AxisOrientation& orientation : client::axisOrientations) {
+        if (text != orientation.name && text != std::to_string(orientation.code)) continue;
+        code = orientation.code;
+        return true;
+    }
+    return false;
+}
+
+bool IsNo(const char* value) {
+    return value[0] == '\0' || EQUAL(value, "NO") || EQUAL(value, "NONE");
+}
+
+// The directory that holds VKMSym, also when people name VKMSym itself.
+std::string HolderOfTables(const char* directory) {
+    return EQUAL(CPLGetFilename(directory), "VKMSym") ? CPLGetPath(directory) : directory;
+}
+
+}  // namespace
+
+bool ReadOpenOptions(const char* const* options, OpenSettings& settings) {
+    const std::string encoding = CSLFetchNameValueDef(options, "ENCODING", "windows-1250");
+    const std::optional<client::Encoding> found = client::FindEncoding(encoding);
+    if (!found) {
+        CPLError(CE_Failure, CPLE_IllegalArg, "ENCODING: '%s' is no encoding", encoding.c_str());
+        return false;
+    }
+    settings.encoding = *found;
+
+    const std::string orientation = CSLFetchNameValueDef(options, "ORIENTATION", "-y,-x");
+    if (!FindOrientation(orientation, settings.axisOrientation)) {
+        CPLError(CE_Failure, CPLE_IllegalArg, "ORIENTATION: '%s' is no axis orientation",
+                 orientation.c_str());
+        return false;
+    }
+    constexpr int eastAndNorth = 128;
+    const char* reference = settings.axisOrientation == eastAndNorth ? "EPSG:5514" : "NO";
+    reference = CSLFetchNameValueDef(options, "SRS", reference);
+    settings.reference = IsNo(reference) ? "" : reference;
+
+    const char* symbology = CSLFetchNameValue(options, "SYMBOLOGY");
+    if (symbology == nullptr) {
+        settings.dataDirectory = SampleSymbology();
+    } else {
+        settings.dataDirectory = IsNo(symbology) ? "" : HolderOfTables(symbology);
+    }
+    settings.withSourceField = CPLFetchBool(options, "SOURCE_FIELD", false);
+    return true;
+}
+
+void RegisterDriver() {
+    if (!GDAL_CHECK_VERSION("VKM driver") || GDALGetDriverByName("VKM") != nullptr) return;
+    auto driver = std::make_unique<GDALDriver>();
+    driver->SetDescription("VKM");
+    driver->SetMetadataItem(GDAL_DCAP_VECTOR, "YES");
+    driver->SetMetadataItem(GDAL_DMD_LONGNAME, "VKM, text exchange format of digital cadastral maps");
+    driver->SetMetadataItem(GDAL_DMD_EXTENSION, "vkm");
+    driver->SetMetadataItem(GDAL_DMD_EXTENSIONS, "vkm");
+    driver->SetMetadataItem(GDAL_DMD_OPENOPTIONLIST, openOptions);
+    driver->SetMetadataItem(GDAL_DCAP_VIRTUALIO, "YES");
+    driver->SetMetadataItem(GDAL_DCAP_FEATURE_STYLES, "YES");
+    driver->pfnIdentify = OnIdentify;
+    driver->pfnOpen = OnOpen;
+    GetGDALDriverManager()->RegisterDriver(driver.release());
+}
+
+}  // namespace vemrado::gdal

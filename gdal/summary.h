@@ -1,0 +1,39 @@
+// Counts and extents of the layers, known once the file was read to its end by whoever came first.
+
+#pragma once
+
+#include <ogr_core.h>
+
+#include <array>
+#include <optional>
+
+#include "elements.h"
+
+namespace vemrado::gdal {
+
+enum LayerKind : int { lineLayer, pointLayer, textLayer, layerKinds };
+
+struct LayerSummary {
+    GIntBig features = 0;
+    GIntBig multiLines = 0;  // lines of more than one stroke
+    OGREnvelope extent;      // not initialised while there are no features
+};
+
+using Summary = std::array<std::optional<LayerSummary>, layerKinds>;
+
+struct Source;
+
+// One pass over the files for all three layers. Gives nothing when it fails, which is reported to GDAL.
+Summary Summarise(Source& source);
+
+OGREnvelope EnvelopeOf(const Batch& batch, const LineRecord& line);
+OGREnvelope EnvelopeOf(const Batch& batch, const PointRecord& point);
+OGREnvelope EnvelopeOf(const Batch& batch, const TextRecord& text);
+
+// Adds a record to what is known of its layer.
+inline void Count(LayerSummary& summary, const OGREnvelope& envelope) {
+    ++summary.features;
+    summary.extent.Merge(envelope);
+}
+
+}  // namespace vemrado::gdal

@@ -1,0 +1,15 @@
+// GDAL's virtual files as the files of the module: zipped, in-memory and remote files import without a copy
+// on disk.
+
+#pragma once
+
+#include "framework/framework.h"
+
+namespace vemrado::gdal {
+
+// Has every file that GDAL can open by the path as the module gives it, with either separator. No length is
+// told: the module makes no progress window then, and no stop request of the keyboard is caught in a host's
+// process.
+extern const FrameworkFileProvider virtualFiles;
+
+}  // namespace vemrado::gdal

@@ -1,0 +1,49 @@
+// An opened VKM file, or several that read as one.
+
+#pragma once
+
+#include <gdal_priv.h>
+
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "vkm_layer.h"
+
+namespace vemrado::gdal {
+
+// What the open options and their defaults come to.
+struct OpenSettings {
+    client::Encoding encoding = client::Encoding::windows1250;
+    int axisOrientation = 128;
+    std::string dataDirectory;  // holds VKMSym; empty: no styles
+    std::string reference = "EPSG:5514";
+    bool withSourceField = false;
+};
+
+class VkmDataset : public GDALDataset {
+  public:
+    // Null when a file or the reference system cannot be used, which is reported to GDAL.
+    static std::unique_ptr<VkmDataset> Open(const std::vector<std::string>& files,
+                                            const OpenSettings& settings);
+
+    VkmDataset() = default;
+    ~VkmDataset() override;
+
+    int GetLayerCount() override { return static_cast<int>(layers.size()); }
+    OGRLayer* GetLayer(int index) override;
+    int TestCapability(const char*) override { return FALSE; }
+
+    // What reading found in each file.
+    const std::vector<FileState>& FileStates() const { return state.source.states; }
+
+  private:
+    bool AddFile(const std::string& file);
+    bool SpoolStandardInput();
+
+    SharedState state;
+    std::vector<std::unique_ptr<OGRLayer>> layers;
+    std::string spooledInput;  // a temporary file, deleted with the dataset
+};
+
+}  // namespace vemrado::gdal

@@ -1,0 +1,275 @@
+#include "vkm_features.h"
+
+#include <cpl_conv.h>
+#include <ogr_geometry.h>
+
+#include <cstdlib>
+#include <cstring>
+
+#include "styles.h"
+
+namespace vemrado::gdal {
+
+namespace {
+
+enum LineField : int {
+    lineCode = 1,
+    lineCodes,
+    lineTypes,
+    lineSymbols,
+    lineValuesM,
+    lineValuesR,
+    lineValuesU
+};
+enum PointField : int {
+    pointSymbol = 1,
+    pointRotation,
+    pointScale,
+    pointValueR,
+    pointCode,
+    pointType,
+    pointLine,
+    pointVertex
+};
+enum TextField : int { textText = 1, textCode, textHeight, textRotation, textValueD, textValueF };
+constexpr int layerField = 0;  // in every layer
+
+// Fills the fields of a new feature by their places. Nothing is written to a field that the user ignores.
+class FieldWriter {
+  public:
+    explicit FieldWriter(OGRFeature& written) : feature(written) {}
+
+    bool Wanted(int field) const { return feature.GetDefnRef()->GetFieldDefn(field)->IsIgnored() == 0; }
+    void Integer(int field, int value) {
+        if (Wanted(field)) feature.SetFieldSameTypeUnsafe(field, value);
+    }
+    void Long(int field, GIntBig value) {
+        if (Wanted(field)) feature.SetFieldSameTypeUnsafe(field, value);
+    }
+    void Real(int field, double value) {
+        if (Wanted(field)) feature.SetFieldSameTypeUnsafe(field, value);
+    }
+    void String(int field, const char* value) {
+        if (Wanted(field)) feature.SetFieldSameTypeUnsafe(field, CPLStrdup(value));
+    }
+
+    // List fields: value(i) gives the i-th entry.
+    template <typename Value>
+    void Strings(int field, size_t count, Value value) {
+        char** list = static_cast<char**>(CPLMalloc((count + 1) * sizeof(char*)));
+        for (size_t i = 0; i < count; ++i) list[i] = value(i);
+        list[count] = nullptr;
+        OGRField* raw = feature.GetRawFieldRef(field);
+        raw->StringList.nCount = static_cast<int>(count);
+        raw->StringList.paList = list;
+    }
+    template <typename Value>
+    void Reals(int field, size_t count, Value value) {
+        double* list = static_cast<double*>(CPLMalloc(count * sizeof(double)));
+        for (size_t i = 0; i < count; ++i) list[i] = value(i);
+        OGRField* raw = feature.GetRawFieldRef(field);
+        raw->RealList.nCount = static_cast<int>(count);
+        raw->RealList.paList = list;
+    }
+    template <typename Value>
+    void Integers(int field, size_t count, Value value) {
+        int* list = static_cast<int*>(CPLMalloc(count * sizeof(int)));
+        for (size_t i = 0; i < count; ++i) list[i] = value(i);
+        OGRField* raw = feature.GetRawFieldRef(field);
+        raw->IntegerList.nCount = static_cast<int>(count);
+        raw->IntegerList.paList = list;
+    }
+
+  private:
+    OGRFeature& feature;
+};
+
+char* NewString(const char* text, size_t length) {
+    char* copy = static_cast<char*>(CPLMalloc(length + 1));
+    std::memcpy(copy, text, length);
+    copy[length] = '\0';
+    return copy;
+}
+
+OGRGeometry* MakeStroke(const Batch& batch, size_t first, size_t count) {
+    auto stroke = new OGRLineString();
+    stroke->setPoints(static_cast<int>(count), &batch.vertices[first]);
+    return stroke;
+}
+
+OGRGeometry* MakeGeometry(const Batch& batch, const LineRecord& line) {
+    OGRMultiLineString* strokes = line.strokes > 1 ? new OGRMultiLineString() : nullptr;
+    OGRGeometry* geometry = strokes;
+    ForEachStroke(batch, line, [&](size_t first, size_t count) {
+        OGRGeometry* stroke = MakeStroke(batch, first, count);
+        if (strokes != nullptr) {
+            strokes->addGeometryDirectly(stroke);
+        } else {
+            geometry = stroke;
+        }
+    });
+    return geometry;
+}
+
+void SetGeometry(OGRFeature& feature, OGRGeometry* geometry, const Definition& definition) {
+    geometry->assignSpatialReference(definition.Reference());
+    feature.SetGeometryDirectly(geometry);
+}
+
+// What the vertices of a line say beyond the defaults; lists that say nothing stay unset.
+struct LineContents {
+    uint32_t firstCode = 0;
+    bool symbols = false;
+    bool valuesM = false;
+    bool valuesR = false;
+    bool valuesU = false;
+};
+
+bool Differs(double value, double standard) {
+    return !(value == standard);
+}
+
+LineContents ContentsOf(const Batch& batch, const LineRecord& line) {
+    LineContents contents;
+    for (size_t i = line.first; i < line.first + line.count; ++i) {
+        const VertexValues& values = batch.values[i];
+        if (contents.firstCode == 0) contents.firstCode = values.code;
+        contents.symbols |= values.symbol != 0;
+        contents.valuesM |= Differs(values.valueM, 1.0);
+        contents.valuesR |= Differs(values.valueR, 0.0);
+        contents.valuesU |= Differs(values.valueU, 0.0);
+    }
+    return contents;
+}
+
+void WriteLineFields(FieldWriter& fields, const Batch& batch, const LineRecord& line) {
+    const LineContents contents = ContentsOf(batch, line);
+    const VertexValues* values = &batch.values[line.first];
+    fields.Integer(layerField, line.layer);
+    if (contents.firstCode != 0) {
+        fields.Integer(lineCode, std::atoi(batch.String(contents.firstCode)));
+        if (fields.Wanted(lineCodes)) {
+            fields.Strings(lineCodes, line.count,
+                           [&](size_t i) { return CPLStrdup(batch.String(values[i].code)); });
+        }
+    }
+    if (fields.Wanted(lineTypes)) {
+        fields.Strings(lineTypes, line.count, [&](size_t i) { return NewString(&values[i].type, 1); });
+    }
+    if (contents.symbols && fields.Wanted(lineSymbols))
+        fields.Integers(lineSymbols, line.count, [&](size_t i) { return values[i].symbol; });
+    if (contents.valuesM && fields.Wanted(lineValuesM))
+        fields.Reals(lineValuesM, line.count, [&](size_t i) { return values[i].valueM; });
+    if (contents.valuesR && fields.Wanted(lineValuesR))
+        fields.Reals(lineValuesR, line.count, [&](size_t i) { return values[i].valueR; });
+    if (contents.valuesU && fields.Wanted(lineValuesU))
+        fields.Reals(lineValuesU, line.count, [&](size_t i) { return values[i].valueU; });
+}
+
+}  // namespace
+
+Definition::Definition(const char* layerName, OGRwkbGeometryType geometryType,
+                       const OGRSpatialReference* source)
+    : definition(new OGRFeatureDefn(layerName)) {
+    definition->Reference();
+    definition->SetGeomType(geometryType);
+    if (source == nullptr) return;
+    OGRSpatialReference* own = source->Clone();
+    definition->GetGeomFieldDefn(0)->SetSpatialRef(own);
+    own->Release();
+    reference = own;
+}
+
+Definition::~Definition() {
+    definition->Release();
+}
+
+void Definition::AddField(const char* name, OGRFieldType type, const char* comment) {
+    OGRFieldDefn field(name, type);
+    field.SetAlternativeName(comment);
+    definition->AddFieldDefn(&field);
+}
+
+void AddLineFields(Definition& definition) {
+    definition.AddField("layer", OFTInteger, "Layer (U record)");
+    definition.AddField("code", OFTInteger, "Code (first K)");
+    definition.AddField("codes", OFTStringList, "Code of each vertex (K)");
+    definition.AddField("types", OFTStringList, "Type letter of each vertex");
+    definition.AddField("symbols", OFTIntegerList, "Symbol code of each vertex (S)");
+    definition.AddField("m_values", OFTRealList, "Symbol scale of each vertex (M)");
+    definition.AddField("r_values", OFTRealList, "R value of each vertex");
+    definition.AddField("u_values", OFTRealList, "Symbol rotation of each vertex (U)");
+}
+
+void AddPointFields(Definition& definition) {
+    definition.AddField("layer", OFTInteger, "Layer (U record)");
+    definition.AddField("symbol", OFTInteger, "Symbol code (S)");
+    definition.AddField("rotation", OFTReal, "Rotation as in the file (U)");
+    definition.AddField("scale", OFTReal, "Scale (M)");
+    definition.AddField("r_value", OFTReal, "R value");
+    definition.AddField("code", OFTString, "Code of the line element (K)");
+    definition.AddField("type", OFTString, "Type letter of the line element");
+    definition.AddField("line", OFTInteger64, "Identifier of the line it lies on");
+    definition.AddField("vertex", OFTInteger, "Place in its line, from 0");
+}
+
+void AddTextFields(Definition& definition) {
+    definition.AddField("layer", OFTInteger, "Layer (U record)");
+    definition.AddField("text", OFTString, "Text");
+    definition.AddField("code", OFTInteger, "Code (K)");
+    definition.AddField("height", OFTReal, "Height in ground units (H times map scale / 1000)");
+    definition.AddField("rotation", OFTReal, "Rotation as in the file (U)");
+    definition.AddField("d_value", OFTInteger, "D value");
+    definition.AddField("f_value", OFTInteger, "F value");
+}
+
+OGRFeature* MakeFeature(const Definition& definition, const Batch& batch, const LineRecord& line,
+                        FeatureNeeds needs) {
+    auto feature = new OGRFeature(definition.Get());
+    FieldWriter fields(*feature);
+    WriteLineFields(fields, batch, line);
+    if (needs.geometry) SetGeometry(*feature, MakeGeometry(batch, line), definition);
+    if (needs.styles != nullptr) needs.styles->SetPen(*feature, batch, line);
+    return feature;
+}
+
+OGRFeature* MakeFeature(const Definition& definition, const Batch& batch, const PointRecord& point,
+                        FeatureNeeds needs) {
+    auto feature = new OGRFeature(definition.Get());
+    FieldWriter fields(*feature);
+    const VertexValues& values = batch.values[point.vertex];
+    fields.Integer(layerField, point.layer);
+    if (values.symbol != 0) fields.Integer(pointSymbol, values.symbol);
+    fields.Real(pointRotation, values.valueU);
+    fields.Real(pointScale, values.valueM);
+    fields.Real(pointValueR, values.valueR);
+    if (values.code != 0) fields.String(pointCode, batch.String(values.code));
+    const char type[] = {values.type, '\0'};
+    fields.String(pointType, type);
+    if (point.line != 0) fields.Long(pointLine, point.line);
+    fields.Integer(pointVertex, point.index);
+    if (needs.geometry) {
+        const OGRRawPoint& place = batch.vertices[point.vertex];
+        SetGeometry(*feature, new OGRPoint(place.x, place.y), definition);
+    }
+    if (needs.styles != nullptr) needs.styles->SetSymbol(*feature, batch, point);
+    return feature;
+}
+
+OGRFeature* MakeFeature(const Definition& definition, const Batch& batch, const TextRecord& text,
+                        FeatureNeeds needs) {
+    auto feature = new OGRFeature(definition.Get());
+    FieldWriter fields(*feature);
+    fields.Integer(layerField, text.layer);
+    fields.String(textText, batch.String(text.text));
+    if (text.code != 0) fields.Integer(textCode, text.code);
+    fields.Real(textHeight, text.height);
+    fields.Real(textRotation, text.rotation);
+    fields.Integer(textValueD, text.valueD);
+    fields.Integer(textValueF, text.valueF);
+    if (needs.geometry) SetGeometry(*feature, new OGRPoint(text.point.x, text.point.y), definition);
+    if (needs.styles != nullptr) needs.styles->SetLabel(*feature, batch.String(text.text), text);
+    return feature;
+}
+
+}  // namespace vemrado::gdal

@@ -1,0 +1,163 @@
+#include "vkm_layer.h"
+
+#include <algorithm>
+
+namespace vemrado::gdal {
+
+namespace {
+
+constexpr Content contents[layerKinds] = {Content::lines, Content::points, Content::texts};
+constexpr const char* names[layerKinds] = {"lines", "points", "texts"};
+// Lines are LineString or MultiLineString, which no narrower type covers.
+constexpr OGRwkbGeometryType geometryTypes[layerKinds] = {wkbUnknown, wkbPoint, wkbPoint};
+
+}  // namespace
+
+bool SharedState::Summarised() {
+    const auto known = [](const auto& layer) { return layer.has_value(); };
+    if (!std::all_of(summary.begin(), summary.end(), known)) summary = Summarise(source);
+    return std::all_of(summary.begin(), summary.end(), known);
+}
+
+const Styles* SharedState::StylesInUse() {
+    if (dataDirectory.empty()) return nullptr;
+    if (!styles) styles.emplace(*Symbology::Of(dataDirectory));
+    return &*styles;
+}
+
+VkmLayer::VkmLayer(SharedState& shared, LayerKind layerKind, const OGRSpatialReference* reference)
+    : state(shared), kind(layerKind), definition(names[layerKind], geometryTypes[layerKind], reference) {
+    if (kind == lineLayer) AddLineFields(definition);
+    if (kind == pointLayer) AddPointFields(definition);
+    if (kind == textLayer) AddTextFields(definition);
+    if (state.source.withSourceField) {
+        sourceField = definition.Get()->GetFieldCount();
+        definition.AddField("source", OFTString, "File it comes from");
+    }
+    SetDescription(definition.Get()->GetName());
+}
+
+VkmLayer::~VkmLayer() = default;
+
+std::unique_ptr<VkmLayer::Cursor> VkmLayer::StartCursor() const {
+    return std::make_unique<Cursor>(state.source, contents[kind]);
+}
+
+void VkmLayer::ResetReading() {
+    reading.reset();
+}
+
+size_t VkmLayer::RecordCount(const Batch& batch) const {
+    if (kind == lineLayer) return batch.lines.size();
+    if (kind == pointLayer) return batch.points.size();
+    return batch.texts.size();
+}
+
+bool VkmLayer::OnRecord(Cursor& cursor) {
+    while (cursor.next == RecordCount(cursor.batch)) {
+        if (cursor.reader.State() != ReadState::reading) return false;
+        cursor.reader.Fill(cursor.batch);
+        cursor.next = 0;
+        // The end of a full pass tells what there is.
+        if (cursor.reader.State() == ReadState::complete) state.summary[kind] = cursor.counted;
+    }
+    return true;
+}
+
+OGREnvelope VkmLayer::Pass(Cursor& cursor) {
+    const size_t record = cursor.next++;
+    const Batch& batch = cursor.batch;
+    const OGREnvelope envelope = kind == lineLayer    ? EnvelopeOf(batch, batch.lines[record])
+                                 : kind == pointLayer ? EnvelopeOf(batch, batch.points[record])
+                                                      : EnvelopeOf(batch, batch.texts[record]);
+    Count(cursor.counted, envelope);
+    if (kind == lineLayer && batch.lines[record].strokes > 1) ++cursor.counted.multiLines;
+    ++cursor.passed;
+    return envelope;
+}
+
+OGRFeature* VkmLayer::Make(const Cursor& cursor, size_t record) {
+    const OGRFeatureDefn* defn = definition.Get();
+    FeatureNeeds needs;
+    needs.geometry = defn->IsGeometryIgnored() == 0 || m_poFilterGeom != nullptr ||
+                     (m_poAttrQuery != nullptr && AttributeFilterEvaluationNeedsGeometry() != 0);
+    needs.styles = defn->IsStyleIgnored() ? nullptr : state.StylesInUse();
+    const Batch& batch = cursor.batch;
+    OGRFeature* feature = kind == lineLayer    ? MakeFeature(definition, batch, batch.lines[record], needs)
+                          : kind == pointLayer ? MakeFeature(definition, batch, batch.points[record], needs)
+                                               : MakeFeature(definition, batch, batch.texts[record], needs);
+    if (sourceField >= 0 && defn->GetFieldDefn(sourceField)->IsIgnored() == 0)
+        feature->SetField(sourceField, state.source.names[batch.source].c_str());
+    feature->SetFID(cursor.passed);
+    return feature;
+}
+
+OGRFeature* VkmLayer::NextInRectangle(Cursor& cursor) {
+    const size_t record = cursor.next;
+    const OGREnvelope envelope = Pass(cursor);
+    if (m_poFilterGeom != nullptr && envelope.Intersects(m_sFilterEnvelope) == 0) return nullptr;
+    return Make(cursor, record);
+}
+
+OGRFeature* VkmLayer::GetNextFeature() {
+    if (reading == nullptr) reading = StartCursor();
+    while (OnRecord(*reading)) {
+        std::unique_ptr<OGRFeature> feature(NextInRectangle(*reading));
+        if (feature == nullptr) continue;
+        const bool passes = (m_poFilterGeom == nullptr || FilterGeometry(feature->GetGeometryRef()) != 0) &&
+                            (m_poAttrQuery == nullptr || m_poAttrQuery->Evaluate(feature.get()) != 0);
+        if (!passes) continue;
+        ++m_nFeaturesRead;
+        return feature.release();
+    }
+    return nullptr;
+}
+
+OGRErr VkmLayer::SetNextByIndex(GIntBig index) {
+    if (!Unfiltered()) return OGRLayer::SetNextByIndex(index);
+    if (index < 0) return OGRERR_FAILURE;
+    if (reading == nullptr || reading->passed > index) reading = StartCursor();
+    while (reading->passed < index) {
+        if (!OnRecord(*reading)) return OGRERR_FAILURE;
+        Pass(*reading);
+    }
+    return OGRERR_NONE;
+}
+
+OGRFeature* VkmLayer::GetFeature(GIntBig identifier) {
+    if (identifier < 1) return nullptr;
+    if (lookup == nullptr || lookup->passed >= identifier) lookup = StartCursor();
+    while (OnRecord(*lookup)) {
+        const size_t record = lookup->next;
+        Pass(*lookup);
+        if (lookup->passed == identifier) return Make(*lookup, record);
+    }
+    lookup.reset();
+    return nullptr;
+}
+
+GIntBig VkmLayer::GetFeatureCount(int force) {
+    if (!Unfiltered()) return OGRLayer::GetFeatureCount(force);
+    const auto& known = state.summary[kind];
+    if (!known && (force == 0 || !state.Summarised())) return -1;
+    return known->features;
+}
+
+OGRErr VkmLayer::GetExtent(OGREnvelope* extent, int force) {
+    const auto& known = state.summary[kind];
+    if (!known && (force == 0 || !state.Summarised())) return OGRERR_FAILURE;
+    if (known->features == 0) return OGRERR_FAILURE;
+    *extent = known->extent;
+    return OGRERR_NONE;
+}
+
+int VkmLayer::TestCapability(const char* capability) {
+    const bool known = state.summary[kind].has_value();
+    if (EQUAL(capability, OLCFastFeatureCount)) return known && Unfiltered();
+    if (EQUAL(capability, OLCFastGetExtent)) return known;
+    if (EQUAL(capability, OLCStringsAsUTF8)) return TRUE;
+    if (EQUAL(capability, OLCIgnoreFields)) return TRUE;
+    return FALSE;
+}
+
+}  // namespace vemrado::gdal
