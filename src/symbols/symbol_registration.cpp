@@ -1,0 +1,74 @@
+// Drawing and registration of the point symbols of CKokesSymbols.
+
+#include <cstdio>
+#include <cstdlib>
+#include <utility>
+
+#include "framework/framework.h"
+#include "interface/messages.h"
+#include "support/data_directories.h"
+#include "symbols/symbol_table.h"
+
+namespace vemrado {
+
+namespace {
+
+// One unreadable shape file is reported in the life of the module, whichever importer meets it.
+bool mayWarn = true;
+
+// path may be empty.
+void WarnOnce(const String& path, const String& text) {
+    if (!mayWarn) return;
+    AfxMessageBox(path.empty() ? text.c_str() : (path + ": " + text).c_str(), frameworkExclamationOk, 0);
+    mayWarn = false;
+}
+
+void WarnOfShapeFile(const String& path) {
+    WarnOnce(path, String(msgNoSymbolFile).append("\n").append(msgSymbolsNotImported));
+}
+
+}  // namespace
+
+int32_t CKokesSymbols::GetSymbolPattern(int32_t vkmCode) {
+    const auto found = vkmSymbols.find(vkmCode);
+    if (found == vkmSymbols.end()) return 0;
+    CSymbol& symbol = found->second;
+    if (symbol.patternId == 0 && symbol.failed == 0) {
+        symbol.patternId = RegisterSymbol(symbol);
+        symbol.failed = symbol.patternId == 0 ? 1 : 0;
+    }
+    return symbol.patternId;
+}
+
+int32_t CKokesSymbols::RegisterSymbol(const CSymbol& symbol) {
+    CSymbolShapes* shapes = GetShapes(symbol.fileIndex);
+    if (shapes == nullptr) return 0;
+    char name[64];
+    std::snprintf(name, sizeof name, "S_%lld", std::llabs(symbol.vkmCode));
+    pattern.ClearPattern();
+    DrawSymbol(*shapes, symbol.symbolNumber, pattern, 0, 0);
+    pattern.Terminate();
+    return setextpattpoint(pattern.Elements(), name);
+}
+
+CSymbolShapes* CKokesSymbols::GetShapes(int32_t fileIndex) {
+    if (fileIndex < 0 || static_cast<size_t>(fileIndex) >= files.size()) return nullptr;
+    CSymbolFile& file = files[static_cast<size_t>(fileIndex)];
+    if (file.failed != 0) return nullptr;
+    if (file.shapes != nullptr) return file.shapes.get();
+    file.failed = 1;
+    try {
+        const String path = GetSymbolDirectory() + file.name;
+        PoolPointer<CSymbolShapes> shapes = MakeInPool<CSymbolShapes>();
+        if (shapes == nullptr || LoadShapeFile(*shapes, path.c_str()).count == 0) {
+            WarnOfShapeFile(path);
+            return nullptr;
+        }
+        file.shapes = std::move(shapes);
+        file.failed = 0;
+    } catch (const std::bad_alloc&) {
+    }
+    return file.shapes.get();
+}
+
+}  // namespace vemrado
