@@ -1,0 +1,30 @@
+// From the line codes of VKM files to line type numbers: the line code section of "DKM1_3.TB".
+
+#pragma once
+
+#include <cstdint>
+
+#include "support/containers.h"
+#include "support/table_text.h"
+
+namespace vemrado {
+
+class CKokesCodeMap {
+  public:
+    // 1 when the file has a line code section, else 0 with a collected warning. May throw std::bad_alloc;
+    // what was read before stays.
+    int ReadCodeMap(const String& filePath);
+    void Clear() { map.clear(); }
+
+    // 0 when the code is not mapped, or mapped to 0.
+    int32_t FindLineType(int32_t vkmCode) const;
+
+  private:
+    int ReadSection(char letter);
+
+    String path;
+    TableFile file;
+    CodeMap<int32_t> map;
+};
+
+}  // namespace vemrado
