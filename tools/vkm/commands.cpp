@@ -9,6 +9,7 @@ void AddCommands(Program& program) {
     AddRenderCommand(program);
 #endif
     AddSymbologyCommand(program);
+    AddShapesCommand(program);
     AddGenerateCommand(program);
 }
 

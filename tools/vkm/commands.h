@@ -13,6 +13,7 @@ void AddInfoCommand(Program& program);
 void AddDumpCommand(Program& program);
 void AddRenderCommand(Program& program);
 void AddSymbologyCommand(Program& program);
+void AddShapesCommand(Program& program);
 void AddGenerateCommand(Program& program);
 
 }  // namespace vemrado::tools
