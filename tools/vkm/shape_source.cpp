@@ -1,9 +1,11 @@
 #include "shape_source.h"
 
+#include <algorithm>
 #include <charconv>
 #include <cmath>
 #include <limits>
 #include <numbers>
+#include <utility>
 #include <vector>
 
 namespace vemrado::tools {
@@ -301,7 +303,7 @@ std::string Quote(std::string_view text) {
         } else if (character >= ' ' && character <= '~') {
             quoted += character;
         } else {
-            quoted += "\\x" + Hex({&character, 1});
+            quoted.append("\\x").append(Hex({&character, 1}));
         }
     }
     return quoted + '"';
@@ -313,7 +315,7 @@ void Append(std::string& source, const ShapeHeight& height) {
 
 void Append(std::string& source, const ShapeDrawing& drawing) {
     source += "\ndrawing";
-    if (drawing.name) source += " " + Quote(*drawing.name);
+    if (drawing.name) source.append(" ").append(Quote(*drawing.name));
     source += "\n";
     if (drawing.firstWord != 0 || drawing.secondWord != 0) {
         source +=
@@ -330,11 +332,13 @@ void Append(std::string& source, const ShapeDrawing& drawing) {
 }
 
 void Append(std::string& source, const ShapeRecord& record) {
-    source += "\nrecord " + Quote(record.header);
-    if (TypeOfHeader(record.header) == '~') source += " " + std::to_string(record.secondSize);
+    source.append("\nrecord ").append(Quote(record.header));
+    if (TypeOfHeader(record.header) == '~') source.append(" ").append(std::to_string(record.secondSize));
     source += "\n";
     for (size_t i = 0; i < record.value.size(); i += bytesOnLine) {
-        source += "  bytes " + Hex(std::string_view(record.value).substr(i, bytesOnLine)) + "\n";
+        source.append("  bytes ")
+            .append(Hex(std::string_view(record.value).substr(i, bytesOnLine)))
+            .append("\n");
     }
 }
 
