@@ -43,6 +43,11 @@ bool Fits(const Site& site, const Ring& ring, double clearance) {
 
 }  // namespace
 
+void Builder::Draw(const Ring& ring, int32_t code) {
+    drawing_.AddRing(layerBuildings, ring, code);
+    occupied_.push_back(ring);
+}
+
 BuildingPlan Builder::Terrace(const Site& site) {
     const double deep = random_.Between(9.5, 13);
     const double wingChance = random_.Unit();

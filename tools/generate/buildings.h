@@ -27,6 +27,10 @@ class Builder {
   public:
     Builder(Drawing& drawing, Random& random) : drawing_(drawing), random_(random) {}
 
+    // Begins another parcel; Occupied are the outlines drawn on it.
+    void StartParcel() { occupied_.clear(); }
+    const std::vector<Ring>& Occupied() const { return occupied_; }
+
     // A house on the street line from side to side, with a wing in the yard.
     BuildingPlan Terrace(const Site& site);
     // A house behind a front garden, sometimes with a shed at the back.
@@ -39,12 +43,13 @@ class Builder {
     BuildingPlan Church(Point center);
 
   private:
-    void Draw(const Ring& ring, int32_t code) { drawing_.AddRing(layerBuildings, ring, code); }
+    void Draw(const Ring& ring, int32_t code);
     bool Shed(const Site& site, double from);
     void Steps(const Site& site, Point wall);
 
     Drawing& drawing_;
     Random& random_;
+    std::vector<Ring> occupied_;
 };
 
 }  // namespace generate

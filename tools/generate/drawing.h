@@ -36,7 +36,7 @@ struct DrawnText {
     int32_t code = 0;            // K, 0: left to the layer's default
     int32_t heightTenths = 0;    // H in tenths of a millimetre on paper, 0: left to the default
     int32_t font = 0;            // F, 0: left to the default
-    int32_t anchor = 0;          // D, 0: left to the default
+    int32_t anchor = 5;          // D: 5, the middle of the text stands on its point
     int32_t gonsHundredths = 0;  // U
 };
 
@@ -65,7 +65,6 @@ class Drawing {
     // Gives the last element's point a symbol too.
     void MarkLast(Layer layer, int32_t symbol, double gons);
     void AddText(Layer layer, Point at, std::string_view text, int32_t code, double gons);
-    DrawnText& LastText(Layer layer) { return Of(layer).texts.back(); }
 
   private:
     DrawnLayer& Of(Layer layer) { return layers_[static_cast<std::size_t>(layer)]; }

@@ -1,6 +1,7 @@
 #include "furnishing.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <numbers>
 
@@ -47,6 +48,7 @@ constexpr double letterWidth = 0.62;
 void Furnisher::Furnish(const BoundaryNet& net, Parcel& parcel) {
     net.Refine(parcel.face);
     net.Outline(parcel.face, site_.ring, site_.sides);
+    builder_.StartParcel();
     site_.hasFront = FrontOf(site_.ring, site_.sides, site_.front);
     switch (parcel.use) {
         case ParcelUse::terrace:
@@ -91,17 +93,47 @@ Path Furnisher::Closed(const Ring& ring) const {
     return path;
 }
 
-// The number stands level where it has room, else along the parcel.
-void Furnisher::Number(const Parcel& parcel, Point at) {
+// True when a text's box lies inside the parcel and clear of its buildings.
+bool Furnisher::HasRoom(Point at, Point along, double halfWidth, double halfHeight) const {
+    for (const double x : {-1.0, -0.5, 0.0, 0.5, 1.0}) {
+        for (const double y : {-1.0, 1.0}) {
+            const Point corner = at + along * (x * halfWidth) + Left(along) * (y * halfHeight);
+            if (!Contains(site_.ring, corner)) return false;
+            for (const Ring& building : builder_.Occupied()) {
+                if (Contains(building, corner)) return false;
+            }
+        }
+    }
+    return true;
+}
+
+// The nearest of some places around the wanted one that has room, level when possible, else along the parcel.
+void Furnisher::PlaceNear(Point wanted, double halfWidth, Point& at, double& gons) const {
+    constexpr std::array<double, 9> steps{0, 2, -2, 4, -4, 6.5, -6.5, 9, -9};
+    const Point inwards = site_.hasFront ? site_.front.inwards : Point{0, 1};
+    const double halfHeight = 0.75 * numberHeight * paper_;
+    const Point upright = Rotated({1, 0}, ReadableGons(inwards) * std::numbers::pi / 200);
+    for (const Point along : {Point{1, 0}, upright}) {
+        for (const double depth : steps) {
+            for (const double aside : steps) {
+                at = wanted + inwards * depth + Left(inwards) * aside;
+                if (!HasRoom(at, along, halfWidth, halfHeight)) continue;
+                gons = along.east < 1 ? ReadableGons(inwards) : 0;
+                return;
+            }
+        }
+    }
+    at = wanted;
+    gons = 0;
+}
+
+void Furnisher::Number(const Parcel& parcel, Point wanted) {
     std::string text = std::to_string(parcel.stem);
     if (parcel.sub > 0) text += "/" + std::to_string(parcel.sub);
     const double width = static_cast<double>(text.size()) * letterWidth * numberHeight * paper_;
+    Point at;
     double gons = 0;
-    Chord chord;
-    if (FindChord(site_.ring, at, {1, 0}, chord) &&
-        std::min(chord.ahead.distance, -chord.behind.distance) * 2 < width + 0.6) {
-        gons = ReadableGons(site_.hasFront ? site_.front.inwards : FrameOf(site_.ring).along);
-    }
+    PlaceNear(wanted, width / 2 + 0.3, at, gons);
     drawing_.AddText(layerParcelNumbers, at, text, 0, gons);
 }
 
@@ -135,8 +167,6 @@ void Furnisher::FurnishHouse(const Parcel& parcel) {
     }
     const double depth = plan.back + std::max(2.4 * paper_, (site_.front.depth - plan.back) * 0.5);
     Point at = site_.front.middle + site_.front.inwards * depth;
-    if (!IsFree(at, 0.9 * paper_))
-        at = site_.front.middle + site_.front.inwards * ((plan.back + site_.front.depth) / 2);
     if (!Contains(site_.ring, at)) at = Inside();
     Number(parcel, at);
     if (parcel.use == ParcelUse::house && random_.Chance(0.12)) {
@@ -231,30 +261,38 @@ void Furnisher::FurnishLand(const Parcel& parcel) {
 void Furnisher::FurnishPond(const Parcel& parcel) {
     const Frame frame = FrameOf(site_.ring);
     const Point center = Inside();
-    Ring shore;
-    constexpr int steps = 36;
+    constexpr std::size_t steps = 40;
+    std::array<Point, steps> directions;
+    std::array<double, steps> room{};
     const double phase = random_.Between(0, 2 * std::numbers::pi);
-    for (int i = 0; i < steps; ++i) {
-        const double angle = 2 * std::numbers::pi * i / steps;
-        const Point direction = frame.along * std::cos(angle) + frame.across * std::sin(angle);
+    for (std::size_t i = 0; i < steps; ++i) {
+        const double angle = 2 * std::numbers::pi * static_cast<double>(i) / steps;
+        directions[i] = frame.along * std::cos(angle) + frame.across * std::sin(angle);
         Chord chord;
-        if (!FindChord(site_.ring, center, direction, chord)) continue;
-        const double wave =
-            0.68 + 0.09 * std::sin(2 * angle + phase) + 0.05 * std::sin(5 * angle + 2 * phase);
-        const double most =
-            0.5 * (frame.length * std::abs(std::cos(angle)) + frame.width * std::abs(std::sin(angle)));
-        shore.push_back(center + direction * (std::min(chord.ahead.distance, most) * wave));
+        if (!FindChord(site_.ring, center, directions[i], chord)) return FurnishLand(parcel);
+        room[i] = chord.ahead.distance * (0.78 + 0.07 * std::sin(3 * angle + phase));
     }
-    if (shore.size() > 8) {
-        drawing_.AddPath(layerWater, Closed(shore), codeWaterEdge, 'C');
-        for (const double share : {-0.25, 0.0, 0.25}) {
-            drawing_.AddSymbol(layerLandUse,
-                               center + frame.along * (frame.length * share) - frame.across * (5 * paper_),
-                               symbolStillWater);
-        }
+    // Corners of the parcel are cut off by taking the least room around, then the mean of that.
+    std::array<double, steps> least{};
+    Ring shore(steps);
+    constexpr std::size_t reach = 3;
+    for (std::size_t i = 0; i < steps; ++i) {
+        least[i] = room[i];
+        for (std::size_t k = 0; k <= 2 * reach; ++k)
+            least[i] = std::min(least[i], room[(i + steps + k - reach) % steps]);
     }
-    Number(parcel, center + frame.across * (3 * paper_));
-    Caption(names_.pond, center + frame.across * (7 * paper_), textWater, 4.4);
+    for (std::size_t i = 0; i < steps; ++i) {
+        double sum = 0;
+        for (std::size_t k = 0; k <= 2 * reach; ++k) sum += least[(i + steps + k - reach) % steps];
+        shore[i] = center + directions[i] * (sum / (2 * reach + 1));
+    }
+    drawing_.AddPath(layerWater, Closed(shore), codeWaterEdge, 'C');
+    for (const double share : {-0.22, 0.22}) {
+        const Point at = center + frame.along * (frame.length * share);
+        if (Contains(shore, at)) drawing_.AddSymbol(layerLandUse, at, symbolStillWater);
+    }
+    Number(parcel, center - Point{0, 3 * paper_});
+    Caption(names_.pond, center + Point{0, 3 * paper_}, textWater, 4.4);
 }
 
 void Furnisher::FurnishSports(const Parcel& parcel) {

@@ -35,6 +35,8 @@ class Furnisher {
     void Marks(int32_t symbol, double spacing, double largest, Point number);
     void Caption(const std::string& text, Point at, int32_t code, double height);
     bool IsFree(Point at, double clearance) const;
+    bool HasRoom(Point at, Point along, double halfWidth, double halfHeight) const;
+    void PlaceNear(Point wanted, double halfWidth, Point& at, double& gons) const;
     Point Inside() const;
     Path Closed(const Ring& ring) const;
 

@@ -166,12 +166,14 @@ void RecordWriter::EndLine(Ending ending) {
     out_ += '\n';
 }
 
-// A line that changes nothing for the element that is being read.
-void RecordWriter::Oddity() {
-    constexpr std::array<const char*, 9> lines{"&Q 1 2 K=77",       "&l 1 2 3", "&",      "",
-                                               "? 12 Z=5 KX=3 foo", "  \t  ",   "&x S=9", "; H 5 KM=1",
-                                               "& L 5 5 K=1"};
-    out_ += random_.Pick(lines);
+// A line that changes nothing for the element that is being read. Right after the record's own line only
+// unknown records do so: that line's element may have been handed on, and any other line would begin an empty
+// one.
+void RecordWriter::Oddity(bool afterRecordLine) {
+    constexpr std::array<const char*, 5> unknownRecords{"&Q 1 2 K=77", "&l 1 2 3", "&", "&x S=9",
+                                                        "& L 5 5 K=1"};
+    constexpr std::array<const char*, 4> otherLines{"", "? 12 Z=5 KX=3 foo", "  \t  ", "; H 5 KM=1"};
+    out_ += afterRecordLine || random_.Chance(0.5) ? random_.Pick(unknownRecords) : random_.Pick(otherLines);
     EndLine();
 }
 
@@ -199,25 +201,27 @@ void RecordWriter::SetLayer(int layer) {
 }
 
 void RecordWriter::Element(const DrawnElement& element) {
+    const bool odd = form_ == RecordForm::odd;
     if (element.startsLine) {
         StartRecord('L');
-    } else {
-        if (form_ == RecordForm::odd && random_.Chance(0.06) && !afterFirstElement_) Oddity();
+    } else if (odd && random_.Chance(0.06)) {
+        Oddity(afterRecordLine_);
     }
     Separator();
     out_ += element.type;
-    if (form_ == RecordForm::odd && element.startsLine && random_.Chance(0.1)) out_ += "oint";
+    if (odd && element.startsLine && random_.Chance(0.1)) out_ += "oint";
     Coordinates(element.at);
     const ElementKeys& keys = element.keys;
     if (keys.code != 0) Key('K', keys.code);
     if (keys.symbol != 0) Key('S', keys.symbol);
-    const bool hasMore = keys.scaleHundredths != 100 || keys.gonsHundredths != 0;
-    if (hasMore && random_.Chance(form_ == RecordForm::odd ? 0.5 : 0.15) && !element.startsLine) Continue();
+    const bool hasMore =
+        keys.scaleHundredths != 100 || keys.gonsHundredths != 0 || keys.radiusHundredths != 0;
+    if (hasMore && !element.startsLine && random_.Chance(odd ? 0.5 : 0.15)) Continue();
     if (keys.scaleHundredths != 100) KeyDecimal('M', keys.scaleHundredths, 2);
     if (keys.gonsHundredths != 0) KeyDecimal('U', keys.gonsHundredths, 2);
     if (keys.radiusHundredths != 0) KeyDecimal('R', keys.radiusHundredths, 2);
     EndLine(element.startsLine ? Ending::shortLine : Ending::any);
-    afterFirstElement_ = element.startsLine;
+    afterRecordLine_ = element.startsLine;
 }
 
 void RecordWriter::Text(const DrawnText& text) {

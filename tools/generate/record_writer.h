@@ -55,11 +55,11 @@ class RecordWriter {
     void Quoted(std::string_view text);
     void StartRecord(char letter);
     void Continue();
-    // Some records are read again on a line that follows without a mark, or make an element of it: those must
-    // not be longer than a buffer.
+    // Some records are read again on a line that follows without a mark: those must not be longer than a
+    // buffer.
     enum class Ending { any, shortLine };
     void EndLine(Ending ending = Ending::any);
-    void Oddity();
+    void Oddity(bool afterRecordLine);
     void Number(int64_t value, int decimals);
     void Digits(uint64_t value);
 
@@ -69,9 +69,7 @@ class RecordWriter {
     int64_t originY_ = 0;
     int64_t originX_ = 0;
     bool inHeader_ = true;
-    // The first element of a line is complete when its record ends the element before: a line that went on
-    // with it would make an element without a point.
-    bool afterFirstElement_ = false;
+    bool afterRecordLine_ = false;
     std::string out_;
 };
 

@@ -1,6 +1,9 @@
 #include "sheet.h"
 
 #include <algorithm>
+#include <array>
+#include <cmath>
+#include <numbers>
 #include <string>
 
 #include "furnishing.h"
@@ -154,6 +157,8 @@ class SheetPainter {
             }
             drawing_.AddPath(layerWater, bank, codeWaterEdge, 'K');
         }
+        CloseStream(plan, path.front());
+        CloseStream(plan, path.back());
         const std::size_t third = path.size() / 3;
         for (const std::size_t i : {third / 2, third + third / 2, 2 * third + third / 2}) {
             drawing_.AddSymbol(layerLandUse, path[i], symbolFlow, FlowGons(path[i + 1] - path[i]));
@@ -164,8 +169,40 @@ class SheetPainter {
                          textWater, ReadableGons(direction));
     }
 
+    // The stream parts a sheet between two districts.
+    bool IsSouthern(const StreetPlan& plan, Point place) const {
+        for (std::size_t i = 1; i < plan.stream.size(); ++i) {
+            const Point from = plan.stream[i - 1];
+            const Point to = plan.stream[i];
+            if (place.east >= from.east && place.east < to.east) return Cross(to - from, place - from) < 0;
+        }
+        return country_.IsSouthOfStream(cell_);
+    }
+
+    // Lines across the stream at its ends close its parcel against the main roads.
+    void CloseStream(const StreetPlan& plan, Point end) {
+        std::array<Point, 2> corners;
+        std::array<double, 2> nearest{30, 30};
+        for (const Block& block : plan.blocks) {
+            const std::size_t count = block.outline.size();
+            for (std::size_t i = 0; i < count; ++i) {
+                const bool before = block.sides[(i + count - 1) % count] == Side::stream;
+                const bool after = block.sides[i] == Side::stream;
+                if (before == after) continue;
+                // The stream lies on the right of northern blocks' edges that run with it, eastwards.
+                const std::size_t side = (end.east == plan.stream.front().east) == before ? 0 : 1;
+                const double distance = Length(block.outline[i] - end);
+                if (distance >= nearest[side]) continue;
+                nearest[side] = distance;
+                corners[side] = block.outline[i];
+            }
+        }
+        if (nearest[0] < 30 && nearest[1] < 30)
+            drawing_.AddPath(layerBoundaries, {corners[0], corners[1]}, codeParcel);
+    }
+
     static double FlowGons(Point direction) {
-        return std::atan2(direction.north, direction.east) * (200 / 3.14159265358979323846);
+        return std::atan2(direction.north, direction.east) * (200 / std::numbers::pi);
     }
 
     void PaintDistrictBoundaries(const StreetPlan& plan) {
@@ -205,7 +242,8 @@ class SheetPainter {
             const Point at = frame.center + frame.across * (frame.width * 0.22);
             const double gons = ReadableGons(frame.along);
             if (i == 0 && PlaceInMunicipality(cell_) % 2 == 0) {
-                drawing_.AddText(layerNames, at, DistrictName(country_, names_, cell_), textDistrict, 0);
+                drawing_.AddText(layerNames, at, DistrictName(country_, names_, cell_, IsSouthern(plan, at)),
+                                 textDistrict, 0);
             } else {
                 drawing_.AddText(layerNames, at, NameFor(names_.fields, streetRandom_.Next()),
                                  i == 0 ? textLocalName : textSmallName, gons);
@@ -231,8 +269,8 @@ class SheetPainter {
 
 }  // namespace
 
-std::string DistrictName(const Country& country, const Names& names, Cell cell) {
-    const std::string& part = country.IsSouthOfStream(cell) ? names.lower : names.upper;
+std::string DistrictName(const Country& country, const Names& names, Cell cell, bool southern) {
+    const std::string& part = southern ? names.lower : names.upper;
     return part + NameFor(names.towns, country.MunicipalityKey(cell));
 }
 

@@ -11,7 +11,7 @@ namespace generate {
 // scale is the map scale number; it sets the room that texts and symbols take.
 Drawing DrawSheet(const Country& country, const Names& names, Cell cell, int scale, Grid grid);
 
-// Name of the cadastral district that a sheet belongs to, in Windows-1250.
-std::string DistrictName(const Country& country, const Names& names, Cell cell);
+// Name of the northern or southern cadastral district of a sheet's municipality, in Windows-1250.
+std::string DistrictName(const Country& country, const Names& names, Cell cell, bool southern);
 
 }  // namespace generate

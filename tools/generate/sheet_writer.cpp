@@ -73,7 +73,7 @@ std::string MapWriter::MapSheet(int64_t sheet) const {
     RecordWriter writer = WriterOf(sheet);
     writer.EndHeader();
     writer.Comment("Sheet " + std::to_string(cell.column + 1) + "-" + std::to_string(cell.row + 1) + " " +
-                   DistrictName(country_, names_, cell));
+                   DistrictName(country_, names_, cell, country_.IsSouthOfStream(cell)));
     if (options_.relative) writer.Record('V', OffsetFields(OriginOf(sheet)));
     writer.Record('G', std::to_string(sheet + 1) + " 1");
     for (int layer = 1; layer <= layerCount; ++layer) {
