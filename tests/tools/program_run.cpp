@@ -40,7 +40,7 @@ struct Pipe {
     dup2(errors.ends[1], STDERR_FILENO);
     std::string environment = setting.environment.empty() ? "VEMRADO_COUNTRY=1" : setting.environment;
     putenv(environment.data());
-    std::string program = VKM_PROGRAM;
+    std::string program = setting.program.empty() ? VKM_PROGRAM : setting.program;
     std::vector<char*> list = {program.data()};
     for (const std::string& argument : arguments) list.push_back(const_cast<char*>(argument.c_str()));
     list.push_back(nullptr);

@@ -14,6 +14,7 @@ struct RunResult {
 };
 
 struct RunSetting {
+    std::string program{};          // in place of vkm
     std::string input{};            // given as standard input, which ends then
     std::string outputFile{};       // standard output goes to this file instead of the result
     std::string environment{};      // NAME=VALUE, in place of the variable

@@ -174,7 +174,7 @@ void RecordWriter::Oddity(bool afterRecordLine) {
                                                         "& L 5 5 K=1"};
     constexpr std::array<const char*, 4> otherLines{"", "? 12 Z=5 KX=3 foo", "  \t  ", "; H 5 KM=1"};
     out_ += afterRecordLine || random_.Chance(0.5) ? random_.Pick(unknownRecords) : random_.Pick(otherLines);
-    EndLine();
+    EndLine(afterRecordLine ? Ending::shortLine : Ending::any);
 }
 
 void RecordWriter::Comment(std::string_view text) {
