@@ -36,3 +36,7 @@ if(VEMRADO_SANITIZE)
   add_compile_options(-fsanitize=${VEMRADO_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
   add_link_options(-fsanitize=${VEMRADO_SANITIZE})
 endif()
+
+if(VEMRADO_LIBFUZZER)
+  add_compile_options(-fsanitize=fuzzer-no-link)
+endif()

@@ -78,6 +78,7 @@ class CVKMLineElements {
         if (working == &elements.back()) [[unlikely]]
             Grow();
         ++working;
+        working->code.longCode = -1;
     }
 
     // Removes every element but the one being read.
