@@ -22,7 +22,7 @@ struct LineScan {
 
 // Looks at 64 characters.
 inline LineScan ScanLine(const char* text) {
-    uint64_t blanks = 0;
+    uint64_t blankBits = 0;
     uint64_t lineFeeds = 0;
 #if defined(__SSE2__)
     const __m128i blank = _mm_set1_epi8(' ');
@@ -33,16 +33,16 @@ inline LineScan ScanLine(const char* text) {
     };
     for (int i = 0; i < 64; i += 16) {
         const __m128i block = _mm_loadu_si128(reinterpret_cast<const __m128i*>(text + i));
-        blanks |= bits(_mm_or_si128(_mm_cmpeq_epi8(block, blank), _mm_cmpeq_epi8(block, tab)), i);
+        blankBits |= bits(_mm_or_si128(_mm_cmpeq_epi8(block, blank), _mm_cmpeq_epi8(block, tab)), i);
         lineFeeds |= bits(_mm_cmpeq_epi8(block, lineFeed), i);
     }
 #else
     for (int i = 0; i < 64; ++i) {
-        blanks |= static_cast<uint64_t>(Is(text[i], blankCharacter)) << i;
+        blankBits |= static_cast<uint64_t>(Is(text[i], blankCharacter)) << i;
         lineFeeds |= static_cast<uint64_t>(text[i] == '\n') << i;
     }
 #endif
-    return {~blanks, lineFeeds};
+    return {~blankBits, lineFeeds};
 }
 
 // The lowest count bits.

@@ -117,9 +117,9 @@ class CVKMTokenizer {
             if (cursor == end) return false;
             Look();
         }
-        const int blanks = __builtin_ctzll(fields);
-        cursor += blanks;
-        fields >>= blanks;
+        const int skipped = __builtin_ctzll(fields);
+        cursor += skipped;
+        fields >>= skipped;
         return true;
     }
 
