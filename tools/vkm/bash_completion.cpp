@@ -47,8 +47,9 @@ std::string ArgumentChoices(const Program& program, const CLI::App& command) {
     for (const CLI::Option* option : command.get_options()) {
         if (!option->get_positional()) continue;
         if (!program.Choices(*option).empty()) {
-            text += "      if [ \"$COMP_CWORD\" -eq " + std::to_string(place) + " ]; then " +
-                    ValueCompletion(program, *option) + "; return; fi\n";
+            text += "      if [ \"$COMP_CWORD\" -eq " + std::to_string(place) +
+                    " ] && [[ \"$current\" != -* ]]; then " + ValueCompletion(program, *option) +
+                    "; return; fi\n";
         }
         ++place;
     }
