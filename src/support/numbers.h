@@ -95,7 +95,7 @@ int32_t ParseAnyInteger(std::string_view text);
 inline double ParseReal(std::string_view text) {
     char padded[numbers::loadedCharacters] = {};
     double value;
-    if (text.size() <= numbers::loadedCharacters) {
+    if (!text.empty() && text.size() <= numbers::loadedCharacters) {
         std::memcpy(padded, text.data(), text.size());
         if (numbers::ParsePlainReal(padded, text.size(), value)) return value;
     }

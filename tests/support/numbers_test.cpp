@@ -166,6 +166,7 @@ TEST(NumbersTest, ReadsRealsAsTheCLibraryDoes) {
     ExpectSameReal("0." + std::string(400, '0') + "1e401");
     ExpectSameReal(std::string(400, '1') + "e-400");
     ExpectSameReal("1" + std::string(5000, '0'));
+    EXPECT_EQ(ParseReal(std::string_view()), 0.0) << "a text that is nowhere";
     // Exactly half way between two doubles, and a digit beyond, with more digits than any buffer of the kind
     // holds.
     const std::string half = "9007199254740993" + std::string(".") + std::string(2000, '0');
