@@ -136,12 +136,16 @@ double NotANumber(std::string_view text) {
     return std::bit_cast<double>(quiet | (payload & payloadMask));
 }
 
+// After 0x. Of two signs before an exponent the C++ library takes both, where no number goes on.
+double ParseHexadecimal(std::string_view text) {
+    return ParseDigits(text.substr(0, text.find("+-")), std::chars_format::hex);
+}
+
 // A number without white space and sign before it.
 double ParseMagnitude(std::string_view text) {
     if (StartsWithDigits(text, 10)) {
         const bool hex = StartsWithWord(text, "0x") && StartsWithDigits(text.substr(2), 16);
-        return hex ? ParseDigits(text.substr(2), std::chars_format::hex)
-                   : ParseDigits(text, std::chars_format::general);
+        return hex ? ParseHexadecimal(text.substr(2)) : ParseDigits(text, std::chars_format::general);
     }
     if (StartsWithWord(text, "inf")) return std::numeric_limits<double>::infinity();
     if (StartsWithWord(text, "nan")) return NotANumber(text.substr(3));
