@@ -56,7 +56,7 @@ class TableFileCloser {
     TableFile& file;
 };
 
-constexpr std::string_view blanks = " \t";
+constexpr std::string_view fieldBlanks = " \t";
 
 // A cursor over the fields of a line. Lives no longer than the line.
 class Fields {
@@ -65,7 +65,7 @@ class Fields {
 
     // Skips delimiters, takes the characters up to the next one and steps over that. Empty when no field is
     // left.
-    std::string_view Next(std::string_view delimiters = blanks);
+    std::string_view Next(std::string_view delimiters = fieldBlanks);
     // False once Next has found no field; true right after the last field, too.
     bool More() const { return !exhausted; }
     // What no field has taken yet.
