@@ -1,8 +1,8 @@
 #!/usr/bin/env python3
-"""Compares what the command line writes on both systems: compare_dumps.py LINUX_VKM DATA_DIRECTORY -- WINDOWS_VKM...
+"""Compares what the command line writes on both systems: compare_commands.py LINUX_VKM DATA_DIRECTORY -- WINDOWS_VKM...
 
-Both run "dump" on every sample map and on a hundred generated files, hostile ones among them. The output, line ends
-aside, and the exit code must be the same.
+Both run every command that reads on the samples, and "dump" on a hundred generated files, hostile ones among them.
+The output, line ends aside, and the exit code must be the same.
 """
 
 import os
@@ -86,37 +86,48 @@ def hostile(chance):
     return bytes(data)
 
 
-def run(command, name, folder):
-    done = subprocess.run([*command, "dump", name], cwd=folder, capture_output=True, timeout=120)
+def place_files(data, folder):
+    """Puts what the commands read into the folder; returns the commands."""
+    commands = []
+    for sample in sorted(data.glob("*.vkm")):
+        (folder / sample.name).symlink_to(sample)
+        commands += [[*command, sample.name] for command in (["dump"], ["info"], ["info", "--json"])]
+    (folder / "symbology").symlink_to(data / "symbology")
+    commands.append(["symbology", "symbology"])
+    for shapes in sorted(data.glob("symbology/VKMSym/*.ksh")):
+        commands.append(["shapes", "unpack", f"symbology/VKMSym/{shapes.name}"])
+    chance = random.Random(20)
+    for i in range(100):
+        name = f"generated-{i}.vkm"
+        (folder / name).write_bytes((hostile if i % 2 else well_formed)(chance))
+        commands.append(["dump", name])
+    return commands
+
+
+def run(program, command, folder):
+    done = subprocess.run([*program, *command], cwd=folder, capture_output=True, timeout=120)
     return done.returncode, done.stdout.replace(b"\r\n", b"\n")
 
 
 def main():
     divider = sys.argv.index("--")
-    linux, data = [os.path.abspath(sys.argv[1])], pathlib.Path(sys.argv[2])
+    linux, data = [os.path.abspath(sys.argv[1])], pathlib.Path(sys.argv[2]).resolve()
     windows = sys.argv[divider + 1:]
     if not os.access(linux[0], os.X_OK):
         sys.exit(f"{linux[0]} is not there: build the release preset first")
-    chance = random.Random(20)
-    with tempfile.TemporaryDirectory() as folder:
-        names = []
-        for sample in sorted(data.rglob("*.vkm")):
-            names.append(f"sample-{len(names)}-{sample.name}")
-            os.symlink(sample, pathlib.Path(folder, names[-1]))
-        samples = len(names)
-        for i in range(100):
-            names.append(f"generated-{i}.vkm")
-            pathlib.Path(folder, names[-1]).write_bytes((hostile if i % 2 else well_formed)(chance))
+    with tempfile.TemporaryDirectory() as name:
+        folder = pathlib.Path(name)
+        commands = place_files(data, folder)
         different, size = [], 0
-        for name in names:
-            ours, theirs = run(linux, name, folder), run(windows, name, folder)
+        for command in commands:
+            ours, theirs = run(linux, command, folder), run(windows, command, folder)
             size += len(ours[1])
-            if ours != theirs:
-                different.append(f"{name}: exit codes {ours[0]} and {theirs[0]}, "
+            if ours != theirs or (ours[0] != 0 and not command[-1].startswith("generated")):
+                different.append(f"{' '.join(command)}: exit codes {ours[0]} and {theirs[0]}, "
                                  f"{len(ours[1])} and {len(theirs[1])} bytes")
-    print(f"{samples} samples and {len(names) - samples} generated files, {size} bytes of output")
+    print(f"{len(commands)} commands, {size} bytes of output")
     print("\n".join(different) or "no differences")
-    sys.exit(1 if different or samples == 0 or size < 100000 else 0)
+    sys.exit(1 if different or len(commands) < 108 or size < 1000000 else 0)
 
 
 main()
