@@ -1,0 +1,151 @@
+// Pictures as people ask for them: vkm render and vkm symbology.
+
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <filesystem>
+#include <string>
+#include <vector>
+
+#include "program_run.h"
+
+namespace vemrado_test {
+namespace {
+
+// Two layers, a symbol, and a text with Czech letters in Windows-1250.
+constexpr const char* smallMap =
+    "&R 0 0 0 0 1000\n&U 1\n&L P 1043010 743010 K=21900\nL 1043010 743060\nL 1043060 743060\n"
+    "&L P 1043020 743020 S=101\n&U 7\n&T 1043030 743030 \"\x8Elu\x9Dou\xE8k\xFD k\xF9\xF2\" H=2\n&K\n";
+
+bool Holds(const std::string& whole, const std::string& part) {
+    return whole.find(part) != std::string::npos;
+}
+
+TEST(Render, MakesPicturesOfEachKind) {
+    const TestFolder folder;
+    const std::string map = folder.Add("map.vkm", smallMap);
+    for (const char* legend : {"", "--legend"}) {
+        for (const char* name : {"map.png", "map.SVG", "map.pdf"}) {
+            std::vector<std::string> arguments = {"render", map, "-o", folder.Path(name)};
+            if (*legend) arguments.push_back(legend);
+            const RunResult run = RunVkm(arguments);
+            EXPECT_EQ(run.exitCode, 0) << name << run.errors;
+            EXPECT_EQ(run.output + run.errors, "");
+        }
+        EXPECT_EQ(FileBytes(folder.Path("map.png")).substr(1, 3), "PNG");
+        const std::string svg = FileBytes(folder.Path("map.SVG"));
+        for (const char* part : {"<g id=\"layer-1\">", "<g id=\"layer-7\">", "class=\"line-21900\"",
+                                 "xlink:href=\"#symbol-101\"", ">Žluťoučký kůň</text>"}) {
+            EXPECT_TRUE(Holds(svg, part)) << part;
+        }
+        EXPECT_EQ(Holds(svg, "<g id=\"legend\">"), *legend != '\0');
+        EXPECT_EQ(system(("xmllint --noout " + folder.Path("map.SVG")).c_str()), 0);
+        ASSERT_EQ(system(("pdftotext " + folder.Path("map.pdf")).c_str()), 0);
+        EXPECT_TRUE(Holds(FileBytes(folder.Path("map.txt")), "Žluťoučký kůň"));
+    }
+}
+
+TEST(Render, RefusesAndLeavesTheOldPicture) {
+    const TestFolder folder;
+    const std::string map = folder.Add("map.vkm", smallMap);
+    const std::string far = folder.Add("far.vkm", "&L P 0 0\nL 0 900000000\n&K\n");
+    const std::string cut = folder.Add("cut.vkm", "&L P 0 0\nL 0 9\n&L P 0 0\n");
+    const std::string empty = folder.Add("empty.vkm", "&K\n");
+    const std::string picture = folder.Add("old.png", "old");
+    const struct {
+        std::vector<std::string> arguments;
+        int exitCode;
+        const char* errors;
+    } cases[] = {
+        {{map, "-o", folder.Path("map.gif")}, 2, "ends in .png, .svg or .pdf"},
+        {{map}, 2, "--output is required"},
+        {{map, "-o", picture, "--width", "0"}, 2, "--width"},
+        {{map, "-o", picture, "--bbox", "1,1,1,9"}, 2, "no area"},
+        {{map, "-o", picture, "--angle-unit", "turns"}, 2, "no angle unit 'turns'"},
+        {{map, "-o", picture, "--layers", "5"}, 1, "map.vkm: nothing to draw"},
+        {{empty, "-o", picture}, 1, "empty.vkm: nothing to draw"},
+        {{folder.Path("missing.vkm"), "-o", picture}, 1, "missing.vkm"},
+        {{map, "-o", picture, "--bbox=-800000,-1100000,-700000,-1000000"},
+         2,
+         "590551 x 590551 pixels is too large"},
+        {{far, "-o", picture, "--width", "3000", "--bbox", "0,0,1,3e5"},
+         2,
+         "3000 x 9e+08 pixels is too large"},
+        {{map, "-o", folder.Path("nowhere/map.png")}, 3, "nowhere"},
+    };
+    for (const auto& test : cases) {
+        std::vector<std::string> arguments = test.arguments;
+        arguments.insert(arguments.begin(), "render");
+        const RunResult run = RunVkm(arguments);
+        EXPECT_EQ(run.exitCode, test.exitCode) << test.errors;
+        EXPECT_TRUE(Holds(run.errors, test.errors)) << run.errors << "\n" << test.errors;
+    }
+    EXPECT_EQ(FileBytes(picture), "old");
+    const std::filesystem::directory_iterator files(folder.Path(""));
+    EXPECT_EQ(std::distance(begin(files), end(files)), 5);  // no leftovers
+
+    // What was read is drawn, and the loss is said.
+    const RunResult run = RunVkm({"render", cut, "-o", picture});
+    EXPECT_EQ(run.exitCode, 1);
+    EXPECT_TRUE(Holds(run.errors, "its last element is lost")) << run.errors;
+    EXPECT_EQ(FileBytes(picture).substr(1, 3), "PNG");
+}
+
+TEST(Render, DrawsWithoutSymbologyAndSaysSoInTheHostsLanguage) {
+    const TestFolder folder;
+    const std::string map = folder.Add("map.vkm", smallMap);
+    const std::string noWidths = folder.Path("data");
+    std::filesystem::create_directories(noWidths + "/VKMSym");
+    folder.Add("data/VKMSym/WKOKES.COL", "[white]\n");
+    const struct {
+        const char* country;
+        const char* says;
+        const char* heading;
+    } cases[] = {
+        {"VEMRADO_COUNTRY=0", "Soubor neobsahuje", "Druhy čar"},
+        {"VEMRADO_COUNTRY=1", "File does not contain line width table.", "Line types"},
+        {"VEMRADO_COUNTRY=2", "Datei", "Linientypen"},
+    };
+    for (const auto& test : cases) {
+        RunSetting setting;
+        setting.environment = test.country;
+        const std::string svg = folder.Path("map.svg");
+        const RunResult run = RunVkm({"render", map, "-o", svg, "--legend", "--data", noWidths}, setting);
+        EXPECT_EQ(run.exitCode, 0);
+        EXPECT_TRUE(Holds(run.errors, test.says)) << run.errors;
+        EXPECT_TRUE(Holds(FileBytes(svg), test.heading));
+        EXPECT_TRUE(Holds(FileBytes(svg), ".line-21900 { stroke: #000000; stroke-width: 0.13 }"));
+    }
+}
+
+TEST(Symbology, OfTheSampleMapsIsWholeAndDrawn) {
+    const TestFolder folder;
+    const RunResult run = RunVkm({"symbology", "-o", folder.Path("sheet.svg")});
+    EXPECT_EQ(run.exitCode, 0) << run.errors;
+    EXPECT_EQ(run.errors, "");
+    EXPECT_TRUE(Holds(run.output, "21900"));
+    const std::string svg = FileBytes(folder.Path("sheet.svg"));
+    EXPECT_TRUE(Holds(svg, "class=\"line-21900\"") && Holds(svg, "xlink:href=\"#symbol-101\""));
+    EXPECT_EQ(system(("xmllint --noout " + folder.Path("sheet.svg")).c_str()), 0);
+}
+
+TEST(Symbology, ListsEveryProblem) {
+    const TestFolder folder;
+    std::filesystem::create_directories(folder.Path("VKMSym"));
+    folder.Add("VKMSym/WKOKES.COL", "[white]\n[width]\n");
+    folder.Add("VKMSym/WKOKES.CAR", "-1 0\n1 1 -7\n3 1 -1\n");
+    folder.Add("VKMSym/DKM1_3.TB", ":L\n5 1\n6 2\n7 3\n:S\n9 4\n");
+    for (const char* directory : {"", "VKMSym", "VKMSym/"}) {
+        const RunResult run = RunVkm({"symbology", folder.Path(directory)});
+        EXPECT_EQ(run.exitCode, 1);
+        for (const char* problem :
+             {"WKOKES.SYM", "line code 5: there is no dash pattern 7", "line code 6: there is no line type 2",
+              "symbol code 9: the drawings of symbol 4"}) {
+            EXPECT_TRUE(Holds(run.errors, problem)) << problem << "\n" << run.errors;
+        }
+    }
+    EXPECT_EQ(RunVkm({"symbology", folder.Path("nowhere")}).exitCode, 2);
+}
+
+}  // namespace
+}  // namespace vemrado_test
