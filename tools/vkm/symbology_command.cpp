@@ -84,9 +84,9 @@ int RunSymbology(const SymbologyOptions& options, Environment& environment) {
     environment.output.Flush();
 #if VEMRADO_DRAWING
     if (!options.picture.file.empty()) {
-        const std::string title =
-            std::string(draw::HostWords().symbology) + " " + client::SystemTextToUtf8(directory);
-        const SymbologySheet sheet(checked, title);
+        const std::string source = client::SystemTextToUtf8(directory);
+        const SymbologySheet sheet(checked, source);
+        const std::string title = draw::HostWords().symbology + (" " + source);
         MakePicture(options.picture, sheet.Page(), title, [&](draw::Canvas& canvas) { sheet.Draw(canvas); });
     }
 #endif

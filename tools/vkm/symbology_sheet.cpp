@@ -1,5 +1,6 @@
 #include "symbology_sheet.h"
 
+#include <algorithm>
 #include <array>
 #include <utility>
 
@@ -11,18 +12,19 @@ namespace {
 
 constexpr double pageWidth = 210;  // mm
 constexpr double margin = 15;
-constexpr double titleHeight = 14;
+constexpr double titleHeight = 16;
 constexpr double headingHeight = 12;
 constexpr double sectionGap = 8;
 
 // A cell of each table.
 constexpr size_t lineColumns = 2;
 constexpr double lineRowHeight = 7;
-constexpr double codeWidth = 14;
-constexpr double sampleWidth = 32;
+constexpr double codeWidth = 12;
+constexpr double sampleWidth = 28;
 constexpr size_t symbolColumns = 3;
 constexpr double symbolRowHeight = 15;
-constexpr double symbolBox = 13;
+constexpr double symbolBox = 12;
+constexpr double enlargement = 3;  // of the second drawing of each symbol, where there is room
 constexpr double gap = 3;
 constexpr double nameHeight = 1.9;
 
@@ -58,10 +60,18 @@ draw::TextStyle NameStyle() {
     return style;
 }
 
+void DrawCentered(draw::Canvas& canvas, const draw::SymbolShape& shape, draw::Point center, double scale) {
+    const draw::Box& bounds = shape.bounds;
+    canvas.Symbol(shape,
+                  {center.x - (bounds.minX + bounds.maxX) / 2 * scale,
+                   center.y + (bounds.minY + bounds.maxY) / 2 * scale},
+                  scale, 0, SymbolPen());
+}
+
 }  // namespace
 
-SymbologySheet::SymbologySheet(const CheckedSymbology& checked, std::string sheetTitle)
-    : symbology(checked), title(std::move(sheetTitle)) {
+SymbologySheet::SymbologySheet(const CheckedSymbology& checked, std::string directory)
+    : symbology(checked), source(std::move(directory)) {
     double y = margin + titleHeight;
     if (!checked.lines.empty()) {
         linesTop = y;
@@ -83,7 +93,10 @@ void SymbologySheet::Draw(draw::Canvas& canvas) const {
     style.height = 4.5;
     style.font.bold = true;
     style.upright = draw::Upright::top;
-    canvas.Text(draw::Fitted(title, style, pageWidth - 2 * margin), {margin, margin}, style);
+    canvas.Text(draw::HostWords().symbology, {margin, margin}, style);
+    style.height = 2.2;
+    style.font.bold = false;
+    canvas.Text(draw::Fitted(source, style, pageWidth - 2 * margin), {margin, margin + 8}, style);
 
     if (linesTop > 0) {
         canvas.BeginGroup("line-types", "");
@@ -133,13 +146,10 @@ void SymbologySheet::DrawLine(draw::Canvas& canvas, const CheckedLine& line, dra
 void SymbologySheet::DrawSymbol(draw::Canvas& canvas, const CheckedSymbol& symbol, draw::Point corner) const {
     const double middle = corner.y + symbolRowHeight / 2;
     const draw::Box& bounds = symbol.shape.bounds;
-    const double largest = std::max(bounds.Width(), bounds.Height());
-    const double scale = largest > symbolBox ? symbolBox / largest : 1;
-    canvas.Symbol(symbol.shape,
-                  {corner.x + symbolBox / 2 - (bounds.minX + bounds.maxX) / 2 * scale,
-                   middle + (bounds.minY + bounds.maxY) / 2 * scale},
-                  scale, 0, SymbolPen());
-    const double textLeft = corner.x + symbolBox + gap;
+    const double fitting = symbolBox / std::max({bounds.Width(), bounds.Height(), symbolBox / enlargement});
+    DrawCentered(canvas, symbol.shape, {corner.x + symbolBox / 2, middle}, std::min(fitting, 1.0));
+    DrawCentered(canvas, symbol.shape, {corner.x + symbolBox * 1.5, middle}, std::min(fitting, enlargement));
+    const double textLeft = corner.x + 2 * symbolBox + gap;
     draw::TextStyle style = NameStyle();
     style.font.bold = true;
     canvas.Text(std::to_string(symbol.entry.code), {textLeft, middle - nameHeight}, style);

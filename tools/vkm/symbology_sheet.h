@@ -1,4 +1,5 @@
-// A sheet with every line type and every symbol of a symbology.
+// A sheet with every line type and every symbol of a symbology. Symbols are drawn twice: as large as on a
+// map, and enlarged.
 
 #pragma once
 
@@ -12,7 +13,7 @@ namespace vemrado::tools {
 class SymbologySheet {
   public:
     // The symbology lives longer than the sheet.
-    SymbologySheet(const CheckedSymbology& checked, std::string sheetTitle);
+    SymbologySheet(const CheckedSymbology& checked, std::string directory);
 
     draw::PageSize Page() const { return page; }
     void Draw(draw::Canvas& canvas) const;
@@ -23,7 +24,7 @@ class SymbologySheet {
     void DrawSymbol(draw::Canvas& canvas, const CheckedSymbol& symbol, draw::Point corner) const;
 
     const CheckedSymbology& symbology;
-    std::string title;
+    std::string source;
     draw::PageSize page;
     double linesTop = 0;  // mm; 0: the sheet has no line types
     double symbolsTop = 0;

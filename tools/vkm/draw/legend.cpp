@@ -2,7 +2,9 @@
 
 #include <array>
 #include <set>
+#include <span>
 
+#include "clip.h"
 #include "words.h"
 
 namespace vemrado::draw {
@@ -34,18 +36,24 @@ double LegendScale(const SymbolShape& shape) {
     return largest > 1 ? 1 / largest : 1;
 }
 
-std::set<uint32_t> UsedLineStyles(const Scene& scene) {
+std::set<uint32_t> UsedLineStyles(const Scene& scene, const Box& box) {
     std::set<uint32_t> used;
     for (const auto& [number, layer] : scene.layers) {
-        for (const Stroke& stroke : layer.strokes) used.insert(stroke.style);
+        for (const Stroke& stroke : layer.strokes) {
+            if (used.contains(stroke.style)) continue;
+            const std::span<const Point> points(layer.points.data() + stroke.first, stroke.count);
+            ClipStroke(points, box, [&](std::span<const Point>, double) { used.insert(stroke.style); });
+        }
     }
     return used;
 }
 
-std::set<uint32_t> UsedSymbolStyles(const Scene& scene) {
+std::set<uint32_t> UsedSymbolStyles(const Scene& scene, const Box& box) {
     std::set<uint32_t> used;
     for (const auto& [number, layer] : scene.layers) {
-        for (const PlacedSymbol& symbol : layer.symbols) used.insert(symbol.style);
+        for (const PlacedSymbol& symbol : layer.symbols) {
+            if (box.Contains(symbol.point)) used.insert(symbol.style);
+        }
     }
     return used;
 }
@@ -57,15 +65,15 @@ std::string NameOf(const Entry* entry, int code) {
 
 }  // namespace
 
-Legend::Legend(const Scene& mapScene, const client::SymbologyIndex& index) : scene(mapScene) {
-    AddLineTypes(index);
-    AddSymbols(index);
+Legend::Legend(const Scene& mapScene, const client::SymbologyIndex& index, const Box& box) : scene(mapScene) {
+    AddLineTypes(index, box);
+    AddSymbols(index, box);
 }
 
-void Legend::AddLineTypes(const client::SymbologyIndex& index) {
+void Legend::AddLineTypes(const client::SymbologyIndex& index, const Box& box) {
     std::vector<const LineStyle*> used;
     const Pen* other = nullptr;
-    for (const uint32_t number : UsedLineStyles(scene)) {
+    for (const uint32_t number : UsedLineStyles(scene, box)) {
         const LineStyle& style = scene.lineStyles[number];
         if (style.known) {
             used.push_back(&style);
@@ -82,9 +90,9 @@ void Legend::AddLineTypes(const client::SymbologyIndex& index) {
     if (other) rows.push_back({HostWords().otherLines, other, nullptr});
 }
 
-void Legend::AddSymbols(const client::SymbologyIndex& index) {
+void Legend::AddSymbols(const client::SymbologyIndex& index, const Box& box) {
     std::vector<const SymbolStyle*> used;
-    for (const uint32_t number : UsedSymbolStyles(scene)) used.push_back(&scene.symbolStyles[number]);
+    for (const uint32_t number : UsedSymbolStyles(scene, box)) used.push_back(&scene.symbolStyles[number]);
     if (used.empty()) return;
     std::ranges::sort(used, {}, &SymbolStyle::code);
     rows.push_back({HostWords().symbols, nullptr, nullptr});

@@ -13,8 +13,8 @@ namespace vemrado::draw {
 
 class Legend {
   public:
-    // The scene lives longer than the legend.
-    Legend(const Scene& scene, const client::SymbologyIndex& index);
+    // Of what lies in the box, on the ground. The scene lives longer than the legend.
+    Legend(const Scene& scene, const client::SymbologyIndex& index, const Box& box);
 
     // Breaks the legend into columns no higher than this. The size is the one of map_frame.h: texts grow with
     // it, symbols stay as they are on the map.
@@ -34,8 +34,8 @@ class Legend {
         double y = 0;  // of its upper edge, from the legend's
     };
 
-    void AddLineTypes(const client::SymbologyIndex& index);
-    void AddSymbols(const client::SymbologyIndex& index);
+    void AddLineTypes(const client::SymbologyIndex& index, const Box& box);
+    void AddSymbols(const client::SymbologyIndex& index, const Box& box);
     double RowHeight(const Row& row) const;  // mm
     void DrawRow(Canvas& canvas, const Row& row, Point corner) const;
 

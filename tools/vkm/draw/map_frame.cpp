@@ -91,6 +91,7 @@ void DrawGrid(Canvas& canvas, const Box& area, const Box& ground, double size) {
     const double step = RoundDown(spacing * ground.Width() / area.Width() * (1 + 1e-9));
     const auto columns = GridLines(ground.minX, ground.maxX, step, area.minX, area.maxX);
     const auto lines = GridLines(ground.minY, ground.maxY, step, area.maxY, area.minY);
+    const Box inside = area.Grown(-crossArm);
     TextStyle style;
     style.height = coordinateHeight * size;
     style.across = Across::middle;
@@ -101,6 +102,7 @@ void DrawGrid(Canvas& canvas, const Box& area, const Box& ground, double size) {
         style.upright = Upright::top;
         canvas.Text(Formatted("%.0f", column.coordinate), {column.place, area.maxY + tickLength + 1}, style);
         for (const GridLine& line : lines) {
+            if (!inside.Contains({column.place, line.place})) continue;
             DrawSegment(canvas, gridPen, {column.place - crossArm, line.place},
                         {column.place + crossArm, line.place});
             DrawSegment(canvas, gridPen, {column.place, line.place - crossArm},

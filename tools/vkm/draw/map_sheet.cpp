@@ -29,17 +29,18 @@ Box AtLeast(const Box& box, double side) {
     return {box.minX - x, box.minY - y, box.maxX + x, box.maxY + y};
 }
 
+// What the map shows.
+Box GroundOf(const Scene& scene, const SheetOptions& options) {
+    if (options.box) return *options.box;
+    const double metres = 1 / scene.MillimetresPerMetre();  // a millimetre on paper
+    const double margin = options.legend ? framedMargin : bareMargin;
+    return AtLeast(scene.Extent(), smallestSide * metres).Grown(margin * metres);
+}
+
 }  // namespace
 
 MapSheet::MapSheet(const Scene& mapScene, const client::SymbologyIndex& index, const SheetOptions& wanted)
-    : scene(mapScene), options(wanted), legend(mapScene, index) {
-    const double metres = 1 / scene.MillimetresPerMetre();  // a millimetre on paper
-    if (options.box) {
-        ground = *options.box;
-    } else {
-        const double margin = options.legend ? framedMargin : bareMargin;
-        ground = AtLeast(scene.Extent(), smallestSide * metres).Grown(margin * metres);
-    }
+    : scene(mapScene), options(wanted), ground(GroundOf(mapScene, wanted)), legend(mapScene, index, ground) {
     LayOut();
     for (const auto& [number, layer] : scene.layers) {
         for (const PlacedSymbol& symbol : layer.symbols) {
@@ -62,7 +63,7 @@ void MapSheet::LayOut() {
     }
     // Titles grow with the sheet, as people look at a large one from farther away.
     size = std::clamp(std::sqrt(width * height) / smallSheet, 1.0, largestSize);
-    legend.LayOut(std::max(height, lowestLegend), size);
+    legend.LayOut(std::max(height + footHeight * size, lowestLegend), size);
     const double margin = pageMargin * size;
     const double top = margin + titleHeight * size;
     area = {margin, top, margin + width, top + height};

@@ -39,9 +39,9 @@ class MapSheet {
 
     const Scene& scene;
     SheetOptions options;
-    Legend legend;
     Box ground;  // what the map shows
-    Box area;    // where on the page
+    Legend legend;
+    Box area;  // where on the page
     PageSize page;
     double size = 1;                     // of what stands around the map
     std::map<uint32_t, Pen> symbolPens;  // by colour
