@@ -23,10 +23,11 @@ constexpr double codeWidth = 12;
 constexpr double sampleWidth = 28;
 constexpr size_t symbolColumns = 3;
 constexpr double symbolRowHeight = 15;
-constexpr double symbolBox = 12;
+constexpr double mapBox = 7;       // of the drawing as on a map
+constexpr double symbolBox = 12;   // of the enlarged one
 constexpr double enlargement = 3;  // of the second drawing of each symbol, where there is room
-constexpr double gap = 3;
-constexpr double nameHeight = 1.9;
+constexpr double gap = 2.5;
+constexpr double nameHeight = 1.8;
 
 constexpr double CellWidth(size_t columns) {
     return (pageWidth - 2 * margin) / static_cast<double>(columns);
@@ -146,10 +147,11 @@ void SymbologySheet::DrawLine(draw::Canvas& canvas, const CheckedLine& line, dra
 void SymbologySheet::DrawSymbol(draw::Canvas& canvas, const CheckedSymbol& symbol, draw::Point corner) const {
     const double middle = corner.y + symbolRowHeight / 2;
     const draw::Box& bounds = symbol.shape.bounds;
-    const double fitting = symbolBox / std::max({bounds.Width(), bounds.Height(), symbolBox / enlargement});
-    DrawCentered(canvas, symbol.shape, {corner.x + symbolBox / 2, middle}, std::min(fitting, 1.0));
-    DrawCentered(canvas, symbol.shape, {corner.x + symbolBox * 1.5, middle}, std::min(fitting, enlargement));
-    const double textLeft = corner.x + 2 * symbolBox + gap;
+    const double largest = std::max({bounds.Width(), bounds.Height(), 0.1});
+    DrawCentered(canvas, symbol.shape, {corner.x + mapBox / 2, middle}, std::min(mapBox / largest, 1.0));
+    DrawCentered(canvas, symbol.shape, {corner.x + mapBox + symbolBox / 2, middle},
+                 std::min(symbolBox / largest, enlargement));
+    const double textLeft = corner.x + mapBox + symbolBox + gap;
     draw::TextStyle style = NameStyle();
     style.font.bold = true;
     canvas.Text(std::to_string(symbol.entry.code), {textLeft, middle - nameHeight}, style);
