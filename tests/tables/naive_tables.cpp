@@ -1,6 +1,7 @@
 #include "naive_tables.h"
 
 #include <algorithm>
+#include <cctype>
 #include <cstdlib>
 #include <cstring>
 #include <sstream>
