@@ -26,6 +26,9 @@ constexpr const char* openOptions = R"(<OpenOptionList>
   <Option name='ORIENTATION' type='string' default='-y,-x' description="What a point (x, y) of the file, x to the south and y to the west, becomes: x,y x,-y -x,y -x,-y y,x -y,x y,-x or -y,-x, or its code 1 2 4 8 16 32 64 128. The default gives east and north"/>
   <Option name='SYMBOLOGY' type='string' description='Directory that holds VKMSym with the symbology tables for the styles of features; NO for none. By default the sample symbology, where it is installed'/>
   <Option name='SRS' type='string' default='EPSG:5514' description='Reference system of the coordinates; NO for none. The default stands for the default orientation only'/>
+  <Option name='PARCELS' type='boolean' default='NO' description='Add the layer parcels: polygons that the boundary lines enclose, with the parcel numbers that lie inside'/>
+  <Option name='PARCEL_LAYER' type='int' default='1' description='Layer of the file whose lines bound parcels'/>
+  <Option name='NUMBER_LAYER' type='int' default='2' description='Layer of the file whose texts are parcel numbers'/>
   <Option name='SOURCE_FIELD' type='boolean' default='NO' description='Add to every layer a field source with the name of the file'/>
 </OpenOptionList>)";
 
@@ -51,15 +54,6 @@ GDALDataset* OnOpen(GDALOpenInfo* info) {
     return VkmDataset::Open({info->pszFilename}, settings).release();
 }
 
-bool FindOrientation(const std::string& text, int& code) {
-    for (const client::AxisOrientation& orientation : client::axisOrientations) {
-        if (text != orientation.name && text != std::to_string(orientation.code)) continue;
-        code = orientation.code;
-        return true;
-    }
-    return false;
-}
-
 bool IsNo(const char* value) {
     return value[0] == '\0' || EQUAL(value, "NO") || EQUAL(value, "NONE");
 }
@@ -81,11 +75,13 @@ bool ReadOpenOptions(const char* const* options, OpenSettings& settings) {
     settings.encoding = *found;
 
     const std::string orientation = CSLFetchNameValueDef(options, "ORIENTATION", "-y,-x");
-    if (!FindOrientation(orientation, settings.axisOrientation)) {
+    const std::optional<int> code = client::FindAxisOrientation(orientation);
+    if (!code) {
         CPLError(CE_Failure, CPLE_IllegalArg, "ORIENTATION: '%s' is no axis orientation",
                  orientation.c_str());
         return false;
     }
+    settings.axisOrientation = *code;
     constexpr int eastAndNorth = 128;
     const char* reference = settings.axisOrientation == eastAndNorth ? "EPSG:5514" : "NO";
     reference = CSLFetchNameValueDef(options, "SRS", reference);
@@ -97,6 +93,9 @@ bool ReadOpenOptions(const char* const* options, OpenSettings& settings) {
     } else {
         settings.dataDirectory = IsNo(symbology) ? "" : HolderOfTables(symbology);
     }
+    settings.parcels = CPLFetchBool(options, "PARCELS", false);
+    settings.parcelLayers.boundaries = std::atoi(CSLFetchNameValueDef(options, "PARCEL_LAYER", "1"));
+    settings.parcelLayers.numbers = std::atoi(CSLFetchNameValueDef(options, "NUMBER_LAYER", "2"));
     settings.withSourceField = CPLFetchBool(options, "SOURCE_FIELD", false);
     return true;
 }

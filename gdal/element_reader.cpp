@@ -102,7 +102,7 @@ void ElementReader::Fill(Batch& batch) {
                            source.names[batch.source] + ", line " +
                                std::to_string(importer->GetLineCount() + 1) + ": " + error.what());
             importer.reset();
-            state = ReadState::failed;
+            Fail();
         }
     } while (batch.lines.empty() && batch.points.empty() && batch.texts.empty());
 }
@@ -114,8 +114,13 @@ bool ElementReader::OpenFile(ModuleSession& session) {
     }
     importer.reset(OpenImporter(session, source, nextFile));
     ++nextFile;
-    if (importer == nullptr) state = ReadState::failed;
+    if (importer == nullptr) Fail();
     return importer != nullptr;
+}
+
+void ElementReader::Fail() {
+    source.states[nextFile - 1].failed = true;
+    state = ReadState::failed;
 }
 
 void ElementReader::EndFile(ModuleSession& session) {

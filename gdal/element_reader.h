@@ -19,6 +19,7 @@ class ModuleSession;
 struct FileState {
     bool truncated = false;  // no closing record: its last element is lost
     bool leftOut = false;    // points without a place were left out
+    bool failed = false;     // it could not be opened or read to its end
 };
 
 // What the layers of a dataset read, and how.
@@ -64,6 +65,7 @@ class ElementReader {
         return (static_cast<unsigned>(content) & static_cast<unsigned>(part)) != 0;
     }
     bool OpenFile(ModuleSession& session);
+    void Fail();
     void EndFile(ModuleSession& session);
     void ReadElements(ModuleSession& session, Batch& batch);
     void CopyLine(ModuleSession& session, Batch& batch);

@@ -6,6 +6,8 @@
 
 #include <utility>
 
+#include "parcel_layer.h"
+
 namespace vemrado::gdal {
 
 namespace {
@@ -44,9 +46,12 @@ std::unique_ptr<VkmDataset> VkmDataset::Open(const std::vector<std::string>& fil
     for (const std::string& file : files) {
         if (!dataset->AddFile(file)) return nullptr;
     }
-    for (int kind = 0; kind < layerKinds; ++kind) {
-        dataset->layers.push_back(std::make_unique<VkmLayer>(state, static_cast<LayerKind>(kind),
-                                                             hasReference ? &reference : nullptr));
+    const OGRSpatialReference* layerReference = hasReference ? &reference : nullptr;
+    for (const LayerKind kind : {lineLayer, pointLayer, textLayer})
+        dataset->layers.push_back(std::make_unique<VkmLayer>(state, kind, layerReference));
+    if (settings.parcels) {
+        dataset->layers.push_back(
+            std::make_unique<ParcelLayer>(state.source, settings.parcelLayers, layerReference));
     }
     return dataset;
 }
@@ -71,6 +76,7 @@ bool VkmDataset::AddFile(const std::string& file) {
     const std::optional<Header> header = ReadHeader(source, source.files.size() - 1);
     if (!header) return false;
     if (source.files.size() == 1) {
+        mapScale = header->mapScale;
         SetMetadataItem("MAP_SCALE", CPLString().Printf("%.15g", header->mapScale));
         SetMetadataItem("RELATIVE_COORDINATES", header->relative ? "YES" : "NO");
     }

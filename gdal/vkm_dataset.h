@@ -8,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "parcels.h"
 #include "vkm_layer.h"
 
 namespace vemrado::gdal {
@@ -18,6 +19,8 @@ struct OpenSettings {
     int axisOrientation = 128;
     std::string dataDirectory;  // holds VKMSym; empty: no styles
     std::string reference = "EPSG:5514";
+    bool parcels = false;
+    ParcelLayers parcelLayers;
     bool withSourceField = false;
 };
 
@@ -34,6 +37,10 @@ class VkmDataset : public GDALDataset {
     OGRLayer* GetLayer(int index) override;
     int TestCapability(const char*) override { return FALSE; }
 
+    // Where the symbology of the styles lies; empty: none.
+    const std::string& DataDirectory() const { return state.dataDirectory; }
+    // Of the first file.
+    double MapScale() const { return mapScale; }
     // What reading found in each file.
     const std::vector<FileState>& FileStates() const { return state.source.states; }
 
@@ -43,6 +50,7 @@ class VkmDataset : public GDALDataset {
 
     SharedState state;
     std::vector<std::unique_ptr<OGRLayer>> layers;
+    double mapScale = 1000.0;
     std::string spooledInput;  // a temporary file, deleted with the dataset
 };
 

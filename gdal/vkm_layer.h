@@ -43,6 +43,9 @@ class VkmLayer : public OGRLayer {
     }
     int TestCapability(const char* capability) override;
 
+    // A line of several strokes is known to be in the layer.
+    bool HasMultiLines() const { return state.summary[kind] && state.summary[kind]->multiLines > 0; }
+
   private:
     // A place in the layer.
     struct Cursor {

@@ -241,7 +241,7 @@ class Options(unittest.TestCase):
 
     def test_ogrinfo_shows_them(self):
         shown = subprocess.run(["ogrinfo", "--format", "VKM"], capture_output=True, text=True, check=True).stdout
-        for name in ("ENCODING", "ORIENTATION", "SYMBOLOGY", "SRS"):
+        for name in ("ENCODING", "ORIENTATION", "SYMBOLOGY", "SRS", "PARCELS"):
             self.assertIn(f"'{name}'", shown.replace('"', "'"))
 
 

@@ -1,0 +1,92 @@
+#include "parcel_layer.h"
+
+namespace vemrado::gdal {
+
+namespace {
+
+enum ParcelField : int { parcelNumber, parcelTexts, parcelArea, parcelSource };
+
+}  // namespace
+
+ParcelLayer::ParcelLayer(Source& read, const ParcelLayers& chosen, const OGRSpatialReference* reference)
+    : source(read), layers(chosen), definition("parcels", wkbPolygon, reference) {
+    definition.AddField("number", OFTString, "Parcel number, the first text inside");
+    definition.AddField("texts", OFTInteger, "Number texts inside");
+    definition.AddField("area", OFTReal, "Area of the polygon");
+    if (source.withSourceField) definition.AddField("source", OFTString, "File it comes from");
+    SetDescription(definition.Get()->GetName());
+}
+
+const std::vector<Parcel>& ParcelLayer::Parcels() {
+    if (!built) parcels = BuildParcels(source, layers);
+    built = true;
+    return parcels;
+}
+
+OGRFeature* ParcelLayer::Make(size_t index) {
+    const Parcel& parcel = parcels[index];
+    auto feature = new OGRFeature(definition.Get());
+    if (parcel.texts > 0) feature->SetField(parcelNumber, parcel.number.c_str());
+    feature->SetField(parcelTexts, parcel.texts);
+    feature->SetField(parcelArea, parcel.shape->get_Area());
+    if (source.withSourceField) feature->SetField(parcelSource, source.names[parcel.source].c_str());
+    OGRGeometry* shape = parcel.shape->clone();
+    shape->assignSpatialReference(definition.Reference());
+    feature->SetGeometryDirectly(shape);
+    feature->SetFID(static_cast<GIntBig>(index) + 1);
+    return feature;
+}
+
+OGRFeature* ParcelLayer::GetNextFeature() {
+    while (next < Parcels().size()) {
+        const size_t index = next++;
+        if (m_poFilterGeom != nullptr && FilterGeometry(parcels[index].shape.get()) == 0) continue;
+        std::unique_ptr<OGRFeature> feature(Make(index));
+        if (m_poAttrQuery != nullptr && m_poAttrQuery->Evaluate(feature.get()) == 0) continue;
+        ++m_nFeaturesRead;
+        return feature.release();
+    }
+    return nullptr;
+}
+
+OGRErr ParcelLayer::SetNextByIndex(GIntBig index) {
+    if (!Unfiltered()) return OGRLayer::SetNextByIndex(index);
+    if (index < 0 || index >= static_cast<GIntBig>(Parcels().size())) return OGRERR_FAILURE;
+    next = static_cast<size_t>(index);
+    return OGRERR_NONE;
+}
+
+OGRFeature* ParcelLayer::GetFeature(GIntBig identifier) {
+    if (identifier < 1 || identifier > static_cast<GIntBig>(Parcels().size())) return nullptr;
+    return Make(static_cast<size_t>(identifier - 1));
+}
+
+GIntBig ParcelLayer::GetFeatureCount(int force) {
+    if (!Unfiltered()) return OGRLayer::GetFeatureCount(force);
+    if (!built && force == 0) return -1;
+    return static_cast<GIntBig>(Parcels().size());
+}
+
+OGRErr ParcelLayer::GetExtent(OGREnvelope* extent, int force) {
+    if (!built && force == 0) return OGRERR_FAILURE;
+    OGREnvelope all;
+    for (const Parcel& parcel : Parcels()) {
+        OGREnvelope one;
+        parcel.shape->getEnvelope(&one);
+        all.Merge(one);
+    }
+    if (!all.IsInit()) return OGRERR_FAILURE;
+    *extent = all;
+    return OGRERR_NONE;
+}
+
+int ParcelLayer::TestCapability(const char* capability) {
+    if (EQUAL(capability, OLCFastFeatureCount)) return built && Unfiltered();
+    if (EQUAL(capability, OLCFastGetExtent)) return built;
+    // Once built, the parcels are in memory.
+    if (EQUAL(capability, OLCRandomRead)) return built;
+    if (EQUAL(capability, OLCFastSetNextByIndex)) return built && Unfiltered();
+    return EQUAL(capability, OLCStringsAsUTF8);
+}
+
+}  // namespace vemrado::gdal
