@@ -25,11 +25,12 @@ if(TARGET vkm)
   install(TARGETS vkm RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
 endif()
 
-install(DIRECTORY data/symbology DESTINATION ${CMAKE_INSTALL_DATADIR}/vemrado COMPONENT library OPTIONAL)
+install(DIRECTORY data/symbology DESTINATION ${CMAKE_INSTALL_DATADIR}/vemrado COMPONENT library
+  PATTERN sources EXCLUDE)
 install(DIRECTORY data/ DESTINATION ${CMAKE_INSTALL_DATADIR}/vemrado/maps FILES_MATCHING PATTERN "*.vkm"
   PATTERN symbology EXCLUDE)
 install(FILES README.md DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/vemrado)
-install(DIRECTORY docs DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/vemrado OPTIONAL)
+install(DIRECTORY docs DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/vemrado)
 
 install(EXPORT vemrado FILE vemradoTargets.cmake NAMESPACE vemrado:: DESTINATION ${package_dir} COMPONENT development)
 configure_package_config_file(cmake/vemradoConfig.cmake.in ${CMAKE_CURRENT_BINARY_DIR}/vemradoConfig.cmake
