@@ -67,7 +67,7 @@ int64_t ExponentAt(std::string_view text) {
 
 // Whether a number that has no double of its own is too large rather than too small. digitWeight is how many
 // steps of the exponent a digit makes.
-bool IsTooLarge(std::string_view text, uint32_t base, int64_t digitWeight) {
+bool IsTooLarge(std::string_view text, uint32_t base, int64_t digitWeight, char exponentLetter) {
     int64_t magnitude =
         0;  // digits from the first that is not 0 up to the full stop, or minus the zeros after it
     bool started = false;
@@ -85,7 +85,8 @@ bool IsTooLarge(std::string_view text, uint32_t base, int64_t digitWeight) {
             if (!started && afterStop) --magnitude;
         }
     }
-    const int64_t exponent = index < text.size() ? ExponentAt(text.substr(index + 1)) : 0;
+    const bool hasExponent = index < text.size() && LowerCase(text[index]) == exponentLetter;
+    const int64_t exponent = hasExponent ? ExponentAt(text.substr(index + 1)) : 0;
     return magnitude * digitWeight + exponent > 0;
 }
 
@@ -94,7 +95,7 @@ double ParseDigits(std::string_view text, std::chars_format format) {
     const auto result = std::from_chars(text.data(), text.data() + text.size(), value, format);
     if (result.ec != std::errc::result_out_of_range) return value;
     const bool tooLarge =
-        format == std::chars_format::hex ? IsTooLarge(text, 16, 4) : IsTooLarge(text, 10, 1);
+        format == std::chars_format::hex ? IsTooLarge(text, 16, 4, 'p') : IsTooLarge(text, 10, 1, 'e');
     return tooLarge ? std::numeric_limits<double>::infinity() : 0.0;
 }
 
