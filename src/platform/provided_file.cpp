@@ -14,13 +14,15 @@ struct ProvidedFile {
     FrameworkFileProvider provider;  // the one that opened the file, whatever is set later
     void* file;
     int64_t position;
+    int64_t end;  // found by a seek that led beyond it; -1 until then
 
     const char* Path() const { return reinterpret_cast<const char*>(this + 1); }
 };
 
 namespace {
 
-// Reads on to a target; true when it is reached or the file ends before it. The position goes along.
+// Reads on to a target; true when it is reached or the file ends before it. The position goes along, up to
+// the end.
 bool SkipTo(const FrameworkFileProvider& provider, void* file, int64_t& position, int64_t target) {
     char passed[4096];
     while (position < target) {
@@ -54,14 +56,17 @@ bool GoBack(ProvidedFile& file, int64_t target) {
     }
     file.provider.close(file.file);
     file.file = again;
+    file.position = position;
     return true;
 }
 
 bool MoveTo(ProvidedFile& file, int64_t target) {
     const bool moved = target < file.position ? GoBack(file, target)
                                               : SkipTo(file.provider, file.file, file.position, target);
-    if (moved) file.position = target;
-    return moved;
+    if (!moved) return false;
+    if (file.position < target && file.end < 0) file.end = file.position;
+    file.position = target;
+    return true;
 }
 
 // Where an offset from an origin leads; below 0: nowhere.
@@ -69,10 +74,11 @@ int64_t Target(ProvidedFile& file, int64_t offset, Origin origin) {
     if (origin == Origin::start) return offset;
     if (origin == Origin::current) return file.position + offset;
     int64_t length = file.provider.length(file.file);
-    if (length == 0) {
+    if (length == 0 && file.end < 0) {
         if (!SkipToEnd(file)) return -1;
-        length = file.position;
+        file.end = file.position;
     }
+    if (length == 0) length = file.end;
     return length < 0 ? -1 : length + offset;
 }
 
@@ -93,7 +99,7 @@ ProvidedFile* ProvidedOpen(const char* path, int& error) {
         FreeOnHeap(block);
         return nullptr;
     }
-    auto* file = new (block) ProvidedFile{*provider, opened, 0};
+    auto* file = new (block) ProvidedFile{*provider, opened, 0, -1};
     std::memcpy(file + 1, path, pathSize);
     return file;
 }
