@@ -5,7 +5,8 @@
 #include <string>
 
 #include "interface/importer.h"
-#include "memory_files.h"
+#include "symbols/shape_bytes.h"
+#include "tables/symbology_files.h"
 #include "targets.h"
 #include "vemrado/vkm_details.h"
 
@@ -75,7 +76,7 @@ void CallOperation(CVKMDetails& vkm, Script& script, int& flags) {
     switch (script.Byte() % 12) {
         case 0:
             flags = index & 3;
-            vkm.Open("map.vkm", 0, "name", index, 1, flags);
+            vkm.Open("map.vkm", index >> 2 & 1, "name", index, 1, flags);
             break;
         case 1:
             vkm.Close();
@@ -96,7 +97,7 @@ void CallOperation(CVKMDetails& vkm, Script& script, int& flags) {
             vkm.GetLayerStyle(index, &colour, &pattern);
             break;
         case 7:
-            Require(vkm.GetLayerValue(index) == 0, "no layer without symbology");
+            vkm.GetLayerValue(index);
             break;
         case 8:
             CallTextAccessors(vkm);
@@ -113,13 +114,22 @@ void CallOperation(CVKMDetails& vkm, Script& script, int& flags) {
     }
 }
 
+void SetSymbology(vemrado_test::SymbologyFiles& symbology) {
+    symbology["WKOKES.COL"] = "[white]\n1=1,2,3\n[width]\n";
+    symbology["WKOKES.CAR"] = "1 1,2 -3\n-3 1 .5\n";
+    symbology["DKM1_3.TB"] = ":L\n1 1\n21900 1\n:S\n1 1\n2 2\n3 257\n";
+    symbology["WKOKES.SYM"] = "a b\n1\n2\n257\n";
+    symbology["a.ksh"] = vemrado_test::shapeMagic + vemrado_test::Stroke(7);
+}
+
 // The first byte is the number of operations, two bytes each; the rest is the file.
 void RunOperations(std::string_view bytes) {
     Script script(bytes);
     const size_t operations = script.Byte() % 32;
     Script sequence(script.Rest().substr(0, 2 * operations));
-    vemrado_test::MemoryFiles files;
-    vemrado_test::MessageBoxes boxes;
+    vemrado_test::SymbologyFiles symbology;
+    SetSymbology(symbology);
+    vemrado_test::MemoryFiles& files = symbology.files;
     files["map.vkm"] = std::string(script.Rest().substr(std::min(script.Rest().size(), 2 * operations)));
 
     CVKMDetails* vkm = VkmDetails(vemrado::CreateImporter());
