@@ -77,7 +77,8 @@ bool Cursor::ReadHeader() {
     if (type == types.npos) return false;
     uint32_t size = type < 3 ? 2u << type : 0;
     if (type >= 3 && !ReadNumber(type == 3 ? 2 : 4, size)) return false;
-    reported = left = size;
+    reported = size;
+    left = size;
     if (type == 5 && !ReadNumber(4, reported)) return false;
     inValue = true;
     begun = false;
