@@ -32,7 +32,8 @@ std::string Take(std::string& rest, const std::string& delimiters = " \t") {
 }
 
 int Integer(const std::string& text) {
-    return static_cast<int>(std::clamp(std::strtol(text.c_str(), nullptr, 10), -2147483648L, 2147483647L));
+    return static_cast<int>(
+        std::clamp<long long>(std::strtoll(text.c_str(), nullptr, 10), -2147483648L, 2147483647L));
 }
 
 double Real(const std::string& text) {
