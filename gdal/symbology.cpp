@@ -34,7 +34,7 @@ void SetDashes(LinePen& pen, const PatternElement* element) {
         if (!lengths.empty() && element->code == last) {
             lengths.back() += element->x;
         } else {
-            lengths.push_back(element->x);
+            lengths.push_back(double{element->x});  // by value: records are packed
         }
         last = element->code;
     }
