@@ -63,6 +63,20 @@ std::string HolderOfTables(const char* directory) {
     return EQUAL(CPLGetFilename(directory), "VKMSym") ? CPLGetPath(directory) : directory;
 }
 
+bool ReadReference(const char* name, OpenSettings& settings) {
+    settings.reference.reset();
+    if (IsNo(name)) return true;
+    CPLPushErrorHandler(CPLQuietErrorHandler);
+    const bool known = settings.reference.emplace().SetFromUserInput(name) == OGRERR_NONE;
+    CPLPopErrorHandler();
+    if (!known) {
+        CPLError(CE_Failure, CPLE_IllegalArg, "SRS: '%s' names no reference system", name);
+        return false;
+    }
+    settings.reference->SetAxisMappingStrategy(OAMS_TRADITIONAL_GIS_ORDER);
+    return true;
+}
+
 }  // namespace
 
 bool ReadOpenOptions(const char* const* options, OpenSettings& settings) {
@@ -83,9 +97,8 @@ bool ReadOpenOptions(const char* const* options, OpenSettings& settings) {
     }
     settings.axisOrientation = *code;
     constexpr int eastAndNorth = 128;
-    const char* reference = settings.axisOrientation == eastAndNorth ? "EPSG:5514" : "NO";
-    reference = CSLFetchNameValueDef(options, "SRS", reference);
-    settings.reference = IsNo(reference) ? "" : reference;
+    const char* usualReference = settings.axisOrientation == eastAndNorth ? "EPSG:5514" : "NO";
+    if (!ReadReference(CSLFetchNameValueDef(options, "SRS", usualReference), settings)) return false;
 
     const char* symbology = CSLFetchNameValue(options, "SYMBOLOGY");
     if (symbology == nullptr) {

@@ -26,12 +26,13 @@ CVKMDetails* OpenImporter(ModuleSession& session, const Source& source, size_t f
         if (importer->Open(source.files[file].c_str(), 0, "", source.axisOrientation, 0.0,
                            CVKMInterface::flgSymbolsNone) != 0)
             return importer;
-        failure = source.names[file] + ": cannot be opened";
+        // The module's box has said why.
+        if (!session.FailByLast()) failure = source.names[file] + ": cannot be opened";
     } catch (const std::exception& error) {
         failure = source.names[file] + ", line " + std::to_string(importer->GetLineCount() + 1) + ": " +
                   error.what();
     }
-    session.Report(CE_Failure, CPLE_OpenFailed, failure);
+    if (!failure.empty()) session.Report(CE_Failure, CPLE_OpenFailed, failure);
     CVKMInterface::DestroyVKMInterface(importer);
     return nullptr;
 }
@@ -90,6 +91,8 @@ ElementReader::~ElementReader() {
 void ElementReader::Fill(Batch& batch) {
     do {
         batch.Clear();
+        if (state == ReadState::reading && source.stopRequested && source.stopRequested())
+            state = ReadState::failed;
         if (state != ReadState::reading) return;
         ModuleSession session;  // one for each turn: other threads come in between
         if (importer == nullptr && !OpenFile(session)) return;

@@ -2,6 +2,7 @@
 
 #pragma once
 
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -30,6 +31,7 @@ struct Source {
     client::Encoding encoding = client::Encoding::windows1250;
     int axisOrientation = 128;
     bool withSourceField = false;
+    std::function<bool()> stopRequested;  // asked before each batch; true ends the reading as failed
 };
 
 // The header of a file.

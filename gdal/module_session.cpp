@@ -39,6 +39,12 @@ void ModuleSession::Report(CPLErr severity, CPLErrorNum number, std::string text
     messages.push_back({severity, number, std::move(text)});
 }
 
+bool ModuleSession::FailByLast() {
+    if (messages.empty()) return false;
+    messages.back().severity = CE_Failure;
+    return true;
+}
+
 void CPL_STDCALL ModuleSession::OnError(CPLErr severity, CPLErrorNum number, const char* text) {
     if (severity == CE_Debug) return;
     // The reader says where a failure below it stops the reading; until then there are features to hand out.

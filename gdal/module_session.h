@@ -29,6 +29,9 @@ class ModuleSession {
     // Keeps a report for the end of the session.
     void Report(CPLErr severity, CPLErrorNum number, std::string text);
 
+    // Makes the last report a failure; false when there was none.
+    bool FailByLast();
+
   private:
     struct Message {
         CPLErr severity;

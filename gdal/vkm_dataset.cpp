@@ -28,15 +28,6 @@ bool Copy(VSILFILE* from, VSILFILE* to) {
 
 std::unique_ptr<VkmDataset> VkmDataset::Open(const std::vector<std::string>& files,
                                              const OpenSettings& settings) {
-    OGRSpatialReference reference;
-    const bool hasReference = !settings.reference.empty();
-    if (hasReference && reference.SetFromUserInput(settings.reference.c_str()) != OGRERR_NONE) {
-        CPLError(CE_Failure, CPLE_IllegalArg, "SRS: '%s' names no reference system",
-                 settings.reference.c_str());
-        return nullptr;
-    }
-    reference.SetAxisMappingStrategy(OAMS_TRADITIONAL_GIS_ORDER);
-
     auto dataset = std::make_unique<VkmDataset>();
     SharedState& state = dataset->state;
     state.source.encoding = settings.encoding;
@@ -46,7 +37,7 @@ std::unique_ptr<VkmDataset> VkmDataset::Open(const std::vector<std::string>& fil
     for (const std::string& file : files) {
         if (!dataset->AddFile(file)) return nullptr;
     }
-    const OGRSpatialReference* layerReference = hasReference ? &reference : nullptr;
+    const OGRSpatialReference* layerReference = settings.reference ? &*settings.reference : nullptr;
     for (const LayerKind kind : {lineLayer, pointLayer, textLayer})
         dataset->layers.push_back(std::make_unique<VkmLayer>(state, kind, layerReference));
     if (settings.parcels) {

@@ -4,8 +4,11 @@
 
 #include <gdal_priv.h>
 
+#include <functional>
 #include <memory>
+#include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "parcels.h"
@@ -18,7 +21,7 @@ struct OpenSettings {
     client::Encoding encoding = client::Encoding::windows1250;
     int axisOrientation = 128;
     std::string dataDirectory;  // holds VKMSym; empty: no styles
-    std::string reference = "EPSG:5514";
+    std::optional<OGRSpatialReference> reference;
     bool parcels = false;
     ParcelLayers parcelLayers;
     bool withSourceField = false;
@@ -26,7 +29,7 @@ struct OpenSettings {
 
 class VkmDataset : public GDALDataset {
   public:
-    // Null when a file or the reference system cannot be used, which is reported to GDAL.
+    // Null when a file cannot be used, which is reported to GDAL.
     static std::unique_ptr<VkmDataset> Open(const std::vector<std::string>& files,
                                             const OpenSettings& settings);
 
@@ -43,6 +46,8 @@ class VkmDataset : public GDALDataset {
     double MapScale() const { return mapScale; }
     // What reading found in each file.
     const std::vector<FileState>& FileStates() const { return state.source.states; }
+    // Asked between the batches of every reading; once it says true the reading ends as a failed one.
+    void StopWhen(std::function<bool()> requested) { state.source.stopRequested = std::move(requested); }
 
   private:
     bool AddFile(const std::string& file);

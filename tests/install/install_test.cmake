@@ -43,6 +43,10 @@ expect("2 lines, 1 texts" ${WORK}/samples/load_module ${prefix}/lib/libVemrado.s
 expect("import: absent.vkm.*garden.vkm: 2\nabsent.vkm: -1\nno such element" ${WORK}/samples/host_services)
 
 expect("Map scale +1:1000" ${prefix}/bin/vkm info ${small})
+file(GLOB_RECURSE converter ${prefix}/lib*/vkm-convert.so)
+if(converter)
+  expect("^$" ${prefix}/bin/vkm convert ${small} -o ${WORK}/small.dxf)
+endif()
 
 set(ENV{PKG_CONFIG_PATH} ${prefix}/lib/pkgconfig)
 expect("" pkg-config --cflags --libs vemrado)

@@ -8,6 +8,9 @@ void AddCommands(Program& program) {
 #if VEMRADO_DRAWING
     AddRenderCommand(program);
 #endif
+#if VEMRADO_CONVERTER
+    AddConvertCommand(program);
+#endif
     AddSymbologyCommand(program);
     AddShapesCommand(program);
     AddGenerateCommand(program);

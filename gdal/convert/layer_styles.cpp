@@ -1,0 +1,63 @@
+#include "layer_styles.h"
+
+#include <cpl_string.h>
+
+#include <string_view>
+
+#include "qml_style.h"
+
+namespace vemrado::gdal {
+
+namespace {
+
+std::string QmlOf(std::string_view layer, const Symbology& symbology, double mapScale) {
+    if (layer == "lines") return LinesQml(symbology, mapScale);
+    if (layer == "points") return PointsQml(symbology, mapScale);
+    if (layer == "texts") return TextsQml();
+    return ParcelsQml(mapScale);
+}
+
+OGRLayer* CreateTable(GDALDataset& output) {
+    CPLStringList options;
+    options.SetNameValue("ASPATIAL_VARIANT", "GPKG_ATTRIBUTES");
+    options.SetNameValue("FID", "id");
+    OGRLayer* table = output.CreateLayer("layer_styles", nullptr, wkbNone, options.List());
+    if (table == nullptr) return nullptr;
+    for (const char* name : {"f_table_catalog", "f_table_schema", "f_table_name", "f_geometry_column",
+                             "styleName", "styleQML", "styleSLD", "description", "owner", "ui"}) {
+        OGRFieldDefn field(name, OFTString);
+        if (table->CreateField(&field) != OGRERR_NONE) return nullptr;
+    }
+    OGRFieldDefn usual("useAsDefault", OFTInteger);
+    usual.SetSubType(OFSTBoolean);
+    OGRFieldDefn time("update_time", OFTDateTime);
+    time.SetDefault("CURRENT_TIMESTAMP");
+    if (table->CreateField(&usual) != OGRERR_NONE || table->CreateField(&time) != OGRERR_NONE) return nullptr;
+    return table;
+}
+
+}  // namespace
+
+bool AddLayerStyles(GDALDataset& output, VkmDataset& map, const std::vector<OGRLayer*>& layers) {
+    if (map.DataDirectory().empty()) return true;
+    const auto symbology = Symbology::Of(map.DataDirectory());
+    OGRLayer* table = CreateTable(output);
+    if (table == nullptr) return false;
+    for (OGRLayer* layer : layers) {
+        OGRLayer* written = output.GetLayerByName(layer->GetName());
+        if (written == nullptr) return false;
+        OGRFeature row(table->GetLayerDefn());
+        row.SetField("f_table_catalog", "");
+        row.SetField("f_table_schema", "");
+        row.SetField("f_table_name", layer->GetName());
+        row.SetField("f_geometry_column", written->GetGeometryColumn());
+        row.SetField("styleName", "map");
+        row.SetField("styleQML", QmlOf(layer->GetName(), *symbology, map.MapScale()).c_str());
+        row.SetField("description", "As the symbology draws it");
+        row.SetField("useAsDefault", 1);
+        if (table->CreateFeature(&row) != OGRERR_NONE) return false;
+    }
+    return true;
+}
+
+}  // namespace vemrado::gdal

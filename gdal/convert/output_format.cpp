@@ -1,0 +1,90 @@
+#include "output_format.h"
+
+#include <cpl_conv.h>
+#include <cpl_string.h>
+
+#include <algorithm>
+#include <string_view>
+
+namespace vemrado::gdal {
+
+namespace {
+
+constexpr std::string_view containers[] = {"GPKG", "SQLite", "GML", "KML",   "LIBKML",
+                                           "ODS",  "XLSX",   "PDF", "PGDUMP"};
+constexpr std::string_view merging[] = {"DXF"};
+
+struct FieldType {
+    const char* type;
+    const char* substitute;
+};
+constexpr FieldType substitutes[] = {
+    {"StringList", "String"}, {"IntegerList", "String"}, {"RealList", "String"}, {"Integer64", "Real"}};
+
+struct LayerOption {
+    const char* driver;
+    const char* option;
+};
+constexpr LayerOption layerOptions[] = {
+    {"CSV", "GEOMETRY=AS_WKT"}, {"ESRI Shapefile", "ENCODING=UTF-8"}, {"MapInfo File", "ENCODING=CP1250"}};
+
+bool Contains(const auto& names, const char* name) {
+    return std::ranges::find(names, name) != std::end(names);
+}
+
+bool Writes(GDALDriver& driver) {
+    return driver.GetMetadataItem(GDAL_DCAP_VECTOR) != nullptr &&
+           driver.GetMetadataItem(GDAL_DCAP_CREATE) != nullptr;
+}
+
+bool HasExtension(GDALDriver& driver, const char* extension) {
+    const char* all = driver.GetMetadataItem(GDAL_DMD_EXTENSIONS);
+    const CPLStringList extensions(CSLTokenizeString2(all != nullptr ? all : "", " ", 0));
+    return extensions.FindString(extension) >= 0;
+}
+
+GDALDriver* DriverOfExtension(const char* extension) {
+    GDALDriverManager& manager = *GetGDALDriverManager();
+    for (int i = 0; i < manager.GetDriverCount(); ++i) {
+        GDALDriver* driver = manager.GetDriver(i);
+        if (Writes(*driver) && HasExtension(*driver, extension)) return driver;
+    }
+    return nullptr;
+}
+
+}  // namespace
+
+OutputFormat FindFormat(const std::string& name) {
+    OutputFormat format = {nullptr, Layout::separate, name};
+    if (name.empty()) return format;
+    format.driver = DriverOfExtension(name.c_str());
+    GDALDriver* named = GetGDALDriverManager()->GetDriverByName(name.c_str());
+    if (format.driver == nullptr && named != nullptr && Writes(*named)) {
+        const char* extension = named->GetMetadataItem(GDAL_DMD_EXTENSION);
+        format.driver = named;
+        format.extension = extension != nullptr ? extension : "";
+    }
+    if (format.driver == nullptr) return format;
+    const char* driverName = format.driver->GetDescription();
+    if (Contains(containers, driverName)) format.layout = Layout::container;
+    if (Contains(merging, driverName)) format.layout = Layout::merged;
+    return format;
+}
+
+std::vector<std::string> LosslessArguments(GDALDriver& driver) {
+    std::vector<std::string> arguments;
+    const char* types = driver.GetMetadataItem(GDAL_DMD_CREATIONFIELDDATATYPES);
+    const CPLStringList known(CSLTokenizeString2(types != nullptr ? types : "", " ", 0));
+    std::string mapped;
+    for (const auto& [type, substitute] : substitutes) {
+        if (types != nullptr && known.FindString(type) < 0)
+            mapped.append(mapped.empty() ? "" : ",").append(type).append("=").append(substitute);
+    }
+    if (!mapped.empty()) arguments = {"-mapFieldType", mapped};
+    for (const auto& [name, option] : layerOptions) {
+        if (EQUAL(driver.GetDescription(), name)) arguments.insert(arguments.end(), {"-lco", option});
+    }
+    return arguments;
+}
+
+}  // namespace vemrado::gdal

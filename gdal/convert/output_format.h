@@ -1,0 +1,31 @@
+// Which GDAL driver writes an output, and how the layers of a map go into it.
+
+#pragma once
+
+#include <gdal_priv.h>
+
+#include <string>
+#include <vector>
+
+namespace vemrado::gdal {
+
+enum class Layout {
+    container,  // one file holds all layers
+    separate,   // a file for each layer
+    merged,     // one file with all features in one layer
+};
+
+struct OutputFormat {
+    GDALDriver* driver;
+    Layout layout;
+    std::string extension;
+};
+
+// The format that people name by an extension or a driver's name. A null driver when GDAL writes none of that
+// name.
+OutputFormat FindFormat(const std::string& name);
+
+// Arguments of ogr2ogr by which the driver keeps what it would lose by default: lists, geometries, letters.
+std::vector<std::string> LosslessArguments(GDALDriver& driver);
+
+}  // namespace vemrado::gdal

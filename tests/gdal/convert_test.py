@@ -1,0 +1,178 @@
+"""Checks `vkm convert`: python3 convert_test.py. VKM names the program, VKM_DATA the folder of the sample maps."""
+
+import os
+import signal
+import subprocess
+import tempfile
+import time
+import unittest
+import xml.etree.ElementTree as xml
+
+from osgeo import gdal
+
+from made_map import MadeMap
+
+gdal.UseExceptions()
+VKM = os.environ["VKM"]
+DATA = os.environ["VKM_DATA"]
+MAP = MadeMap(11)
+COUNTS = {"lines": len(MAP.lines), "points": len(MAP.points), "texts": len(MAP.texts)}
+STYLED = COUNTS | {"layer_styles": 3}
+
+
+def counts_of(path):
+    dataset = gdal.OpenEx(path)
+    layers = [dataset.GetLayer(i) for i in range(dataset.GetLayerCount())]
+    return {layer.GetName(): layer.GetFeatureCount() for layer in layers}
+
+
+def values_of(path, layer, *names):
+    dataset = gdal.OpenEx(path)
+    return [tuple(feature[name] for name in names) for feature in dataset.GetLayer(layer)]
+
+
+def round_place(place):
+    return tuple(round(number, 2) for number in place)
+
+
+class Convert(unittest.TestCase):
+    def setUp(self):
+        folder = tempfile.TemporaryDirectory()
+        self.addCleanup(folder.cleanup)
+        self.folder = folder.name
+        self.write("map.vkm", MAP.bytes())
+
+    def path(self, *names):
+        return os.path.join(self.folder, *names)
+
+    def write(self, name, content):
+        with open(self.path(name), "wb") as file:
+            file.write(content)
+
+    def left_behind(self):
+        return [name for _, folders, files in os.walk(self.folder) for name in folders + files if name.startswith(".")]
+
+    def convert(self, *arguments, code=0, **more):
+        run = subprocess.run([VKM, "convert", *arguments], cwd=self.folder, capture_output=True, text=True, **more)
+        self.assertEqual((code, "", []), (run.returncode, run.stdout, self.left_behind()), run.stderr)
+        return run.stderr
+
+    def test_formats(self):
+        cases = {"out.gpkg": {"out.gpkg": STYLED}, "out.sqlite": {"out.sqlite": COUNTS}}
+        # A file for each layer; some formats name the layer after the file.
+        cases |= {f"out.{end}": {f"out_{layer}.{end}": {named.format(layer): count} for layer, count in COUNTS.items()}
+                  for end, named in (("fgb", "{}"), ("geojson", "{}"), ("csv", "out_{}"), ("shp", "out_{}"))}
+        for output, files in cases.items():
+            with self.subTest(output):
+                self.convert("map.vkm", "-o", output, "--quiet")
+                for name, counts in files.items():
+                    self.assertEqual(counts, counts_of(self.path(name)))
+                texts = [name for name in files if "texts" in name] or list(files)
+                layer = [name for name in files[texts[0]] if "texts" in name][0]
+                # Letters and places are whole in every format; some sort the features.
+                dataset = gdal.OpenEx(self.path(texts[0]))
+                found = [(round_place(text.geometry().GetPoint_2D(0)), text["text"] or None) for text in dataset.GetLayer(layer)]
+                self.assertEqual(sorted((round_place(text["place"]), text["text"] or None) for text in MAP.texts), sorted(found))
+
+    def test_drawing_takes_everything_with_layer_and_style(self):
+        self.convert("map.vkm", "-o", "out.dxf")
+        found = values_of(self.path("out.dxf"), "entities", "Layer", "Text")
+        self.assertEqual({str(item["layer"]) for item in MAP.lines + MAP.points + MAP.texts}, {layer for layer, _ in found})
+        self.assertEqual([text["text"] for text in MAP.texts if text["text"]], [text for _, text in found if text])
+        strokes = sum(len(line["strokes"]) for line in MAP.lines)
+        self.assertEqual(strokes + len(MAP.points) + len(MAP.texts), len(found))
+
+    def test_one_layer_keeps_the_name(self):
+        self.convert("map.vkm", "-o", "texts.geojson", "--layers", "texts")
+        self.assertEqual([(text["text"],) for text in MAP.texts], values_of(self.path("texts.geojson"), "texts", "text"))
+
+    def test_many_inputs_become_one_output(self):
+        other = MadeMap(12)
+        self.write("other.vkm", other.bytes())
+        self.convert("map.vkm", "other.vkm", "-o", "out.gpkg")
+        wanted = [(name, text["text"]) for name, made in (("map.vkm", MAP), ("other.vkm", other)) for text in made.texts]
+        self.assertEqual(wanted, values_of(self.path("out.gpkg"), "texts", "source", "text"))
+
+    def test_many_inputs_become_an_output_each(self):
+        for number in range(7):
+            self.write(f"{number}.vkm", MadeMap(number).bytes())
+        self.write("3.vkm", MadeMap(3).bytes()[:-10])
+        names = [f"{number}.vkm" for number in range(7)]
+        self.assertIn("--format", self.convert("map.vkm", "-o", "out/", code=2))
+        said = self.convert(*names, "missing.vkm", "-o", "out/", "--format", "gpkg", "--jobs", "3", code=1)
+        for word in ("3.vkm", "missing.vkm"):
+            self.assertIn(word, said)
+        made = sorted(os.listdir(self.path("out")))
+        self.assertEqual([f"{number}.gpkg" for number in range(7)], made)
+        self.assertEqual(len(MadeMap(6).texts), counts_of(self.path("out", "6.gpkg"))["texts"])
+        self.assertIn("two inputs", self.convert("map.vkm", "./map.vkm", "-o", "out/", "--format", "fgb", code=2))
+
+    def test_parcels_of_the_sample(self):
+        said = self.convert(os.path.join(DATA, "sample-town.vkm"), "-o", "out.gpkg", "--parcels")
+        numbers = [number for number, in values_of(self.path("out.gpkg"), "parcels", "number")]
+        self.assertGreater(len(numbers), 100)
+        self.assertGreater(len([number for number in numbers if number]), 0.9 * len(numbers), said)
+
+    def test_geopackage_carries_styles(self):
+        self.convert(os.path.join(DATA, "sample-town.vkm"), "-o", "out.gpkg", "--parcels")
+        dataset = gdal.OpenEx(self.path("out.gpkg"))
+        styles = {row["f_table_name"]: row for row in dataset.GetLayer("layer_styles")}
+        self.assertEqual({"lines", "points", "texts", "parcels"}, styles.keys())
+        for name, row in styles.items():
+            self.assertTrue(row["useAsDefault"])
+            self.assertEqual(dataset.GetLayer(name).GetGeometryColumn(), row["f_geometry_column"])
+            self.assertIsNotNone(xml.fromstring(row["styleQML"]).find("renderer-v2"))
+        codes = {c.get("value") for c in xml.fromstring(styles["lines"]["styleQML"]).iter("category")}
+        used = {str(feature["code"]) for feature in dataset.GetLayer("lines")}
+        self.assertFalse(used - codes)
+
+    def test_troubles(self):
+        self.write("cut.vkm", MAP.bytes()[:-4])
+        self.write("taken", b"")
+        self.write("old.gpkg", b"old")
+        for arguments, code, word in ((["cut.vkm", "-o", "cut.gpkg"], 1, "cut.vkm"),
+                                      (["cut.vkm", "-o", "cut.gpkg", "--quiet"], 1, "cut.vkm"),
+                                      (["missing.vkm", "-o", "x.gpkg"], 1, "missing.vkm"),
+                                      (["map.vkm", "missing.vkm", "-o", "old.gpkg"], 1, "missing.vkm"),
+                                      (["map.vkm", "-o", "x.nothing"], 2, "nothing"),
+                                      (["map.vkm", "-o", "x.gpkg", "--layers", "roads"], 2, "roads"),
+                                      (["map.vkm", "-o", "x.gpkg", "--srs", "nowhere"], 2, "nowhere"),
+                                      (["map.vkm", "-o", "map.vkm", "--format", "gpkg"], 2, "map.vkm"),
+                                      (["-", "-", "-o", "x.gpkg"], 2, "only once"),
+                                      (["map.vkm", "-o", "/dev/null", "--format", "gpkg"], 2, "/dev/null"),
+                                      (["map.vkm", "-o", "taken/x.gpkg"], 3, "taken/x.gpkg"),
+                                      (["map.vkm"], 2, "output")):
+            with self.subTest(arguments):
+                said = self.convert(*arguments, code=code)
+                self.assertIn(word, said)
+                self.assertLessEqual(len(said.splitlines()), 2, said)
+        self.assertEqual(["cut.gpkg", "cut.vkm", "map.vkm", "old.gpkg", "taken"], sorted(os.listdir(self.folder)))
+        with open(self.path("old.gpkg"), "rb") as file:
+            self.assertEqual(b"old", file.read())
+        # What stands last in a cut file is lost, here a text or the closing record alone.
+        self.assertEqual(sum(COUNTS.values()) - 1, sum(counts_of(self.path("cut.gpkg"))[name] for name in COUNTS))
+
+    def test_interrupt_leaves_nothing(self):
+        made = MadeMap(13, 1000)
+        made.rows[3:-1] *= 200
+        self.write("long.vkm", made.bytes())
+        for arguments in (["-o", "out.gpkg"], ["map.vkm", "-o", "out/", "--format", "gpkg", "--jobs", "2"]):
+            with self.subTest(arguments):
+                run = subprocess.Popen([VKM, "convert", "long.vkm", *arguments], cwd=self.folder, stderr=subprocess.PIPE,
+                                       text=True, start_new_session=True)
+                while not self.left_behind() and run.poll() is None:
+                    time.sleep(0.01)
+                os.killpg(run.pid, signal.SIGINT)
+                said = run.communicate()[1]
+                self.assertEqual((1, []), (run.returncode, self.left_behind()), said)
+                self.assertIn("stopped", said)
+                self.assertFalse(os.path.exists(self.path("out.gpkg")) or os.path.exists(self.path("out", "long.gpkg")))
+
+    def test_standard_input(self):
+        with open(self.path("map.vkm"), "rb") as piped:
+            self.convert("-", "-o", "piped.fgb", "--layers", "lines", stdin=piped)
+        self.assertEqual({"lines": COUNTS["lines"]}, counts_of(self.path("piped.fgb")))
+
+
+if __name__ == "__main__":
+    unittest.main()
