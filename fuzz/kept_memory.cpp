@@ -8,7 +8,7 @@
 namespace {
 
 constexpr size_t largeBuffer = 65536;
-constexpr size_t mostKept = 64;  // pieces of each kind
+constexpr size_t mostKept = 32;  // pieces of each size
 
 // Free pieces by size.
 using Pieces = std::multimap<size_t, void*>;
@@ -54,7 +54,7 @@ void* __wrap__ZN7vemrado8platform19NativeReserveRegionEm(size_t size) {
 }
 
 void __wrap__ZN7vemrado8platform19NativeReleaseRegionEPvm(void* base, size_t size) {
-    if (FreeRegions().size() < mostKept) {
+    if (FreeRegions().count(size) < mostKept) {
         FreeRegions().emplace(size, base);
     } else {
         __real__ZN7vemrado8platform19NativeReleaseRegionEPvm(base, size);
@@ -76,7 +76,7 @@ void __wrap__ZN7vemrado8platform16NativeFreeOnHeapEPv(void* block) {
     if (large == LargeBuffers().end()) return __real__ZN7vemrado8platform16NativeFreeOnHeapEPv(block);
     const size_t size = large->second;
     LargeBuffers().erase(large);
-    if (FreeBuffers().size() < mostKept) {
+    if (FreeBuffers().count(size) < mostKept) {
         FreeBuffers().emplace(size, block);
     } else {
         __real__ZN7vemrado8platform16NativeFreeOnHeapEPv(block);

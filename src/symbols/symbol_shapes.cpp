@@ -44,6 +44,7 @@ class ShapeFileLoader {
 
     CSymbolShapes& shapes;
     CTaggedFileReader reader;
+    int16_t lastHeight = 0;
     uint64_t wordsTotal = 0;   // bytes
     uint64_t pointsTotal = 0;  // bytes
 };
@@ -51,12 +52,13 @@ class ShapeFileLoader {
 bool ShapeFileLoader::Load() {
     if (reader.Check() != taggedFileValid) return false;
     Measure();
+    shapes.height = lastHeight;
     if (shapes.count == 0 || reader.Rewind() == 0 || !Allocate()) return false;
     Fill();
     return !reader.Failed();
 }
 
-// To the next drawing, with the height taken from the way.
+// To the next drawing, with the height noted that stands on the way.
 bool ShapeFileLoader::NextDrawing(DrawingHeader& header) {
     CSharedString name;
     int32_t type = taggedNone;
@@ -64,7 +66,7 @@ bool ShapeFileLoader::NextDrawing(DrawingHeader& header) {
     while (reader.NextRecord(name, type, size) != 0) {
         uint8_t bytes[headerSize] = {};
         if (type == taggedInt16 && name.View() == "HEIGHT" && reader.ReadValue(bytes, 2) == 2) {
-            shapes.height = static_cast<int16_t>(ReadWord(bytes));
+            lastHeight = static_cast<int16_t>(ReadWord(bytes));
         }
         if (type != taggedShortBlock || name.View() != "SYM") continue;
         reader.ReadValue(bytes, headerSize);

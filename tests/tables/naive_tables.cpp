@@ -165,16 +165,17 @@ struct Cursor {
 
 NaiveShapes::Drawing ReadDrawing(Cursor value, size_t size) {
     value.Long();
-    NaiveShapes::Drawing drawing(value.Word());
-    if (6 + 2 * drawing.size() > size) return {};
+    const size_t partCount = value.Word();
+    if (6 + 2 * partCount > size) return {};
+    NaiveShapes::Drawing drawing(partCount);
     size_t points = 0;
     for (NaiveShapes::Part& part : drawing) {
         const unsigned word = value.Word();
         part.kind = static_cast<int>(word >> 14);
+        points += word & 0x3FFF;
+        if (6 + 2 * partCount + 4 * points > size) return {};
         part.points.resize(word & 0x3FFF);
-        points += part.points.size();
     }
-    if (6 + 2 * drawing.size() + 4 * points > size) return {};
     for (NaiveShapes::Part& part : drawing) {
         for (auto& [x, y] : part.points) {
             x = value.Signed();
