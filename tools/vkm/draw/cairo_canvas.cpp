@@ -173,6 +173,8 @@ void CairoCanvas::Line(std::span<const Point> points, const Pen& pen, double len
 }
 
 void CairoCanvas::Symbol(const SymbolShape& shape, Point at, double scale, double rotation, const Pen& pen) {
+    // A symbol less than a pixel large would be a grey speck that takes as long to draw as a large one.
+    if (std::max(shape.bounds.Width(), shape.bounds.Height()) * scale < resolution) return;
     UsePen(pen, 0);
     cairo_save(cairo.get());
     cairo_translate(cairo.get(), at.x, at.y);
