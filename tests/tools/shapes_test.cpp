@@ -229,6 +229,12 @@ TEST(ShapesCommand, CommittedFilesAreThoseOfTheirSources) {
     }
 }
 
+TEST(ShapesCommand, SampleSymbologyIsWhole) {
+    const RunResult run = RunVkm({"symbology", DATA_FOLDER "/symbology"});
+    EXPECT_EQ(run.exitCode, 0) << run.errors;
+    EXPECT_EQ(run.errors, "");
+}
+
 TEST(ShapesCommand, ReportsFaultsOnOneLine) {
     const TestFolder folder;
     const std::string source = folder.Add("bad.txt", "drawing\npart 9\n");

@@ -47,7 +47,9 @@ struct DrawnLayer {
 
 class Drawing {
   public:
-    explicit Drawing(Grid grid) : grid_(grid) {}
+    explicit Drawing(Grid grid) : grid_(grid) {
+        for (DrawnLayer& layer : layers_) layer.elements.reserve(1024);
+    }
 
     const Grid& GridOf() const { return grid_; }
     const DrawnLayer& At(int layer) const { return layers_[static_cast<std::size_t>(layer)]; }

@@ -109,7 +109,7 @@ bool Furnisher::HasRoom(Point at, Point along, double halfWidth, double halfHeig
 
 // The nearest of some places around the wanted one that has room, level when possible, else along the parcel.
 void Furnisher::PlaceNear(Point wanted, double halfWidth, Point& at, double& gons) const {
-    constexpr std::array<double, 9> steps{0, 2, -2, 4, -4, 6.5, -6.5, 9, -9};
+    constexpr std::array<double, 13> steps{0, 2, -2, 4, -4, 6.5, -6.5, 9, -9, 13, -13, 17, -17};
     const Point inwards = site_.hasFront ? site_.front.inwards : Point{0, 1};
     const double halfHeight = 0.75 * numberHeight * paper_;
     const Point upright = Rotated({1, 0}, ReadableGons(inwards) * std::numbers::pi / 200);
@@ -129,7 +129,7 @@ void Furnisher::PlaceNear(Point wanted, double halfWidth, Point& at, double& gon
 
 void Furnisher::Number(const Parcel& parcel, Point wanted) {
     std::string text = std::to_string(parcel.stem);
-    if (parcel.sub > 0) text += "/" + std::to_string(parcel.sub);
+    if (parcel.sub > 0) text.append("/").append(std::to_string(parcel.sub));
     const double width = static_cast<double>(text.size()) * letterWidth * numberHeight * paper_;
     Point at;
     double gons = 0;

@@ -7,8 +7,6 @@ namespace generate {
 
 namespace {
 
-constexpr std::array<int64_t, 5> powersOfTen{1, 10, 100, 1000, 10000};
-
 // The pairs of digits 00 to 99.
 constexpr std::array<char, 200> MakeDigitPairs() {
     std::array<char, 200> pairs{};
@@ -27,9 +25,8 @@ constexpr std::size_t longerThanAnyBuffer = 1100;
 RecordWriter::RecordWriter(RecordForm form, int decimals, uint64_t seed, int64_t sheet)
     : form_(form),
       decimals_(decimals),
-      random_(seed, Subject::records, sheet, form == RecordForm::odd ? 1 : 0) {
-    out_.reserve(std::size_t{1} << 19);
-}
+      random_(seed, Subject::records, sheet, form == RecordForm::odd ? 1 : 0),
+      out_(std::size_t{1} << 18) {}
 
 void RecordWriter::Digits(uint64_t value) {
     std::array<char, 20> text;
@@ -45,22 +42,31 @@ void RecordWriter::Digits(uint64_t value) {
     } else {
         text[--at] = static_cast<char>('0' + value);
     }
-    out_.append(&text[at], text.size() - at);
+    out_ += std::string_view(&text[at], text.size() - at);
 }
 
-// value is in units of the last of the decimals.
+// value is in units of the last of at most three decimals.
 void RecordWriter::Number(int64_t value, int decimals) {
     if (value < 0) out_ += '-';
     const auto magnitude = static_cast<uint64_t>(value < 0 ? -value : value);
-    const auto power = static_cast<uint64_t>(powersOfTen[static_cast<std::size_t>(decimals)]);
-    Digits(magnitude / power);
-    if (decimals == 0) return;
-    out_ += '.';
-    uint64_t rest = magnitude % power;
-    for (uint64_t place = power / 10; place > 0; place /= 10) {
-        out_ += static_cast<char>('0' + rest / place);
-        rest %= place;
+    switch (decimals) {
+        case 0:
+            return Digits(magnitude);
+        case 1:
+            Digits(magnitude / 10);
+            out_ += '.';
+            break;
+        case 2:
+            Digits(magnitude / 100);
+            out_ += '.';
+            out_ += std::string_view(&digitPairs[2 * (magnitude % 100)], 2);
+            return;
+        default:
+            Digits(magnitude / 1000);
+            out_ += '.';
+            out_ += std::string_view(&digitPairs[2 * (magnitude / 10 % 100)], 2);
     }
+    out_ += static_cast<char>('0' + magnitude % 10);
 }
 
 void RecordWriter::Coordinate(int64_t value) {
@@ -161,7 +167,7 @@ void RecordWriter::EndLine(Ending ending) {
     }
     if (random_.Chance(0.1)) Separator();
     if (ending == Ending::any && random_.Chance(0.002))
-        out_.append(longerThanAnyBuffer, random_.Chance(0.5) ? ' ' : '\t');
+        out_.Append(longerThanAnyBuffer, random_.Chance(0.5) ? ' ' : '\t');
     if (random_.Chance(0.5)) out_ += '\r';
     out_ += '\n';
 }
@@ -182,7 +188,7 @@ void RecordWriter::Comment(std::string_view text) {
     Field(text);
     if (form_ == RecordForm::odd && !inHeader_ && random_.Chance(0.3)) {
         out_ += ' ';
-        out_.append(longerThanAnyBuffer, '-');
+        out_.Append(longerThanAnyBuffer, '-');
     }
     EndLine(inHeader_ ? Ending::shortLine : Ending::any);
 }

@@ -9,6 +9,7 @@
 
 #include "drawing.h"
 #include "random.h"
+#include "text_buffer.h"
 
 namespace generate {
 
@@ -41,8 +42,8 @@ class RecordWriter {
     // The end of the file's header, whose lines stay short.
     void EndHeader() { inHeader_ = false; }
 
-    // What was written so far; the writer goes on with an empty text.
-    std::string& Output() { return out_; }
+    // What was written; the writer goes on with an empty text.
+    std::string Take() { return out_.Take(); }
 
   private:
     void Field(std::string_view text);
@@ -70,7 +71,7 @@ class RecordWriter {
     int64_t originX_ = 0;
     bool inHeader_ = true;
     bool afterRecordLine_ = false;
-    std::string out_;
+    TextBuffer out_;
 };
 
 }  // namespace generate

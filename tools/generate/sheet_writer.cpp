@@ -60,7 +60,7 @@ std::string MapWriter::Header() const {
     writer.Record('R', "1 1 0 0 " + std::to_string(options_.scale) + (options_.relative ? " R" : " A"));
     writer.Record('D', "1.1.2026 S=1");
     if (options_.plainLines) writer.Record('U', "1");
-    return std::move(writer.Output());
+    return writer.Take();
 }
 
 std::string MapWriter::Sheet(int64_t sheet) const {
@@ -84,7 +84,7 @@ std::string MapWriter::MapSheet(int64_t sheet) const {
         for (const DrawnText& text : content.texts) writer.Text(text);
         if (layer == layerBuildings) writer.Record('S', std::to_string(sheet + 1));
     }
-    return std::move(writer.Output());
+    return writer.Take();
 }
 
 std::string MapWriter::PlainLines(int64_t sheet) const {
@@ -106,13 +106,13 @@ std::string MapWriter::PlainLines(int64_t sheet) const {
         element.startsLine = false;
         writer.Element(element);
     }
-    return std::move(writer.Output());
+    return writer.Take();
 }
 
 std::string MapWriter::Closing() const {
     RecordWriter writer = WriterOf(closingNumber);
     writer.Record('K', "");
-    return std::move(writer.Output());
+    return writer.Take();
 }
 
 }  // namespace generate
