@@ -103,6 +103,28 @@ def measure_parts():
     compare("pool, tables loaded and dropped", "PoolOurs", "malloc", "PoolMalloc")
 
 
+def measure_gdal(megabytes):
+    """The driver's loop over lines of two points, and the module's, against what else there is."""
+    program = programs / "bench_gdal"
+    if not program.exists():
+        return
+    times = json.loads(run(program, "--json", "--folder", work, "--size", megabytes))
+    lines = times.pop("lines")
+
+    def speed(name):
+        return f"{lines / times[name] / 1e6:.2f} M lines/s"
+
+    size = f"{megabytes} MB"
+    row(f"GDAL driver with styles, {size}", speed("driver"), "made-up features", speed("made_up"),
+        times["driver"] / times["made_up"])
+    for name in ("DXF", "CSV", "GeoJSONSeq", "FlatGeobuf"):
+        row(f"GDAL driver with styles, {size}", speed("driver"), f"{name} through GDAL", speed(name),
+            times["driver"] / times[name])
+    for name in ("DXF", "CSV", "GeoJSONSeq", "FlatGeobuf"):
+        row(f"import, lines of two points, {size}", speed("import"), f"{name} through GDAL", speed(name),
+            times["import"] / times[name])
+
+
 def print_table():
     titles = ("Figure", "Value", "Reference", "Value", "Ratio")
     widths = [max(len(line[i]) for line in [titles, *rows]) for i in range(5)]
@@ -119,6 +141,7 @@ def main():
     times = measure_import(sizes)
     measure_commands(1 << 28, times[1 << 28])
     measure_parts()
+    measure_gdal(1000 if "--full" in sys.argv[1:] else 64)
     print_table()
 
 

@@ -3,6 +3,7 @@
 #include <dlfcn.h>
 
 #include "client/data_directory.h"
+#include "client/system.h"
 
 namespace vemrado::gdal {
 
@@ -12,7 +13,8 @@ std::string SampleSymbology() {
     Dl_info here = {};
     if (dladdr(reinterpret_cast<const void*>(&SampleSymbology), &here) == 0 || here.dli_fname == nullptr)
         return {};
-    std::string place = here.dli_fname;
+    // As the loader was given it, which may start in the current folder.
+    std::string place = client::FollowLinks(here.dli_fname);
     constexpr int maximumDepth = 4;
     for (int depth = 0; depth < maximumDepth && !place.empty(); ++depth) {
         std::string found = client::FindSampleSymbology(place);

@@ -286,6 +286,15 @@ class Files(unittest.TestCase):
                 done = subprocess.run(["ogr2ogr", os.path.join(folder, result), path, *more], capture_output=True, text=True)
                 self.assertEqual(0, done.returncode, done.stderr)
 
+    def test_plugin_named_by_a_relative_path_finds_the_symbology(self):
+        plugins = os.environ["GDAL_DRIVER_PATH"]
+        path = os.path.join(os.path.abspath(WORK), "style.vkm")
+        with open(path, "wb") as file:
+            file.write(HEAD + b"&L P 1 2\n L 3 4\n&K\n")
+        shown = subprocess.run(["ogrinfo", "-al", path], capture_output=True, text=True, check=True, cwd=os.path.dirname(plugins),
+                               env=os.environ | {"GDAL_DRIVER_PATH": os.path.basename(plugins)}).stdout
+        self.assertIn("Style = PEN(", shown)
+
     def test_other_drivers_keep_their_files(self):
         refused = (b"", b"&", b"&V\n", b"& 1 2\n&V X 1 2\n", b"&v X 1 2\n", b"&L 1 2\n", b"&namelist\n x=1\n/\n",
                    b"&V X 1 2\n\x00\x01\n", b"\x00&V X 1 2\n", b"text\n&V X 1 2\n", b"\xef\xbb\xbf&V X 1 2\n",
