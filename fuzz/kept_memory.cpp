@@ -9,6 +9,7 @@ namespace {
 
 constexpr size_t largeBuffer = 65536;
 constexpr size_t mostKept = 32;  // pieces of each size
+constexpr size_t largestKept = 4 << 20;
 
 // Free pieces by size.
 using Pieces = std::multimap<size_t, void*>;
@@ -54,7 +55,7 @@ void* __wrap__ZN7vemrado8platform19NativeReserveRegionEm(size_t size) {
 }
 
 void __wrap__ZN7vemrado8platform19NativeReleaseRegionEPvm(void* base, size_t size) {
-    if (FreeRegions().count(size) < mostKept) {
+    if (size <= largestKept && FreeRegions().count(size) < mostKept) {
         FreeRegions().emplace(size, base);
     } else {
         __real__ZN7vemrado8platform19NativeReleaseRegionEPvm(base, size);
@@ -76,7 +77,7 @@ void __wrap__ZN7vemrado8platform16NativeFreeOnHeapEPv(void* block) {
     if (large == LargeBuffers().end()) return __real__ZN7vemrado8platform16NativeFreeOnHeapEPv(block);
     const size_t size = large->second;
     LargeBuffers().erase(large);
-    if (FreeBuffers().count(size) < mostKept) {
+    if (size <= largestKept && FreeBuffers().count(size) < mostKept) {
         FreeBuffers().emplace(size, block);
     } else {
         __real__ZN7vemrado8platform16NativeFreeOnHeapEPv(block);
