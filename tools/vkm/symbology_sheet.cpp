@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <utility>
+#include <vector>
 
 #include "draw/legend.h"
 #include "draw/words.h"
@@ -37,11 +38,15 @@ double TableHeight(size_t cells, size_t columns, double rowHeight) {
     return static_cast<double>((cells + columns - 1) / columns) * rowHeight;
 }
 
-// Cells run down the columns, as people read a list.
-draw::Point CellCorner(size_t cell, size_t cells, size_t columns, double rowHeight, double top) {
-    const size_t rows = (cells + columns - 1) / columns;
-    return {margin + CellWidth(columns) * static_cast<double>(cell / rows),
-            top + rowHeight * static_cast<double>(cell % rows)};
+// Draws each entry of a table at the corner of its cell. Cells run down the columns, as people read a list.
+template <class Entry, class DrawEntry>
+void DrawCells(const std::vector<Entry>& entries, size_t columns, double rowHeight, double top,
+               DrawEntry drawEntry) {
+    const size_t rows = (entries.size() + columns - 1) / columns;
+    for (size_t cell = 0; cell < entries.size(); ++cell) {
+        drawEntry(entries[cell], draw::Point{margin + CellWidth(columns) * static_cast<double>(cell / rows),
+                                             top + rowHeight * static_cast<double>(cell % rows)});
+    }
 }
 
 const draw::Pen& SymbolPen() {
@@ -102,21 +107,16 @@ void SymbologySheet::Draw(draw::Canvas& canvas) const {
     if (linesTop > 0) {
         canvas.BeginGroup("line-types", "");
         DrawHeading(canvas, draw::HostWords().lineTypes, linesTop);
-        const size_t count = symbology.lines.size();
-        for (size_t i = 0; i < count; ++i) {
-            DrawLine(canvas, symbology.lines[i],
-                     CellCorner(i, count, lineColumns, lineRowHeight, linesTop + headingHeight));
-        }
+        DrawCells(symbology.lines, lineColumns, lineRowHeight, linesTop + headingHeight,
+                  [&](const CheckedLine& line, draw::Point corner) { DrawLine(canvas, line, corner); });
         canvas.EndGroup();
     }
     if (symbolsTop > 0) {
         canvas.BeginGroup("symbols", "");
         DrawHeading(canvas, draw::HostWords().symbols, symbolsTop);
-        const size_t count = symbology.symbols.size();
-        for (size_t i = 0; i < count; ++i) {
-            DrawSymbol(canvas, symbology.symbols[i],
-                       CellCorner(i, count, symbolColumns, symbolRowHeight, symbolsTop + headingHeight));
-        }
+        DrawCells(
+            symbology.symbols, symbolColumns, symbolRowHeight, symbolsTop + headingHeight,
+            [&](const CheckedSymbol& symbol, draw::Point corner) { DrawSymbol(canvas, symbol, corner); });
         canvas.EndGroup();
     }
 }
