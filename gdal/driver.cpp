@@ -46,7 +46,9 @@ int OnIdentify(GDALOpenInfo* info) {
 GDALDataset* OnOpen(GDALOpenInfo* info) {
     if (!Identify(info)) return nullptr;
     if (info->eAccess == GA_Update) {
-        CPLError(CE_Failure, CPLE_NotSupported, "%s: the VKM driver reads only", info->pszFilename);
+        // Desktop programs try this first and then open for reading.
+        if ((info->nOpenFlags & GDAL_OF_VERBOSE_ERROR) != 0)
+            CPLError(CE_Failure, CPLE_NotSupported, "%s: the VKM driver reads only", info->pszFilename);
         return nullptr;
     }
     OpenSettings settings;

@@ -81,7 +81,8 @@ OGRFeature* VkmLayer::Make(const Cursor& cursor, size_t record) {
     FeatureNeeds needs;
     needs.geometry = defn->IsGeometryIgnored() == 0 || m_poFilterGeom != nullptr ||
                      (m_poAttrQuery != nullptr && AttributeFilterEvaluationNeedsGeometry() != 0);
-    needs.styles = defn->IsStyleIgnored() ? nullptr : state.StylesInUse();
+    // Also when styles are ignored: QGIS says so of every layer and takes them all the same.
+    needs.styles = state.StylesInUse();
     const Batch& batch = cursor.batch;
     OGRFeature* feature = kind == lineLayer    ? MakeFeature(definition, batch, batch.lines[record], needs)
                           : kind == pointLayer ? MakeFeature(definition, batch, batch.points[record], needs)

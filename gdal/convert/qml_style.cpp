@@ -3,6 +3,7 @@
 #include <cpl_conv.h>
 #include <cpl_string.h>
 
+#include <map>
 #include <vector>
 
 #include "styles.h"
@@ -12,7 +13,8 @@ namespace vemrado::gdal {
 
 namespace {
 
-constexpr double plainWidth = 0.13;  // mm, of lines without a line type and of symbols
+constexpr double plainWidth = 0.13;   // mm, of lines without a line type
+constexpr double symbolWidth = 0.18;  // mm, of the strokes of symbols
 constexpr const char* mapUnit = "MapUnit";
 
 struct Property {
@@ -57,7 +59,7 @@ void AddSymbol(XmlText& xml, const char* type, size_t name, const char* layerCla
                                   {{"type", type},
                                    {"name", std::to_string(name)},
                                    {"alpha", "1"},
-                                   {"clip_to_extent", "1"},
+                                   {"clip_to_extent", "0"},  // dashes begin where the line does
                                    {"force_rhr", "0"}});
     const XmlText::Element layer(xml, "layer",
                                  {{"class", layerClass}, {"enabled", "1"}, {"locked", "0"}, {"pass", "0"}});
@@ -137,15 +139,29 @@ std::string Categories(const char* field, const Items& items, Draw draw) {
     return Document({{"type", "categorizedSymbol"}, {"attr", field}}, false, fill, nothing);
 }
 
+// The colour of a point from the line type of its code, black without one.
+std::string ColourExpression(const Symbology& symbology) {
+    std::map<uint32_t, std::string> codes;
+    for (const auto& [code, pen] : symbology.pens) {
+        std::string& list = codes[pen.colour];
+        list += (list.empty() ? "" : ",") + std::to_string(code);
+    }
+    std::string expression = "CASE";
+    for (const auto& [colour, list] : codes)
+        expression += " WHEN to_int(\"code\") IN (" + list + ") THEN '" + ColourText(colour) + "'";
+    return expression + " ELSE '#000000' END";
+}
+
 // The symbol as a picture with its point in the middle.
 std::string Picture(const PointSymbol& symbol) {
-    const double reach = symbol.reach + plainWidth;
+    const double reach = symbol.reach + symbolWidth;
     CPLString svg;
     svg.Printf(
-        "<svg xmlns=\"http://www.w3.org/2000/svg\" width=\"%.6gmm\" height=\"%.6gmm\" "
-        "viewBox=\"%.6g %.6g %.6g %.6g\"><path fill=\"none\" stroke=\"#000\" stroke-width=\"%.6g\" "
+        "<svg xmlns=\"http://www.w3.org/2000/svg\" width=\"%.6g\" height=\"%.6g\" "
+        "viewBox=\"%.6g %.6g %.6g %.6g\"><path fill=\"none\" stroke=\"param(outline) #000\" "
+        "stroke-width=\"%.6g\" "
         "stroke-linecap=\"round\" stroke-linejoin=\"round\" d=\"",
-        2 * reach, 2 * reach, -reach, -reach, 2 * reach, 2 * reach, plainWidth);
+        2 * reach, 2 * reach, -reach, -reach, 2 * reach, 2 * reach, symbolWidth);
     for (const auto& stroke : symbol.strokes) {
         for (size_t i = 0; i < stroke.size(); ++i)
             svg += CPLString().Printf("%c%.6g %.6g", i == 0 ? 'M' : 'L', stroke[i].x, -stroke[i].y);
@@ -170,6 +186,7 @@ std::string LinesQml(const Symbology& symbology, double mapScale) {
 
 std::string PointsQml(const Symbology& symbology, double mapScale) {
     const double ground = mapScale / 1000.0;
+    const std::string colour = ColourExpression(symbology);
     return Categories(
         "symbol", symbology.symbols, [&](XmlText& xml, size_t number, const PointSymbol* symbol) {
             if (symbol == nullptr) {
@@ -177,11 +194,17 @@ std::string PointsQml(const Symbology& symbology, double mapScale) {
                           {{"name", "cross"}, {"size", Number(ground)}, {"size_unit", mapUnit}});
                 return;
             }
-            const std::string size = Number(2.0 * (symbol->reach + plainWidth) * ground);
+            const std::string size = Number(2.0 * (symbol->reach + symbolWidth) * ground);
             const std::string scaled = size + " * \"scale\"";
             AddSymbol(xml, "marker", number, "SvgMarker",
-                      {{"name", Picture(*symbol)}, {"size", size}, {"size_unit", mapUnit}, {"angle", "0"}},
-                      {{"size", scaled.c_str()}, {"angle", "-0.9 * \"rotation\""}});
+                      {{"name", Picture(*symbol)},
+                       {"size", size},
+                       {"size_unit", mapUnit},
+                       {"angle", "0"},
+                       {"outline_color", "0,0,0,255"}},
+                      {{"size", scaled.c_str()},
+                       {"angle", "-0.9 * \"rotation\""},
+                       {"outlineColor", colour.c_str()}});
         });
 }
 
@@ -195,6 +218,7 @@ std::string TextsQml() {
                                           {"fontFamily", "DejaVu Sans"},
                                           {"fontSize", "2"},
                                           {"fontSizeUnit", mapUnit},
+                                          {"namedStyle", "Book"},
                                           {"textColor", "0,0,0,255"}});
         }
         // Placed by hand: over the point, turned around it, and shown whatever it covers.
@@ -212,8 +236,10 @@ std::string TextsQml() {
                      "CASE WHEN \"d_value\" IN (4,5,6) THEN 'Half' WHEN \"d_value\" IN (7,8,9) THEN 'Cap' "
                      "ELSE 'Base' END"},
                     {"Family", "if(\"f_value\" IN (5,6,7), 'DejaVu Serif', 'DejaVu Sans')"},
-                    {"Bold", "\"f_value\" IN (3,4,6,7)"},
-                    {"Italic", "\"f_value\" IN (2,4,7)"},
+                    {"FontStyle",
+                     "CASE WHEN \"f_value\" = 2 THEN 'Oblique' WHEN \"f_value\" IN (3,6) THEN 'Bold' "
+                     "WHEN \"f_value\" = 4 THEN 'Bold Oblique' WHEN \"f_value\" = 7 THEN 'Bold Italic' "
+                     "ELSE 'Book' END"},
                     {"AlwaysShow", "1"}});
     };
     return Document({{"type", "nullSymbol"}}, true, nothing, labels);
