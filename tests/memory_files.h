@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <cstdint>
 #include <cstring>
+#include <functional>
 #include <map>
 #include <string>
 
@@ -32,7 +33,9 @@ class MemoryFiles {
     int failingRead = 0;            // this read, counted from 1, fails and the later ones work; 0: none
     int failingOpen = 0;            // as failingRead
     size_t mostPerRead = SIZE_MAX;  // reads give at most so many bytes
+    std::function<void()> beforeRead;  // may change the files, as another program does
     int reads = 0;
+    int failedReads = 0;
     int opens = 0;
     int openFiles = 0;
 
@@ -54,8 +57,14 @@ class MemoryFiles {
     static int64_t Read(void* handle, void* destination, size_t count) {
         auto* file = static_cast<OpenFile*>(handle);
         MemoryFiles* self = file->owner;
-        if (++self->reads == self->failingRead || self->readLimit == 0) return -1;
-        count = std::min({count, file->bytes->size() - file->position, self->mostPerRead});
+        ++self->reads;
+        if (self->beforeRead) self->beforeRead();
+        if (self->reads == self->failingRead || self->readLimit == 0) {
+            ++self->failedReads;
+            return -1;
+        }
+        const size_t left = file->bytes->size() - std::min(file->position, file->bytes->size());
+        count = std::min({count, left, self->mostPerRead});
         if (self->readLimit > 0) {
             count = std::min(count, static_cast<size_t>(self->readLimit));
             self->readLimit -= static_cast<int64_t>(count);

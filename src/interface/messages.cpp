@@ -88,7 +88,7 @@ void SelectLanguage(int country) {
 
 void ClearMessages() {
     haveMessages = 0;
-    messages.clear();
+    String().swap(messages);  // with its memory
 }
 
 void AddMessage(const char* text) {
