@@ -10,23 +10,39 @@ namespace {
 
 constexpr char endOfInput = 0x1A;
 constexpr char noMemory[] = "not enough memory";
+constexpr size_t smallestBuffer = 4096;
 
 }  // namespace
 
-bool TextFile::Open(const char* path, size_t wantedBufferSize) {
+bool TextFile::Open(const char* path, size_t largestBuffer) {
     Close();
     outOfMemory = false;
     if (!file.Open(path)) return false;
-    buffer = static_cast<char*>(ReallocateOnHeap(nullptr, wantedBufferSize + searchSlack));
-    if (buffer == nullptr) {
-        outOfMemory = true;
+    largestBufferSize = largestBuffer;
+    if (!TakeBuffer(SizeOfFirstBuffer())) {
         file.Close();
         return false;
     }
-    bufferSize = wantedBufferSize;
     std::memset(buffer, '\n', searchSlack);
     cursor = filled = buffer;
     ended = zeroInBuffer = false;
+    return true;
+}
+
+// A file whose length is known is held whole where it is small, with room for the read that finds its end.
+size_t TextFile::SizeOfFirstBuffer() {
+    const int64_t length = file.Length();
+    if (length <= 0 || static_cast<uint64_t>(length) >= largestBufferSize) return largestBufferSize;
+    return std::max(static_cast<size_t>(length) + 1, std::min(smallestBuffer, largestBufferSize));
+}
+
+// With what the buffer holds already.
+bool TextFile::TakeBuffer(size_t size) {
+    void* moved = ReallocateOnHeap(buffer, size + searchSlack);
+    outOfMemory = moved == nullptr;
+    if (outOfMemory) return false;
+    buffer = static_cast<char*>(moved);
+    bufferSize = size;
     return true;
 }
 
@@ -64,11 +80,15 @@ bool TextFile::Rewind() {
     return true;
 }
 
-// Reads behind what is left in the buffer, which moves to its start. False on a read error, with what is left
-// intact.
+// Reads behind what is left in the buffer, which moves to its start. False on a read error or without memory,
+// with what is left intact.
 bool TextFile::Fill() {
     const size_t left = static_cast<size_t>(filled - cursor);
-    if (left > 0) std::memmove(buffer, cursor, left);
+    if (left == bufferSize) {  // of a file that has grown, or is longer than it says
+        if (!TakeBuffer(largestBufferSize)) return false;
+    } else if (left > 0) {
+        std::memmove(buffer, cursor, left);
+    }
     cursor = buffer;
     filled = buffer + left;
     const int64_t count = file.Read(filled, bufferSize - left);
@@ -90,18 +110,17 @@ void TextFile::TakePiece(size_t count, std::string_view& line) {
     cursor += count;
 }
 
-// The line may reach beyond the buffer, hold a zero character, be longer than the limit, or be the last one.
-ReadResult TextFile::ReadLineAtEdge(size_t limit, std::string_view& line, bool& hadLineFeed) {
+ReadResult TextFile::ReadLine(size_t limit, std::string_view& line, bool& hadLineFeed) {
     const size_t most = limit - 1;
     hadLineFeed = false;
     // A line feed at index most can still belong to the line: after a carriage return, which is dropped.
-    while (!ended && static_cast<size_t>(filled - cursor) <= most &&
-           FindLineFeed(cursor, filled, most + 1) == nullptr) {
+    const char* stop;
+    while ((stop = FindLineFeed(cursor, filled, most + 1)) == nullptr && !ended &&
+           static_cast<size_t>(filled - cursor) <= most) {
         if (!Fill()) return ReadResult::error;
     }
     if (cursor == filled) return ReadResult::end;
 
-    const char* stop = FindLineFeed(cursor, filled, most + 1);
     const size_t index = stop != nullptr ? static_cast<size_t>(stop - cursor) : 0;
     const size_t length = index - (index > 0 && cursor[index - 1] == '\r' ? 1 : 0);
     if (stop != nullptr && length < most) {

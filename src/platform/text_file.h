@@ -3,7 +3,7 @@
 // Text mode: a carriage return before a line feed is dropped and 0x1A ends the input. A zero character inside
 // a line ends the line at that point; what follows it on the line is lost.
 //
-// Memory: one fixed buffer, taken at Open and returned at Close, whatever the file's size.
+// Memory: one buffer, taken at Open and returned at Close, of a fixed size or of a smaller file's.
 
 #pragma once
 
@@ -28,8 +28,8 @@ class TextFile {
     static constexpr size_t defaultBufferSize = 262144;
 
     // False when the file cannot be opened or there is no memory for the buffer; FailureText tells why. The
-    // buffer must be larger than every limit given to ReadLine.
-    bool Open(const char* path, size_t wantedBufferSize = defaultBufferSize);
+    // largest buffer must be larger than every limit given to ReadLine.
+    bool Open(const char* path, size_t largestBuffer = defaultBufferSize);
     void Close();
     bool IsOpen() const { return file.IsOpen(); }
     // As File::Length.
@@ -44,17 +44,7 @@ class TextFile {
     // line ends with its line feed: not so for a piece, for a line cut by a zero character and for an
     // unfinished last line. After ReadResult::error the same call may be tried again; nothing read before is
     // lost.
-    ReadResult ReadLine(size_t limit, std::string_view& line, bool& hadLineFeed) {
-        const char* stop = FindLineFeed(cursor, filled, limit - 1);
-        if (stop != nullptr && !zeroInBuffer) [[likely]] {
-            const bool carriageReturn = stop > cursor && stop[-1] == '\r';
-            line = std::string_view(cursor, static_cast<size_t>(stop - cursor) - (carriageReturn ? 1 : 0));
-            hadLineFeed = true;
-            cursor = stop + 1;
-            return ReadResult::line;
-        }
-        return ReadLineAtEdge(limit, line, hadLineFeed);
-    }
+    ReadResult ReadLine(size_t limit, std::string_view& line, bool& hadLineFeed);
 
     // For readers with a search of their own: the characters that are buffered, with searchSlack line feeds
     // behind them. None while a zero character may be among them.
@@ -69,13 +59,15 @@ class TextFile {
     bool Rewind();
 
   private:
-    ReadResult ReadLineAtEdge(size_t limit, std::string_view& line, bool& hadLineFeed);
+    size_t SizeOfFirstBuffer();
+    bool TakeBuffer(size_t size);
     void TakePiece(size_t count, std::string_view& line);
     bool Fill();
 
     File file;
     char* buffer = nullptr;  // bufferSize characters and room for the line feeds that stop a search
     size_t bufferSize = 0;
+    size_t largestBufferSize = 0;
     const char* cursor = nullptr;  // next character to hand out
     char* filled = nullptr;        // end of the characters that may be handed out
     bool ended = false;            // no more characters come from the file: its end, or 0x1A

@@ -6,6 +6,7 @@
 
 #include "interface/messages.h"
 #include "memory_files.h"
+#include "platform/memory_faults.h"
 
 namespace vemrado_test {
 namespace {
@@ -38,6 +39,25 @@ TEST(TableFile, CutsLongLines) {
         const std::string cut = line.substr(0, TableFile::longestLine) + "|";
         EXPECT_EQ(LinesOf(line + "\nnext"), cut + "next|") << length;
         EXPECT_EQ(LinesOf(line), cut) << length;
+    }
+}
+
+// The buffer has the size that the file had when it was opened.
+TEST(TableFile, ReadsAFileThatGrows) {
+    const std::string grown = std::string(3000, 'a') + "\n" + std::string(500000, 'b') + "\nlast";
+    for (const int64_t memoryCalls : {-1, 0}) {
+        MemoryFiles files;
+        files["t"] = grown.substr(0, 3500);
+        TableFile file;
+        ASSERT_TRUE(file.Open("t"));
+        files.beforeRead = [&files, &grown] { files["t"] = grown; };
+        platform::memoryCallsLeft = memoryCalls;
+        std::string lines;
+        for (std::string_view line; file.NextLine(line);) lines.append(line).append("\n");
+        platform::memoryCallsLeft = -1;
+        EXPECT_EQ(file.ReadFailed(), memoryCalls == 0);
+        EXPECT_TRUE(lines == (memoryCalls == 0 ? grown.substr(0, 3001) : grown + "\n"));
+        ClearMessages();
     }
 }
 

@@ -44,15 +44,23 @@ TEST_F(Reading, EveryPrefixOfASmallFile) {
     }
 }
 
+// Every value of every byte of a few records, and what matters to the reader at every place of more.
 TEST_F(Reading, EverySingleByteChangeOfASmallFile) {
-    const std::string whole(smallFile, sizeof smallFile - 1);
-    const std::string changes("\0\n\r\x1A\t &KTUVR='\"%5.-eX", 21);
-    for (size_t at = 0; at < whole.size(); ++at) {
-        for (const char change : changes) {
-            std::string bytes = whole;
-            bytes[at] = change;
-            ExpectSame(bytes);
-            if (HasFatalFailure()) return;
+    const std::string fewRecords =
+        "&V x 6 1\n&R 1 2 3 4 500 r\n&U 7\n&L P 1.5 2 K=9 S=4 M = 2\nC -1 2 R=3 U= 5\n x K=12\n"
+        "&T 5 6 \"N\xE1\" K=1001 H=2\n F = 8 D=3\n&K\n";
+    std::string everyByte;
+    for (int byte = 0; byte < 256; ++byte) everyByte += static_cast<char>(byte);
+    const std::pair<std::string, std::string> cases[] = {
+        {fewRecords, everyByte}, {{smallFile, sizeof smallFile - 1}, {"\0\n\r\x1A\t &KTUVR='\"%5.-eX", 21}}};
+    for (const auto& [whole, changes] : cases) {
+        for (size_t at = 0; at < whole.size(); ++at) {
+            for (const char change : changes) {
+                std::string bytes = whole;
+                bytes[at] = change;
+                ExpectSame(bytes);
+                if (HasFatalFailure()) return;
+            }
         }
     }
 }
