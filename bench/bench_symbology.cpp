@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "framework/framework.h"
+#include "support/containers.h"
 #include "tables/kokes_tables.h"
 
 namespace {
@@ -17,6 +18,7 @@ namespace {
 using vemrado::CKokesTables;
 
 constexpr int codeCount = 1'000'000;
+constexpr int collidingCodeCount = 20'000;
 constexpr int colourCount = 100'000;
 constexpr int drawingCount = 60'000;
 
@@ -49,21 +51,30 @@ class Symbology {
     std::filesystem::path root;
 };
 
-std::string CodeLines() {
+std::string CodeLines(int count = codeCount, int step = 1) {
     std::string text = ":L\n";
-    for (int i = 1; i <= codeCount; ++i) text += std::to_string(i) + " 1\n";
+    for (int i = 1; i <= count; ++i) text += std::to_string(int64_t{i} * step) + " 1\n";
     return text;
+}
+
+// The step at which codes would share one bucket of their table if they were not mixed.
+int CollidingStep() {
+    vemrado::CodeMap<int> codes;
+    codes.rehash(vemrado::bucketCountWhenRead);
+    for (int i = 0; i < collidingCodeCount; ++i) codes[i] = i;
+    return static_cast<int>(codes.bucket_count());
 }
 
 void LoadCodeTable(benchmark::State& state) {
     Symbology symbology;
-    symbology.Write("DKM1_3.TB", CodeLines());
+    symbology.Write("DKM1_3.TB",
+                    state.range(0) == 0 ? CodeLines() : CodeLines(collidingCodeCount, CollidingStep()));
     for (auto _ : state) {
         CKokesTables tables;
         tables.Load(0);
     }
 }
-BENCHMARK(LoadCodeTable)->Unit(benchmark::kMillisecond);
+BENCHMARK(LoadCodeTable)->ArgName("colliding")->Arg(0)->Arg(1)->Unit(benchmark::kMillisecond);
 
 void LoadColours(benchmark::State& state) {
     const bool descending = state.range(0) != 0;
@@ -108,22 +119,37 @@ void LoadShapes(benchmark::State& state) {
 }
 BENCHMARK(LoadShapes)->Unit(benchmark::kMillisecond)->Iterations(20);
 
-void LineStyle(benchmark::State& state) {
-    const auto codes = static_cast<uint32_t>(state.range(0));
+// Random codes of a table.
+void AskStyles(benchmark::State& state, const std::string& codeLines, int codes, int step) {
     Symbology symbology;
-    if (codes > 1) symbology.Write("DKM1_3.TB", CodeLines());
+    if (!codeLines.empty()) symbology.Write("DKM1_3.TB", codeLines);
     CKokesTables tables;
     tables.Load(0);
-    uint32_t code = 0;
+    uint32_t random = 0;
     for (auto _ : state) {
         uint32_t colour = 0;
         int32_t pattern = 0;
-        code = code * 1664525 + 1013904223;
-        benchmark::DoNotOptimize(
-            tables.GetLineStyle(static_cast<int32_t>(1 + code % codes), colour, pattern));
+        random = random * 1664525 + 1013904223;
+        const auto code = static_cast<int32_t>(1 + random % static_cast<uint32_t>(codes)) * step;
+        benchmark::DoNotOptimize(tables.GetLineStyle(code, colour, pattern));
     }
 }
-BENCHMARK(LineStyle)->ArgName("codes")->Arg(1)->Arg(codeCount);
+
+void LineStyle(benchmark::State& state) {
+    AskStyles(state, "", 1, 1);
+}
+BENCHMARK(LineStyle);
+
+void LineStyleOfManyCodes(benchmark::State& state) {
+    AskStyles(state, CodeLines(), codeCount, 1);
+}
+BENCHMARK(LineStyleOfManyCodes);
+
+void LineStyleOfCollidingCodes(benchmark::State& state) {
+    const int step = CollidingStep();
+    AskStyles(state, CodeLines(collidingCodeCount, step), collidingCodeCount, step);
+}
+BENCHMARK(LineStyleOfCollidingCodes);
 
 void Symbol(benchmark::State& state) {
     Symbology symbology;

@@ -1,5 +1,5 @@
-// The standard containers over mainPool. They throw std::bad_alloc when the pool has nothing; the exported operations
-// turn that into their failure result, so it never leaves the module.
+// The standard containers over mainPool. They throw std::bad_alloc when the pool has nothing; the exported
+// operations turn that into their failure result, so it never leaves the module.
 
 #pragma once
 
@@ -40,9 +40,20 @@ using Array = std::vector<T, PoolAllocator<T>>;
 
 using String = std::basic_string<char, std::char_traits<char>, PoolAllocator<char>>;
 
-// Keyed by the integer codes of the symbology. Readers reserve bucketCountWhenRead buckets; a larger table grows.
+// Codes come in steps of all sizes. Unmixed, those in steps of the number of buckets would all share one.
+struct MixedCode {
+    size_t operator()(int32_t code) const noexcept {
+        auto mixed = static_cast<uint32_t>(code);
+        mixed = (mixed ^ mixed >> 16) * 0x7FEB352Du;
+        mixed = (mixed ^ mixed >> 15) * 0x846CA68Bu;
+        return mixed ^ mixed >> 16;
+    }
+};
+
+// Keyed by the integer codes of the symbology. Readers reserve bucketCountWhenRead buckets; a larger table
+// grows.
 template <class Value>
-using CodeMap = std::unordered_map<int32_t, Value, std::hash<int32_t>, std::equal_to<int32_t>,
+using CodeMap = std::unordered_map<int32_t, Value, MixedCode, std::equal_to<int32_t>,
                                    PoolAllocator<std::pair<const int32_t, Value>>>;
 
 constexpr size_t bucketCountWhenRead = 1009;
