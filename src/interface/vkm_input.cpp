@@ -73,11 +73,13 @@ void CVkmInput::Close() {
         reader.inputFile.Close();
         if (progressWindow != nullptr) close_info(progressWindow);
         progressWindow = nullptr;
+        ++filesClosed;
     }
     fileOpen = 0;
 }
 
 bool CVkmInput::UpdateProgress() {
+    const uint32_t closedBefore = filesClosed;
     if (progressWindow != nullptr) {
         const uint32_t position = reader.bytesRead / progressStep;
         if (position > progressPosition) {
@@ -86,7 +88,8 @@ bool CVkmInput::UpdateProgress() {
         }
     }
     platform::PumpMessages();
-    return true;
+    // A window procedure of the host's may have closed the file, and with it the line just read.
+    return filesClosed == closedBefore;
 }
 
 void CVkmInput::ThrowReadError() const {
@@ -98,7 +101,7 @@ void CVkmInput::ThrowReadError() const {
 int CVkmInput::ReadNext() {
     Element element = Element::none;
     try {
-        if (fileOpen != 0) element = ReadNextElement(state, reader);
+        element = ReadNextElement(state, reader);
     } catch (const std::bad_alloc&) {
         outOfMemory = true;
     }

@@ -61,7 +61,8 @@ class CVkmInput final : public CVKMDetails {
     bool SymbolsWanted() const;
     bool OpenFile(const char* fileName);
     void OpenProgressWindow();
-    // Draws the progress and pumps the thread's messages. False when the user asks to stop.
+    // Draws the progress and pumps the thread's messages. False when the user asks to stop, and when the file
+    // was closed meanwhile.
     bool UpdateProgress();
     // Throws the framework's file exception for a failed read of the input file.
     [[noreturn]] void ThrowReadError() const;
@@ -73,6 +74,7 @@ class CVkmInput final : public CVKMDetails {
     String inputFileName;
     CVKMLineReader reader;  // holds the input file
     int32_t fileOpen = 0;
+    uint32_t filesClosed = 0;
     void* progressWindow = nullptr;
     uint32_t fileLength = 0;        // lower 32 bits
     uint32_t progressStep = 0;      // bytes per progress unit

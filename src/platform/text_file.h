@@ -70,7 +70,7 @@ class TextFile {
     size_t largestBufferSize = 0;
     const char* cursor = nullptr;  // next character to hand out
     char* filled = nullptr;        // end of the characters that may be handed out
-    bool ended = false;            // no more characters come from the file: its end, or 0x1A
+    bool ended = true;             // no more characters come from the file: its end, 0x1A, or no open file
     bool zeroInBuffer = false;     // a zero character stands between cursor and filled, or did
     bool outOfMemory = false;      // the last failure was the buffer's
 };

@@ -63,8 +63,9 @@ bool ReadHeader(CVKMReaderState& state, CVKMLineReader& reader) {
         DispatchRecord(state, line, recordClass, true);
         if (!BelongsToHeader(recordClass)) break;
     }
+    if (result == LineResult::error) return false;
     state.currentRecord = recordClass;
-    return result != LineResult::error;
+    return true;
 }
 
 Element ReadNextElement(CVKMReaderState& state, CVKMLineReader& reader) {

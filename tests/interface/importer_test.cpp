@@ -171,6 +171,39 @@ TEST_F(Importer, AReadErrorReachesTheHostAfterWhatWasRead) {
     EXPECT_THROW(vkm->Open("map.vkm", 0, "", 1, 0, 0), std::runtime_error);
 }
 
+TEST_F(Importer, AReadErrorInTheHeaderLeavesNoRecordOpen) {
+    files.readLimit = 9;
+    EXPECT_THROW(Open("&V a 1 2\nx y 5 6\n&R 0 0 0 0 1000 r\n&L C 1 1\n&K\n"), std::runtime_error);
+    files.readLimit = -1;
+    double point[3];
+    ASSERT_EQ(vkm->ReadNext(), 1);
+    vkm->GetElementPoint(0, point);
+    EXPECT_TRUE(point[0] == 3 && point[1] == 2);
+}
+
+TEST_F(Importer, AClosedFileIsAtItsEnd) {
+    EXPECT_EQ(vkm->ReadNext(), 0);
+    EXPECT_EQ(vkm->GetElementCount(), 0);
+    ASSERT_EQ(Open("&L C 1 2\nC 3 4\n&G\n&L C 5 6\n&K\n"), 1);
+    ASSERT_EQ(vkm->ReadNext(), 1);
+    vkm->Close();
+    EXPECT_EQ(vkm->GetElementCount(), 2);
+    EXPECT_EQ(vkm->ReadNext(), 0);
+    EXPECT_EQ(vkm->GetElementCount(), 0);
+}
+
+// A host's window procedure runs inside ReadNext and may close the importer.
+TEST_F(Importer, CanBeClosedFromThePump) {
+    std::string bytes = "&L C 1 2\n";
+    for (int i = 0; i < 200; ++i) bytes += "C 3 4 K=1\n";
+    ASSERT_EQ(Open(bytes + "&K\n"), 1);
+    FrameworkSetPumpHook([](void* importer) { static_cast<CVKMDetails*>(importer)->Close(); }, vkm);
+    EXPECT_EQ(vkm->ReadNext(), 0);
+    FrameworkSetPumpHook(nullptr, nullptr);
+    EXPECT_EQ(files.openFiles, 0);
+    EXPECT_EQ(vkm->ReadNext(), 0);
+}
+
 TEST(Messages, CollectedInOrderAndShownInOneBox) {
     MessageBoxes boxes;
     vemrado::ClearMessages();
