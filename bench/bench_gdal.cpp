@@ -4,7 +4,7 @@
 //   bench_gdal [--size MEGABYTES] [--seed N] [--repeat N] [--folder DIRECTORY] [--json]
 //
 // The map is lines of two points each, made from the seed. Times are processor time of the only thread, the
-// least of the repetitions; every file was read before, so that it comes from the page cache.
+// least of the repetitions; every file was written just before, so that it comes from the page cache.
 
 #include <cpl_conv.h>
 #include <cpl_string.h>
@@ -185,7 +185,7 @@ Seen Import(const char* path) {
 
 template <typename Read>
 Measured Measure(const std::string& name, int repetitions, Read read) {
-    Measured measured{name, read(), 0};
+    Measured measured{name, {}, 0};
     for (int i = 0; i < repetitions; ++i) {
         const std::clock_t start = std::clock();
         measured.seen = read();

@@ -56,9 +56,9 @@ struct TextRecord {
     int valueF = 0;
 };
 
-// Exact: whether a value was given at all.
+// Exact: whether a value was given at all. No number is one too.
 inline bool Differs(double value, double standard) {
-    return value < standard || value > standard;
+    return !(value == standard);
 }
 
 struct Batch {

@@ -4,18 +4,16 @@ namespace vemrado::gdal {
 
 namespace {
 
-enum ParcelField : int { parcelNumber, parcelTexts, parcelArea, parcelSource };
+enum ParcelField : int { parcelNumber, parcelTexts, parcelArea };
+constexpr FieldSchema parcelFields[] = {{"number", OFTString, "Parcel number, the first text inside"},
+                                        {"texts", OFTInteger, "Number texts inside"},
+                                        {"area", OFTReal, "Area of the polygon"}};
+constexpr LayerSchema parcelSchema = {"parcels", wkbPolygon, parcelFields};
 
 }  // namespace
 
 ParcelLayer::ParcelLayer(Source& read, const ParcelLayers& chosen, const OGRSpatialReference* reference)
-    : source(read), layers(chosen), definition("parcels", wkbPolygon, reference) {
-    definition.AddField("number", OFTString, "Parcel number, the first text inside");
-    definition.AddField("texts", OFTInteger, "Number texts inside");
-    definition.AddField("area", OFTReal, "Area of the polygon");
-    if (source.withSourceField) definition.AddField("source", OFTString, "File it comes from");
-    SetDescription(definition.Get()->GetName());
-}
+    : MapLayer(parcelSchema, read, reference), source(read), layers(chosen) {}
 
 const std::vector<Parcel>& ParcelLayer::Parcels() {
     if (!built) parcels = BuildParcels(source, layers);
@@ -29,7 +27,7 @@ OGRFeature* ParcelLayer::Make(size_t index) {
     if (parcel.texts > 0) feature->SetField(parcelNumber, parcel.number.c_str());
     feature->SetField(parcelTexts, parcel.texts);
     feature->SetField(parcelArea, parcel.shape->get_Area());
-    if (source.withSourceField) feature->SetField(parcelSource, source.names[parcel.source].c_str());
+    SetSource(*feature, source.names[parcel.source]);
     OGRGeometry* shape = parcel.shape->clone();
     shape->assignSpatialReference(definition.Reference());
     feature->SetGeometryDirectly(shape);

@@ -12,6 +12,9 @@ namespace vemrado::gdal {
 
 namespace {
 
+constexpr int layerField = 0;  // in every layer
+
+// Each enumeration numbers the fields of the table below it.
 enum LineField : int {
     lineCode = 1,
     lineCodes,
@@ -21,6 +24,15 @@ enum LineField : int {
     lineValuesR,
     lineValuesU
 };
+constexpr FieldSchema lineFields[] = {{"layer", OFTInteger, "Layer (U record)"},
+                                      {"code", OFTInteger, "Code (first K)"},
+                                      {"codes", OFTStringList, "Code of each vertex (K)"},
+                                      {"types", OFTStringList, "Type letter of each vertex"},
+                                      {"symbols", OFTIntegerList, "Symbol code of each vertex (S)"},
+                                      {"m_values", OFTRealList, "Symbol scale of each vertex (M)"},
+                                      {"r_values", OFTRealList, "R value of each vertex"},
+                                      {"u_values", OFTRealList, "Symbol rotation of each vertex (U)"}};
+
 enum PointField : int {
     pointSymbol = 1,
     pointRotation,
@@ -31,8 +43,25 @@ enum PointField : int {
     pointLine,
     pointVertex
 };
+constexpr FieldSchema pointFields[] = {{"layer", OFTInteger, "Layer (U record)"},
+                                       {"symbol", OFTInteger, "Symbol code (S)"},
+                                       {"rotation", OFTReal, "Rotation as in the file (U)"},
+                                       {"scale", OFTReal, "Scale (M)"},
+                                       {"r_value", OFTReal, "R value"},
+                                       {"code", OFTString, "Code of the line element (K)"},
+                                       {"type", OFTString, "Type letter of the line element"},
+                                       {"line", OFTInteger64, "Identifier of the line it lies on"},
+                                       {"vertex", OFTInteger, "Place in its line, from 0"}};
+
 enum TextField : int { textText = 1, textCode, textHeight, textRotation, textValueD, textValueF };
-constexpr int layerField = 0;  // in every layer
+constexpr FieldSchema textFields[] = {
+    {"layer", OFTInteger, "Layer (U record)"},
+    {"text", OFTString, "Text"},
+    {"code", OFTInteger, "Code (K)"},
+    {"height", OFTReal, "Height in ground units (H times map scale / 1000)"},
+    {"rotation", OFTReal, "Rotation as in the file (U)"},
+    {"d_value", OFTInteger, "D value"},
+    {"f_value", OFTInteger, "F value"}};
 
 // Fills the fields of a new feature by their places. Nothing is written to a field that the user ignores.
 class FieldWriter {
@@ -56,31 +85,30 @@ class FieldWriter {
     // List fields: value(i) gives the i-th entry.
     template <typename Value>
     void Strings(int field, size_t count, Value value) {
-        char** list = static_cast<char**>(CPLMalloc((count + 1) * sizeof(char*)));
-        for (size_t i = 0; i < count; ++i) list[i] = value(i);
+        char** list = NewList<char*>(count, count + 1, value);
         list[count] = nullptr;
-        OGRField* raw = feature.GetRawFieldRef(field);
-        raw->StringList.nCount = static_cast<int>(count);
-        raw->StringList.paList = list;
+        feature.GetRawFieldRef(field)->StringList = {static_cast<int>(count), list};
     }
     template <typename Value>
     void Reals(int field, size_t count, Value value) {
-        double* list = static_cast<double*>(CPLMalloc(count * sizeof(double)));
-        for (size_t i = 0; i < count; ++i) list[i] = value(i);
-        OGRField* raw = feature.GetRawFieldRef(field);
-        raw->RealList.nCount = static_cast<int>(count);
-        raw->RealList.paList = list;
+        feature.GetRawFieldRef(field)->RealList = {static_cast<int>(count),
+                                                   NewList<double>(count, count, value)};
     }
     template <typename Value>
     void Integers(int field, size_t count, Value value) {
-        int* list = static_cast<int*>(CPLMalloc(count * sizeof(int)));
-        for (size_t i = 0; i < count; ++i) list[i] = value(i);
-        OGRField* raw = feature.GetRawFieldRef(field);
-        raw->IntegerList.nCount = static_cast<int>(count);
-        raw->IntegerList.paList = list;
+        feature.GetRawFieldRef(field)->IntegerList = {static_cast<int>(count),
+                                                      NewList<int>(count, count, value)};
     }
 
   private:
+    // The feature frees it.
+    template <typename Item, typename Value>
+    static Item* NewList(size_t count, size_t room, Value value) {
+        Item* list = static_cast<Item*>(CPLMalloc(room * sizeof(Item)));
+        for (size_t i = 0; i < count; ++i) list[i] = value(i);
+        return list;
+    }
+
     OGRFeature& feature;
 };
 
@@ -125,10 +153,6 @@ struct LineContents {
     bool valuesU = false;
 };
 
-bool Differs(double value, double standard) {
-    return !(value == standard);
-}
-
 LineContents ContentsOf(const Batch& batch, const LineRecord& line) {
     LineContents contents;
     for (size_t i = line.first; i < line.first + line.count; ++i) {
@@ -168,11 +192,16 @@ void WriteLineFields(FieldWriter& fields, const Batch& batch, const LineRecord& 
 
 }  // namespace
 
-Definition::Definition(const char* layerName, OGRwkbGeometryType geometryType,
-                       const OGRSpatialReference* source)
-    : definition(new OGRFeatureDefn(layerName)) {
+// Lines are LineString or MultiLineString, which no narrower type covers.
+const LayerSchema lineSchema = {"lines", wkbUnknown, lineFields};
+const LayerSchema pointSchema = {"points", wkbPoint, pointFields};
+const LayerSchema textSchema = {"texts", wkbPoint, textFields};
+
+Definition::Definition(const LayerSchema& schema, const OGRSpatialReference* source)
+    : definition(new OGRFeatureDefn(schema.name)) {
     definition->Reference();
-    definition->SetGeomType(geometryType);
+    definition->SetGeomType(schema.geometryType);
+    for (const FieldSchema& field : schema.fields) AddField(field);
     if (source == nullptr) return;
     OGRSpatialReference* own = source->Clone();
     definition->GetGeomFieldDefn(0)->SetSpatialRef(own);
@@ -184,43 +213,10 @@ Definition::~Definition() {
     definition->Release();
 }
 
-void Definition::AddField(const char* name, OGRFieldType type, const char* comment) {
-    OGRFieldDefn field(name, type);
-    field.SetAlternativeName(comment);
-    definition->AddFieldDefn(&field);
-}
-
-void AddLineFields(Definition& definition) {
-    definition.AddField("layer", OFTInteger, "Layer (U record)");
-    definition.AddField("code", OFTInteger, "Code (first K)");
-    definition.AddField("codes", OFTStringList, "Code of each vertex (K)");
-    definition.AddField("types", OFTStringList, "Type letter of each vertex");
-    definition.AddField("symbols", OFTIntegerList, "Symbol code of each vertex (S)");
-    definition.AddField("m_values", OFTRealList, "Symbol scale of each vertex (M)");
-    definition.AddField("r_values", OFTRealList, "R value of each vertex");
-    definition.AddField("u_values", OFTRealList, "Symbol rotation of each vertex (U)");
-}
-
-void AddPointFields(Definition& definition) {
-    definition.AddField("layer", OFTInteger, "Layer (U record)");
-    definition.AddField("symbol", OFTInteger, "Symbol code (S)");
-    definition.AddField("rotation", OFTReal, "Rotation as in the file (U)");
-    definition.AddField("scale", OFTReal, "Scale (M)");
-    definition.AddField("r_value", OFTReal, "R value");
-    definition.AddField("code", OFTString, "Code of the line element (K)");
-    definition.AddField("type", OFTString, "Type letter of the line element");
-    definition.AddField("line", OFTInteger64, "Identifier of the line it lies on");
-    definition.AddField("vertex", OFTInteger, "Place in its line, from 0");
-}
-
-void AddTextFields(Definition& definition) {
-    definition.AddField("layer", OFTInteger, "Layer (U record)");
-    definition.AddField("text", OFTString, "Text");
-    definition.AddField("code", OFTInteger, "Code (K)");
-    definition.AddField("height", OFTReal, "Height in ground units (H times map scale / 1000)");
-    definition.AddField("rotation", OFTReal, "Rotation as in the file (U)");
-    definition.AddField("d_value", OFTInteger, "D value");
-    definition.AddField("f_value", OFTInteger, "F value");
+void Definition::AddField(const FieldSchema& field) {
+    OGRFieldDefn added(field.name, field.type);
+    added.SetAlternativeName(field.comment);
+    definition->AddFieldDefn(&added);
 }
 
 OGRFeature* MakeFeature(const Definition& definition, const Batch& batch, const LineRecord& line,

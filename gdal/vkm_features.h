@@ -4,8 +4,7 @@
 
 #include <ogr_feature.h>
 
-#include <memory>
-#include <string>
+#include <span>
 
 #include "elements.h"
 
@@ -13,15 +12,27 @@ namespace vemrado::gdal {
 
 class Styles;
 
+struct FieldSchema {
+    const char* name;
+    OGRFieldType type;
+    const char* comment;
+};
+
+struct LayerSchema {
+    const char* name;
+    OGRwkbGeometryType geometryType;
+    std::span<const FieldSchema> fields;
+};
+
 // A layer's definition with its reference system; OGR counts its users.
 class Definition {
   public:
-    Definition(const char* layerName, OGRwkbGeometryType geometryType, const OGRSpatialReference* reference);
+    Definition(const LayerSchema& schema, const OGRSpatialReference* reference);
     Definition(const Definition&) = delete;
     Definition& operator=(const Definition&) = delete;
     ~Definition();
 
-    void AddField(const char* name, OGRFieldType type, const char* comment);
+    void AddField(const FieldSchema& field);
 
     OGRFeatureDefn* Get() const { return definition; }
     OGRSpatialReference* Reference() const { return reference; }
@@ -31,9 +42,9 @@ class Definition {
     OGRSpatialReference* reference = nullptr;  // owned by the definition
 };
 
-void AddLineFields(Definition& definition);
-void AddPointFields(Definition& definition);
-void AddTextFields(Definition& definition);
+extern const LayerSchema lineSchema;
+extern const LayerSchema pointSchema;
+extern const LayerSchema textSchema;
 
 // What a feature takes from the state of its layer.
 struct FeatureNeeds {

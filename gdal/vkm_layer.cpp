@@ -7,9 +7,10 @@ namespace vemrado::gdal {
 namespace {
 
 constexpr Content contents[layerKinds] = {Content::lines, Content::points, Content::texts};
-constexpr const char* names[layerKinds] = {"lines", "points", "texts"};
-// Lines are LineString or MultiLineString, which no narrower type covers.
-constexpr OGRwkbGeometryType geometryTypes[layerKinds] = {wkbUnknown, wkbPoint, wkbPoint};
+const LayerSchema& SchemaOf(LayerKind kind) {
+    if (kind == lineLayer) return lineSchema;
+    return kind == pointLayer ? pointSchema : textSchema;
+}
 
 }  // namespace
 
@@ -26,16 +27,7 @@ const Styles* SharedState::StylesInUse() {
 }
 
 VkmLayer::VkmLayer(SharedState& shared, LayerKind layerKind, const OGRSpatialReference* reference)
-    : state(shared), kind(layerKind), definition(names[layerKind], geometryTypes[layerKind], reference) {
-    if (kind == lineLayer) AddLineFields(definition);
-    if (kind == pointLayer) AddPointFields(definition);
-    if (kind == textLayer) AddTextFields(definition);
-    if (state.source.withSourceField) {
-        sourceField = definition.Get()->GetFieldCount();
-        definition.AddField("source", OFTString, "File it comes from");
-    }
-    SetDescription(definition.Get()->GetName());
-}
+    : MapLayer(SchemaOf(layerKind), shared.source, reference), state(shared), kind(layerKind) {}
 
 VkmLayer::~VkmLayer() = default;
 
@@ -87,8 +79,7 @@ OGRFeature* VkmLayer::Make(const Cursor& cursor, size_t record) {
     OGRFeature* feature = kind == lineLayer    ? MakeFeature(definition, batch, batch.lines[record], needs)
                           : kind == pointLayer ? MakeFeature(definition, batch, batch.points[record], needs)
                                                : MakeFeature(definition, batch, batch.texts[record], needs);
-    if (sourceField >= 0 && defn->GetFieldDefn(sourceField)->IsIgnored() == 0)
-        feature->SetField(sourceField, state.source.names[batch.source].c_str());
+    SetSource(*feature, state.source.names[batch.source]);
     feature->SetFID(cursor.passed);
     return feature;
 }
@@ -104,10 +95,7 @@ OGRFeature* VkmLayer::GetNextFeature() {
     if (reading == nullptr) reading = StartCursor();
     while (OnRecord(*reading)) {
         std::unique_ptr<OGRFeature> feature(NextInRectangle(*reading));
-        if (feature == nullptr) continue;
-        const bool passes = (m_poFilterGeom == nullptr || FilterGeometry(feature->GetGeometryRef()) != 0) &&
-                            (m_poAttrQuery == nullptr || m_poAttrQuery->Evaluate(feature.get()) != 0);
-        if (!passes) continue;
+        if (feature == nullptr || !Passes(*feature)) continue;
         ++m_nFeaturesRead;
         return feature.release();
     }

@@ -2,14 +2,12 @@
 
 #pragma once
 
-#include <ogrsf_frmts.h>
-
 #include <memory>
 
 #include "element_reader.h"
+#include "map_layer.h"
 #include "styles.h"
 #include "summary.h"
-#include "vkm_features.h"
 
 namespace vemrado::gdal {
 
@@ -26,7 +24,7 @@ struct SharedState {
     const Styles* StylesInUse();
 };
 
-class VkmLayer : public OGRLayer {
+class VkmLayer : public MapLayer {
   public:
     VkmLayer(SharedState& state, LayerKind kind, const OGRSpatialReference* reference);
     ~VkmLayer() override;
@@ -35,12 +33,9 @@ class VkmLayer : public OGRLayer {
     OGRFeature* GetNextFeature() override;
     OGRErr SetNextByIndex(GIntBig index) override;
     OGRFeature* GetFeature(GIntBig identifier) override;
-    OGRFeatureDefn* GetLayerDefn() override { return definition.Get(); }
     GIntBig GetFeatureCount(int force) override;
+    using MapLayer::GetExtent;
     OGRErr GetExtent(OGREnvelope* extent, int force) override;
-    OGRErr GetExtent(int field, OGREnvelope* extent, int force) override {
-        return OGRLayer::GetExtent(field, extent, force);
-    }
     int TestCapability(const char* capability) override;
 
     // A line of several strokes is known to be in the layer.
@@ -67,12 +62,9 @@ class VkmLayer : public OGRLayer {
     // The feature that the cursor stands on, passed; null when the filter's rectangle excludes it.
     OGRFeature* NextInRectangle(Cursor& cursor);
     std::unique_ptr<Cursor> StartCursor() const;
-    bool Unfiltered() const { return m_poFilterGeom == nullptr && m_poAttrQuery == nullptr; }
 
     SharedState& state;
     LayerKind kind;
-    Definition definition;
-    int sourceField = -1;
     std::unique_ptr<Cursor> reading;
     std::unique_ptr<Cursor> lookup;  // of GetFeature
 };
