@@ -80,7 +80,7 @@ void Styles::SetLabel(OGRFeature& feature, const char* text, const TextRecord& r
     const TextFace face = FaceOf(record.valueF);
     std::string style = face.serif ? "LABEL(f:\"DejaVu Serif\",t:\"" : "LABEL(f:\"DejaVu Sans\",t:\"";
     for (; *text != '\0'; ++text) {
-        if (*text == '"') style += '\\';
+        if (*text == '"' || *text == '\\') style += '\\';
         style += *text;
     }
     style += "\",s:";

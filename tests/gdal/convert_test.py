@@ -122,9 +122,21 @@ class Convert(unittest.TestCase):
             self.assertTrue(row["useAsDefault"])
             self.assertEqual(dataset.GetLayer(name).GetGeometryColumn(), row["f_geometry_column"])
             self.assertIsNotNone(xml.fromstring(row["styleQML"]).find("renderer-v2"))
-        codes = {c.get("value") for c in xml.fromstring(styles["lines"]["styleQML"]).iter("category")}
-        used = {str(feature["code"]) for feature in dataset.GetLayer("lines")}
-        self.assertFalse(used - codes)
+        self.check_pens(os.path.join(DATA, "sample-town.vkm"), xml.fromstring(styles["lines"]["styleQML"]))
+
+    def check_pens(self, path, style):
+        """The pens of the style, whose lengths are metres on the ground at 1:1000, are those of the driver's style strings."""
+        symbols = {symbol.get("name"): {option.get("name"): option.get("value") for option in symbol.find("layer").iter("Option")}
+                   for symbol in style.iter("symbol")}
+        pens = {category.get("value"): symbols[category.get("symbol")] for category in style.iter("category")}
+        dataset = gdal.OpenEx(path)
+        seen = {(str(line["code"]), line.GetStyleString()) for line in dataset.GetLayer("lines")}
+        self.assertGreater(len(seen), 10)
+        for code, wanted in seen:
+            pen = pens[code]
+            colour = "#" + "".join(f"{int(part):02x}" for part in pen["line_color"].split(",")[:3])
+            dashes = f',p:"{pen["customdash"].replace(";", "mm ")}mm"' if pen["use_custom_dash"] == "1" else ""
+            self.assertEqual(wanted, f'PEN(c:{colour},w:{pen["line_width"]}mm{dashes})', code)
 
     def test_troubles(self):
         self.write("cut.vkm", MAP.bytes()[:-4])

@@ -245,6 +245,38 @@ class Options(unittest.TestCase):
             self.assertIn(f"'{name}'", shown.replace('"', "'"))
 
 
+class Styles(unittest.TestCase):
+    def styles(self, rows, layer, **options):
+        return [feature.GetStyleString() for feature in open_bytes(HEAD + rows + b"&K\n", **options).GetLayer(layer)]
+
+    def test_features_carry_the_symbology(self):
+        stroke = b"\n L 3 4\n"
+        cases = (
+            ("lines", b"&L P 1 2 K=21900" + stroke, "PEN(c:#000000,w:0.18mm)"),
+            ("lines", b"&L P 1 2" + stroke, "PEN(c:#000000,w:0.13mm)"),  # without a code
+            ("lines", b"&L P 1 2 K=99999" + stroke, "PEN(c:#000000,w:0.13mm)"),  # without a line type
+            ("points", b"&L P 5 5 S=101 M=2 U=50\n", 'SYMBOL(id:"vkm-101,ogr-sym-2",c:#000000,s:1.28mm,a:45)'),
+            ("points", b"&L P 5 5 S=9999\n", None),
+            ("texts", b'&T 1 2 "12/3" H=2 U=100 D=5 F=3\n', 'LABEL(f:"DejaVu Sans",t:"12/3",s:2g,a:90,p:5,c:#000000,bo:1)'),
+            ("texts", b"&T 1 2 'a \"b\" \\' H=3 F=7\n",
+             'LABEL(f:"DejaVu Serif",t:"a \\"b\\" \\\\",s:3g,a:0,p:2,c:#000000,bo:1,it:1)'),
+        )
+        for layer, rows, style in cases:
+            self.assertEqual([style], self.styles(rows, layer), rows)
+
+    def test_dashes_and_colours_come_from_the_line_types(self):
+        path = os.path.join(os.path.dirname(__file__), "../../data/sample-town.vkm")
+        found = {feature.GetStyleString() for feature in open_path(path).GetLayer("lines")}
+        self.assertLessEqual({"PEN(c:#005fbe,w:0.25mm)", 'PEN(c:#464646,w:0.18mm,p:"3.6mm 0.7mm 0.8mm 0.7mm")'}, found)
+
+    def test_symbology_can_be_chosen(self):
+        rows = b"&L P 1 2 K=21900\n L 3 4\n"
+        self.assertEqual([None], self.styles(rows, "lines", SYMBOLOGY="NO"))
+        with tempfile.TemporaryDirectory() as empty, Messages() as messages:
+            self.assertEqual(["PEN(c:#000000,w:0.13mm)"], self.styles(rows, "lines", SYMBOLOGY=empty))
+        self.assertIn("WKOKES", "".join(messages.texts(gdal.CE_Warning)))
+
+
 class Files(unittest.TestCase):
     def counts(self, dataset):
         return [dataset.GetLayer(i).GetFeatureCount() for i in range(3)]
@@ -273,6 +305,24 @@ class Files(unittest.TestCase):
                 self.assertEqual((one.GetFID(), one.geometry().ExportToWkb(), one["layer"]),
                                  (two.GetFID(), two.geometry().ExportToWkb(), two["layer"]))
                 self.assertEqual("5514", two.geometry().GetSpatialReference().GetAuthorityCode(None))
+
+    @unittest.skipIf("ASAN_OPTIONS" in os.environ, "the sanitizer keeps what was freed")
+    def test_memory_does_not_grow_with_the_file(self):
+        path = os.path.join(os.path.abspath(WORK), "long.vkm")
+        made = MadeMap(10, 1000)
+        script = ("import sys; from osgeo import ogr; data = ogr.Open(sys.argv[1]); counts = []\n"
+                  "for layer in data:\n layer.SetAttributeFilter('layer < 0'); counts.append(layer.GetFeatureCount())\n"
+                  "print(*[row.split()[1] for row in open('/proc/self/status') if row.startswith('VmHWM')], counts)")
+        peaks = []
+        for times in (10, 150):
+            with open(path, "wb") as file:
+                file.write(("\r\n".join(made.rows[:3] + made.rows[3:-1] * times) + "\r\n&K\r\n").encode("cp1250"))
+            shown = subprocess.run([sys.executable, "-c", script, path], capture_output=True, text=True, check=True).stdout
+            peak, _, counts = shown.partition(" ")
+            self.assertEqual("[0, 0, 0]", counts.strip())
+            peaks.append(int(peak))
+        self.assertLess(peaks[1], peaks[0] + 2048, "kB for a file of fifteen times the size")
+        os.remove(path)
 
     def test_command_line_programs(self):
         path = os.path.join(WORK, "tools.vkm")
