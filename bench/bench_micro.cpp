@@ -13,6 +13,7 @@
 #include <unordered_map>
 #include <vector>
 
+#include "support/code_map.h"
 #include "support/containers.h"
 #include "support/numbers.h"
 #include "vkm/element_loop.h"

@@ -7,10 +7,11 @@
 #include <filesystem>
 #include <fstream>
 #include <string>
+#include <unordered_map>
 #include <vector>
 
 #include "framework/framework.h"
-#include "support/containers.h"
+#include "support/code_map.h"
 #include "tables/kokes_tables.h"
 
 namespace {
@@ -57,9 +58,9 @@ std::string CodeLines(int count = codeCount, int step = 1) {
     return text;
 }
 
-// The step at which codes would share one bucket of their table if they were not mixed.
+// The step at which codes share one bucket of the standard map.
 int CollidingStep() {
-    vemrado::CodeMap<int> codes;
+    std::unordered_map<int, int> codes;
     codes.rehash(vemrado::bucketCountWhenRead);
     for (int i = 0; i < collidingCodeCount; ++i) codes[i] = i;
     return static_cast<int>(codes.bucket_count());

@@ -6,7 +6,6 @@
 #include <cstdint>
 #include <new>
 #include <string>
-#include <unordered_map>
 #include <vector>
 
 #include "support/memory_pool.h"
@@ -39,23 +38,5 @@ template <class T>
 using Array = std::vector<T, PoolAllocator<T>>;
 
 using String = std::basic_string<char, std::char_traits<char>, PoolAllocator<char>>;
-
-// Codes come in steps of all sizes. Unmixed, those in steps of the number of buckets would all share one.
-struct MixedCode {
-    size_t operator()(int32_t code) const noexcept {
-        auto mixed = static_cast<uint32_t>(code);
-        mixed = (mixed ^ mixed >> 16) * 0x7FEB352Du;
-        mixed = (mixed ^ mixed >> 15) * 0x846CA68Bu;
-        return mixed ^ mixed >> 16;
-    }
-};
-
-// Keyed by the integer codes of the symbology. Readers reserve bucketCountWhenRead buckets; a larger table
-// grows.
-template <class Value>
-using CodeMap = std::unordered_map<int32_t, Value, MixedCode, std::equal_to<int32_t>,
-                                   PoolAllocator<std::pair<const int32_t, Value>>>;
-
-constexpr size_t bucketCountWhenRead = 1009;
 
 }  // namespace vemrado

@@ -30,9 +30,9 @@ void WarnOfShapeFile(const String& path) {
 }  // namespace
 
 int32_t CKokesSymbols::GetSymbolPattern(int32_t vkmCode) {
-    const auto found = vkmSymbols.find(vkmCode);
-    if (found == vkmSymbols.end()) return 0;
-    CSymbol& symbol = found->second;
+    CSymbol* found = vkmSymbols.Find(vkmCode);
+    if (found == nullptr) return 0;
+    CSymbol& symbol = *found;
     if (symbol.patternId == 0 && symbol.failed == 0) {
         symbol.patternId = RegisterSymbol(symbol);
         symbol.failed = symbol.patternId == 0 ? 1 : 0;

@@ -54,15 +54,14 @@ int CKokesSymbols::LoadSymbols() {
 int CKokesSymbols::ReadSymbolCodes(const String& path) {
     TableFile file;
     if (!file.Open(path)) return 0;
-    vkmSymbols.clear();
-    vkmSymbols.rehash(bucketCountWhenRead);
+    vkmSymbols.Prepare();
     if (!FindCodeSection(file, 'S')) {
         if (!file.ReadFailed()) AddFileMessage(path.c_str(), msgNoSymbolCodeTable);
         return 0;
     }
     CSymbol symbol;
     while (NextCodePair(file, symbol.vkmCode, symbol.kokesCode)) {
-        vkmSymbols.try_emplace(symbol.vkmCode, symbol);  // the first line of a code counts
+        vkmSymbols.Add(symbol.vkmCode, symbol);  // the first line of a code counts
     }
     return 1;
 }
@@ -70,8 +69,7 @@ int CKokesSymbols::ReadSymbolCodes(const String& path) {
 int CKokesSymbols::ReadSymbolTable(const String& path) {
     TableFile file;
     if (!file.Open(path, msgSymbolsNotImported)) return 0;
-    kokesSymbols.clear();
-    kokesSymbols.rehash(bucketCountWhenRead);
+    kokesSymbols.Prepare();
     if (!ReadFileList(file)) return 0;
     std::string_view line;
     while (file.NextLine(line)) {
@@ -112,7 +110,7 @@ void CKokesSymbols::ReadSymbolLine(std::string_view line) {
     symbol.realValue = ParseReal(fields.Next());
     const std::string_view mark = fields.Next();
     symbol.markN = !mark.empty() && (mark.front() == 'N' || mark.front() == 'n') ? 1 : 0;
-    kokesSymbols.insert_or_assign(symbol.kokesCode, symbol);  // the last line of a code counts
+    kokesSymbols.Set(symbol.kokesCode, symbol);  // the last line of a code counts
 }
 
 // A line that begins with a quote names the shape file, as it is stored, and the drawing: "..." NAME.ksh,5.
@@ -132,10 +130,11 @@ int32_t CKokesSymbols::FindSymbolFile(std::string_view name) const {
 }
 
 int CKokesSymbols::LinkSymbols() {
-    for (auto& [vkmCode, symbol] : vkmSymbols) {
-        const auto found = kokesSymbols.find(symbol.kokesCode);
-        if (found == kokesSymbols.end()) continue;
-        CSymbol linked = found->second;
+    for (auto& entry : vkmSymbols.Entries()) {
+        CSymbol& symbol = entry.value;
+        const CSymbol* found = kokesSymbols.Find(symbol.kokesCode);
+        if (found == nullptr) continue;
+        CSymbol linked = *found;
         linked.vkmCode = symbol.vkmCode;
         linked.patternId = symbol.patternId;
         linked.failed = symbol.failed;
@@ -145,8 +144,8 @@ int CKokesSymbols::LinkSymbols() {
 }
 
 void CKokesSymbols::ClearSymbols() {
-    kokesSymbols.clear();
-    vkmSymbols.clear();
+    kokesSymbols.Clear();
+    vkmSymbols.Clear();
     for (CSymbolFile& file : files) file.shapes.reset();
     files.clear();
     files.shrink_to_fit();

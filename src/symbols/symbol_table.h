@@ -10,6 +10,7 @@
 #include <string_view>
 #include <utility>
 
+#include "support/code_map.h"
 #include "support/containers.h"
 #include "support/pool_pointer.h"
 #include "support/table_text.h"

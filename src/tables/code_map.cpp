@@ -8,8 +8,7 @@ int CKokesCodeMap::ReadCodeMap(const String& filePath) {
     path = filePath;
     if (!file.Open(path)) return 0;
     const TableFileCloser closer(file);
-    map.clear();
-    map.rehash(bucketCountWhenRead);
+    map.Prepare();
     return ReadSection('L');
 }
 
@@ -21,14 +20,13 @@ int CKokesCodeMap::ReadSection(char letter) {
     }
     int32_t code = 0;
     int32_t lineType = 0;
-    while (NextCodePair(file, code, lineType))
-        map.try_emplace(code, lineType);  // the first line of a code counts
+    while (NextCodePair(file, code, lineType)) map.Add(code, lineType);  // the first line of a code counts
     return 1;
 }
 
 int32_t CKokesCodeMap::FindLineType(int32_t vkmCode) const {
-    const auto found = map.find(vkmCode);
-    return found == map.end() ? 0 : found->second;
+    const int32_t* found = map.Find(vkmCode);
+    return found == nullptr ? 0 : *found;
 }
 
 }  // namespace vemrado

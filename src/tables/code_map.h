@@ -4,6 +4,7 @@
 
 #include <cstdint>
 
+#include "support/code_map.h"
 #include "support/containers.h"
 #include "support/table_text.h"
 
@@ -14,7 +15,7 @@ class CKokesCodeMap {
     // 1 when the file has a line code section, else 0 with a collected warning. May throw std::bad_alloc;
     // what was read before stays.
     int ReadCodeMap(const String& filePath);
-    void Clear() { map.clear(); }
+    void Clear() { map.Clear(); }
 
     // 0 when the code is not mapped, or mapped to 0.
     int32_t FindLineType(int32_t vkmCode) const;

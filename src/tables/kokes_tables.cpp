@@ -25,7 +25,7 @@ void WithinMemory(Step step) {
 void CKokesTables::ClearTables() {
     colorTable.Clear();
     patterns.clear();
-    lineDefinitions.clear();
+    lineDefinitions.Clear();
     layers.Clear();
     codeMap.Clear();
     symbols.ClearSymbols();

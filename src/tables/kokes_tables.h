@@ -7,6 +7,7 @@
 #include <cstdint>
 #include <string_view>
 
+#include "support/code_map.h"
 #include "support/containers.h"
 #include "support/pool_pointer.h"
 #include "support/table_text.h"

@@ -58,8 +58,7 @@ int CKokesTables::ReadLineTypes(const String& filePath) {
     const TableFileCloser closer(lineTypeFile);
     patterns.clear();
     patterns.resize(patternCountWhenRead);
-    lineDefinitions.clear();
-    lineDefinitions.rehash(bucketCountWhenRead);
+    lineDefinitions.Prepare();
     std::string_view line;
     while (lineTypeFile.NextLine(line)) {
         if (line.empty() || line.front() == '*') continue;
@@ -75,7 +74,7 @@ void CKokesTables::StoreDefinition(int32_t number, Fields& fields) {
     CLineDefinition definition;
     definition.code = number;
     ParseLineDefinition(definition, fields);
-    lineDefinitions.insert_or_assign(number, definition);
+    lineDefinitions.Set(number, definition);
 }
 
 void CKokesTables::StorePattern(int32_t number, Fields& fields) {
@@ -88,8 +87,8 @@ void CKokesTables::StorePattern(int32_t number, Fields& fields) {
 }
 
 void CKokesTables::ResolveLineColors() {
-    for (auto& [number, definition] : lineDefinitions)
-        definition.colour = colorTable.GetColor(definition.colorNumber);
+    for (auto& entry : lineDefinitions.Entries())
+        entry.value.colour = colorTable.GetColor(entry.value.colorNumber);
 }
 
 const CKokesTables::DashPattern* CKokesTables::FindDashPattern(int32_t lineStyle) const {
@@ -103,9 +102,9 @@ int CKokesTables::GetLineStyle(int32_t vkmCode, uint32_t& colour, int32_t& patte
     pattern = 0;
     const int32_t lineType = codeMap.FindLineType(vkmCode);
     if (lineType == 0) return 0;
-    const auto found = lineDefinitions.find(lineType);
-    if (found == lineDefinitions.end()) return 0;
-    CLineDefinition& definition = found->second;
+    CLineDefinition* found = lineDefinitions.Find(lineType);
+    if (found == nullptr) return 0;
+    CLineDefinition& definition = *found;
     colour = definition.colour;
     if (definition.pattern == 0) {
         if (const DashPattern* lengths = FindDashPattern(definition.lineStyle)) {

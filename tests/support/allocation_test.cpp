@@ -83,33 +83,8 @@ TEST(AllocationTest, ContainersThrowWhenMemoryRunsOut) {
         EXPECT_THROW(String(1000000, 'x'), std::bad_alloc);
         platform::memoryCallsLeft = -1;
         EXPECT_EQ(numbers, Array<double>(100, 1.0));
-        CodeMap<double> codes;
-        for (int32_t code = 0; code < 5000; ++code) codes[code * 977] = code;
-        EXPECT_EQ(codes.at(4999 * 977), 4999);
     }
     EXPECT_EQ(mainPool.RegionCount(), before);
-}
-
-// Of a table of so many codes in such steps.
-size_t LargestBucket(int32_t count, size_t step, size_t& buckets) {
-    CodeMap<int32_t> codes;
-    codes.rehash(bucketCountWhenRead);
-    for (int32_t i = 0; i < count; ++i) codes[static_cast<int32_t>(static_cast<size_t>(i) * step)] = i;
-    size_t largest = 0;
-    buckets = codes.bucket_count();
-    for (size_t bucket = 0; bucket < buckets; ++bucket)
-        largest = std::max(largest, codes.bucket_size(bucket));
-    return largest;
-}
-
-TEST(CodeMapTest, SpreadsCodesInStepsOfItsBuckets) {
-    for (const int32_t count : {900, 20000}) {
-        size_t buckets = 1;
-        EXPECT_LT(LargestBucket(count, 1, buckets), 20u);
-        for (const size_t step : {buckets, buckets * 2, size_t{65536}, size_t{1009 * 21}}) {
-            EXPECT_LT(LargestBucket(count, step, buckets), 20u) << count << " in steps of " << step;
-        }
-    }
 }
 
 #if defined(VEMRADO_ADDRESS_SANITIZER)
