@@ -45,8 +45,17 @@ void ExpectSameInteger(const std::string& text) {
     EXPECT_EQ(ParseInteger(Exact(text).View()), expected) << '"' << text << '"';
 }
 
+// Hands over texts that are separated by bars.
+template <class Take>
+void ForEach(std::string_view texts, Take take) {
+    for (size_t at = 0; at <= texts.size();) {
+        const size_t end = std::min(texts.find('|', at), texts.size());
+        take(std::string(texts.substr(at, end - at)));
+        at = end + 1;
+    }
+}
+
 TEST(NumbersTest, ReadsRealsAsTheCLibraryDoes) {
-    // Separated by bars.
     constexpr std::string_view texts =
         "|-|+|.|-.|+.5|.5|-.5|5.|-5.|0|-0|-0.0|+0|12abc|1,5|1.5.5|--1|+-1|-+1| 7|\t\n\v\f\r -7|"
         "\2407|742905.12|-1043051.345|99999999|99999999.99999999|00000000.00000001|123456789|"
@@ -64,11 +73,7 @@ TEST(NumbersTest, ReadsRealsAsTheCLibraryDoes) {
         "0x1.fffffffffffffp-1023|0x0.fffffffffffff8p-1022|0x0p5|0x123456789abcdef0123|inf|-INF|"
         "infinity|Infinitx|in|nan|-nan|NAN(|nan()|nan(123)|nan(0x7fffffffffffff)|nan(017)|"
         "nan(08)|nan(99999999999999999999999)|nan(abc_1)|nan(1 )|nano|0x1p-1022junk";
-    for (size_t at = 0; at <= texts.size();) {
-        const size_t end = std::min(texts.find('|', at), texts.size());
-        ExpectSameReal(std::string(texts.substr(at, end - at)));
-        at = end + 1;
-    }
+    ForEach(texts, ExpectSameReal);
     ExpectSameReal(std::string("12") + '\0' + "34");
     ExpectSameReal("0." + std::string(400, '0') + "1e401");
     ExpectSameReal(std::string(400, '1') + "e-400");
@@ -82,36 +87,11 @@ TEST(NumbersTest, ReadsRealsAsTheCLibraryDoes) {
 }
 
 TEST(NumbersTest, ReadsIntegersAsTheCLibraryDoes) {
-    for (const char* text : {"",
-                             "-",
-                             "+",
-                             "+-5",
-                             "0",
-                             "-0",
-                             "12abc",
-                             "  42",
-                             "\v-42 ",
-                             "007",
-                             "1.9",
-                             "123456789",
-                             "-123456789",
-                             "2147483646",
-                             "2147483647",
-                             "2147483648",
-                             "-2147483647",
-                             "-2147483648",
-                             "-2147483649",
-                             "4294967296",
-                             "99999999999",
-                             "-99999999999",
-                             "9223372036854775808",
-                             "999999999999999999999999",
-                             "0x10",
-                             "000000000000000000000000000012",
-                             "1 2",
-                             "a1"}) {
-        ExpectSameInteger(text);
-    }
+    ForEach(
+        "|-|+|+-5|0|-0|12abc|  42|\v-42 |007|1.9|123456789|-123456789|2147483646|2147483647|2147483648|"
+        "-2147483647|-2147483648|-2147483649|4294967296|99999999999|-99999999999|9223372036854775808|"
+        "999999999999999999999999|0x10|000000000000000000000000000012|1 2|a1",
+        ExpectSameInteger);
 }
 
 // Texts of every shape: what files hold, numbers of all magnitudes, and near misses.

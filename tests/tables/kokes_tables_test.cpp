@@ -5,7 +5,6 @@
 #include <gtest/gtest.h>
 
 #include "interface/messages.h"
-#include "platform/memory_faults.h"
 #include "symbology_files.h"
 
 namespace vemrado_test {
@@ -184,31 +183,6 @@ TEST_F(KokesTables, SecondLoadBehavesLikeTheFirst) {
     tables.Load(0);
     EXPECT_EQ(Style(1), "0 0 ");
     EXPECT_EQ(files.boxes.count, 1);
-}
-
-TEST_F(KokesTables, LoadSurvivesEveryLackOfMemory) {
-    LoadLineTypes("9 3 -2\n-2 1");
-    std::string& codes = files["DKM1_3.TB"];
-    codes = ":S\n";
-    for (int i = 0; i < 5000; ++i) codes += std::to_string(i) + " 1\n";
-    codes += ":L\n1 9\n";
-    for (int i = 0; i < 5000; ++i) codes += std::to_string(i) + " 7\n";
-    files["WKOKES.SYM"] = "a\n1\n";
-    int complete = 0;
-    for (int64_t calls = 0; calls < 400 && complete < 3; ++calls) {
-        auto freshTables = std::make_unique<CKokesTables>();
-        vemrado::platform::memoryCallsLeft = calls;
-        EXPECT_EQ(freshTables->Load(1), 1);
-        freshTables->GetSymbolPattern(1);
-        vemrado::platform::memoryCallsLeft = -1;
-        uint32_t colour = 0;
-        int32_t pattern = 0;
-        complete += freshTables->GetLineStyle(1, colour, pattern);
-        freshTables->Load(1);
-        EXPECT_EQ(freshTables->GetLineStyle(1, colour, pattern), 1) << calls;
-        EXPECT_EQ(colour, 3u);
-    }
-    EXPECT_EQ(complete, 3) << "no load was complete within the calls that were tried";
 }
 
 }  // namespace
