@@ -112,7 +112,7 @@ void TextFile::TakePiece(size_t count, std::string_view& line) {
 
 ReadResult TextFile::ReadLine(size_t limit, std::string_view& line, bool& hadLineFeed) {
     const size_t most = limit - 1;
-    hadLineFeed = false;
+    hadLineFeed = lineGoesOn = false;
     // A line feed at index most can still belong to the line: after a carriage return, which is dropped.
     const char* stop;
     while ((stop = FindLineFeed(cursor, filled, most + 1)) == nullptr && !ended &&
@@ -129,6 +129,7 @@ ReadResult TextFile::ReadLine(size_t limit, std::string_view& line, bool& hadLin
         cursor = stop + 1;
     } else {
         TakePiece(std::min(most, static_cast<size_t>(filled - cursor)), line);
+        lineGoesOn = line.size() == most;
     }
     const size_t zero = line.find('\0');
     if (zero != std::string_view::npos) {

@@ -46,6 +46,10 @@ class TextFile {
     // lost.
     ReadResult ReadLine(size_t limit, std::string_view& line, bool& hadLineFeed);
 
+    // After a line without its line feed: whether it was a piece, so that the next call goes on in the same
+    // line.
+    bool LineGoesOn() const { return lineGoesOn; }
+
     // For readers with a search of their own: the characters that are buffered, with searchSlack line feeds
     // behind them. None while a zero character may be among them.
     std::string_view Ahead() const {
@@ -73,6 +77,7 @@ class TextFile {
     bool ended = true;             // no more characters come from the file: its end, 0x1A, or no open file
     bool zeroInBuffer = false;     // a zero character stands between cursor and filled, or did
     bool outOfMemory = false;      // the last failure was the buffer's
+    bool lineGoesOn = false;       // the last line without its line feed was a piece
 };
 
 }  // namespace vemrado::platform

@@ -61,7 +61,7 @@ bool TableFile::NextLine(std::string_view& line) {
     const platform::ReadResult result = file.ReadLine(lineLimit, line, hadLineFeed);
     if (result == platform::ReadResult::error) ReportReadFailure();
     if (result != platform::ReadResult::line) return false;
-    if (!hadLineFeed && line.size() == longestLine) {
+    if (!hadLineFeed && file.LineGoesOn()) {
         // The view would not outlive the reading of the rest.
         longLine.assign(line);
         if (!DropRestOfLine()) return false;
@@ -77,7 +77,7 @@ bool TableFile::DropRestOfLine() {
     platform::ReadResult result;
     do {
         result = file.ReadLine(lineLimit, piece, hadLineFeed);
-    } while (result == platform::ReadResult::line && !hadLineFeed && piece.size() == longestLine);
+    } while (result == platform::ReadResult::line && !hadLineFeed && file.LineGoesOn());
     if (result == platform::ReadResult::error) ReportReadFailure();
     return result != platform::ReadResult::error;
 }

@@ -39,6 +39,8 @@ TEST(TableFile, CutsLongLines) {
         const std::string cut = line.substr(0, TableFile::longestLine) + "|";
         EXPECT_EQ(LinesOf(line + "\nnext"), cut + "next|") << length;
         EXPECT_EQ(LinesOf(line), cut) << length;
+        EXPECT_EQ(LinesOf("a" + std::string(1, '\0') + line + "\nnext"), "a|next|") << length;
+        EXPECT_EQ(LinesOf(line + std::string(2, '\0') + line + "\nnext"), cut + "next|") << length;
     }
 }
 
