@@ -10,11 +10,8 @@
 #include <fstream>
 #include <memory>
 #include <string>
-#include <unordered_map>
 #include <vector>
 
-#include "support/code_map.h"
-#include "support/containers.h"
 #include "support/numbers.h"
 #include "vkm/element_loop.h"
 
@@ -131,28 +128,42 @@ BENCHMARK(Elements);
 
 // --- Numbers: coordinates as files have them, and numbers with all digits that a double can need ---
 
-// Each with room behind it, as in the reader's buffer.
-std::vector<std::string> Numbers(bool coordinates) {
-    std::vector<std::string> numbers;
-    for (int i = 0; i < 1000; ++i) {
-        char text[40];
-        std::snprintf(text, sizeof text, coordinates ? "%.2f" : "%.17g",
-                      coordinates ? 700000 + i * 41.13 : 1.0 / (3 + i));
-        numbers.emplace_back(text);
-        numbers.back().reserve(numbers.back().size() + numbers::loadedCharacters);
+// Zero-terminated, in one buffer with room on either side, as the reader has them.
+class Numbers {
+  public:
+    explicit Numbers(bool coordinates) : buffer(room, ' ') {
+        for (int i = 0; i < count; ++i) {
+            char text[40];
+            const int length = std::snprintf(text, sizeof text, coordinates ? "%.2f" : "%.17g",
+                                             coordinates ? 700000 + i * 41.13 : 1.0 / (3 + i));
+            places[i] = {buffer.size(), static_cast<size_t>(length)};
+            buffer.append(text, static_cast<size_t>(length) + 1);
+        }
+        buffer.append(room, ' ');
     }
-    return numbers;
-}
+    static constexpr int count = 1000;
+    std::string_view operator[](int i) const {
+        return std::string_view(buffer).substr(places[i].start, places[i].length);
+    }
+
+  private:
+    static constexpr size_t room = 64;
+    struct Place {
+        size_t start, length;
+    };
+    std::string buffer;
+    Place places[count];
+};
 
 template <class Convert>
 void ConvertAll(benchmark::State& state, Convert convert) {
-    const std::vector<std::string> numbers = Numbers(state.range(0) == 0);
+    const Numbers numbers(state.range(0) == 0);
     for (auto _ : state) {
         double sum = 0;
-        for (const std::string& number : numbers) sum += convert(number);
+        for (int i = 0; i < Numbers::count; ++i) sum += convert(numbers[i]);
         benchmark::DoNotOptimize(sum);
     }
-    state.SetItemsProcessed(state.iterations() * static_cast<int64_t>(numbers.size()));
+    state.SetItemsProcessed(state.iterations() * Numbers::count);
 }
 
 void NumbersInReader(benchmark::State& state) {
@@ -160,13 +171,29 @@ void NumbersInReader(benchmark::State& state) {
 }
 BENCHMARK(NumbersInReader)->Arg(0)->Arg(1);
 
+// Two by two, as the reader takes points.
+void PointsInReader(benchmark::State& state) {
+    const Numbers numbers(true);
+    for (auto _ : state) {
+        double sum = 0;
+        for (int i = 0; i < Numbers::count; i += 2) {
+            double first = 0, second = 0;
+            if (!numbers::ParsePlainPair(numbers[i], numbers[i + 1], first, second)) std::abort();
+            sum += first + second;
+        }
+        benchmark::DoNotOptimize(sum);
+    }
+    state.SetItemsProcessed(state.iterations() * Numbers::count);
+}
+BENCHMARK(PointsInReader);
+
 void NumbersAnywhere(benchmark::State& state) {
     ConvertAll(state, [](std::string_view text) { return ParseReal(text); });
 }
 BENCHMARK(NumbersAnywhere)->Arg(0)->Arg(1);
 
 void NumbersStrtod(benchmark::State& state) {
-    ConvertAll(state, [](const std::string& text) { return std::strtod(text.c_str(), nullptr); });
+    ConvertAll(state, [](std::string_view text) { return std::strtod(text.data(), nullptr); });
 }
 BENCHMARK(NumbersStrtod)->Arg(0)->Arg(1);
 
@@ -178,45 +205,6 @@ void NumbersFromChars(benchmark::State& state) {
     });
 }
 BENCHMARK(NumbersFromChars)->Arg(0)->Arg(1);
-
-// --- The pool on the module's pattern: tables of codes are loaded, patterns are kept, everything is dropped
-// ---
-
-template <template <class> class Allocator>
-void LoadTables() {
-    using Bytes = std::basic_string<char, std::char_traits<char>, Allocator<char>>;
-    struct LineType {
-        std::vector<double, Allocator<double>> dashes;
-        Bytes name;
-    };
-    using LineTypes = std::unordered_map<int, LineType, std::hash<int>, std::equal_to<int>,
-                                         Allocator<std::pair<const int, LineType>>>;
-    using Codes = std::unordered_map<int, int, std::hash<int>, std::equal_to<int>,
-                                     Allocator<std::pair<const int, int>>>;
-    LineTypes lineTypes;
-    Codes codes;
-    lineTypes.reserve(bucketCountWhenRead);
-    codes.reserve(bucketCountWhenRead);
-    for (int i = 0; i < 500; ++i) {
-        codes[i * 7] = i;
-        LineType& lineType = lineTypes[i];
-        lineType.name = "the name of a line type";
-        for (int dash = 0; dash < i % 9; ++dash) lineType.dashes.push_back(dash);
-        benchmark::DoNotOptimize(lineType.dashes.data());
-    }
-    for (int i = 0; i < 500; i += 2) lineTypes.erase(i);
-    for (int i = 0; i < 500; i += 2) lineTypes[i].name = "the name of another type of line";
-}
-
-void PoolOurs(benchmark::State& state) {
-    for (auto _ : state) LoadTables<PoolAllocator>();
-}
-BENCHMARK(PoolOurs);
-
-void PoolMalloc(benchmark::State& state) {
-    for (auto _ : state) LoadTables<std::allocator>();
-}
-BENCHMARK(PoolMalloc);
 
 }  // namespace
 

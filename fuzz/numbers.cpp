@@ -21,8 +21,10 @@ void CompareNumbers(std::string_view bytes) {
     const double expected = std::strtod(text.c_str(), nullptr);
     Require(SameReal(vemrado::ParseReal(text), expected), "a real as strtod reads it");
     if (!text.empty()) {
-        const std::string buffered = text + std::string(vemrado::numbers::loadedCharacters, '7');
-        const double value = vemrado::ParseBufferedReal(std::string_view(buffered).substr(0, text.size()));
+        const std::string around(vemrado::numbers::loadedCharacters + 1, '7');
+        const std::string buffered = around + text + around;
+        const std::string_view field = std::string_view(buffered).substr(around.size(), text.size());
+        const double value = vemrado::ParseBufferedReal(field);
         Require(SameReal(value, expected), "a buffered real as strtod reads it");
     }
     const long long integer = std::strtoll(text.c_str(), nullptr, 10);

@@ -42,8 +42,9 @@ void CopyPoint(const Element& element, double* point) {
 }  // namespace
 
 const CVKMLineElement& CVkmInput::ElementAt(int index) const {
-    if (index < 0 || static_cast<size_t>(index) >= state.lineElements.Count()) AfxThrowInvalidArgException();
-    return state.lineElements[static_cast<size_t>(index)];
+    const size_t place = static_cast<uint32_t>(index);  // far beyond every count when the index is negative
+    if (place >= state.lineElements.Count()) AfxThrowInvalidArgException();
+    return state.lineElements[place];
 }
 
 bool CVkmInput::SymbolsWanted() const {
@@ -135,7 +136,7 @@ void CVkmInput::SetLayerValue(int value, int layer) {
 }
 
 const char* CVkmInput::GetText() {
-    return state.currentText.text;
+    return state.currentText.text.Get();
 }
 
 void CVkmInput::GetTextPoint(double* point) {

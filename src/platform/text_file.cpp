@@ -23,7 +23,7 @@ bool TextFile::Open(const char* path, size_t largestBuffer) {
         file.Close();
         return false;
     }
-    std::memset(buffer, '\n', searchSlack);
+    std::memset(buffer - searchSlack, '\n', 2 * searchSlack);
     cursor = filled = buffer;
     ended = zeroInBuffer = false;
     return true;
@@ -38,17 +38,18 @@ size_t TextFile::SizeOfFirstBuffer() {
 
 // With what the buffer holds already.
 bool TextFile::TakeBuffer(size_t size) {
-    void* moved = ReallocateOnHeap(buffer, size + searchSlack);
+    char* block = buffer == nullptr ? nullptr : buffer - searchSlack;
+    void* moved = ReallocateOnHeap(block, searchSlack + size + searchSlack);
     outOfMemory = moved == nullptr;
     if (outOfMemory) return false;
-    buffer = static_cast<char*>(moved);
+    buffer = static_cast<char*>(moved) + searchSlack;
     bufferSize = size;
     return true;
 }
 
 void TextFile::Close() {
     file.Close();
-    FreeOnHeap(buffer);
+    if (buffer != nullptr) FreeOnHeap(buffer - searchSlack);
     buffer = filled = nullptr;
     cursor = nullptr;
     ended = true;

@@ -51,7 +51,8 @@ class TextFile {
     bool LineGoesOn() const { return lineGoesOn; }
 
     // For readers with a search of their own: the characters that are buffered, with searchSlack line feeds
-    // behind them. None while a zero character may be among them.
+    // behind them. None while a zero character may be among them. From whatever place in them,
+    // searchSlack characters on either side may be looked at.
     std::string_view Ahead() const {
         return zeroInBuffer ? std::string_view()
                             : std::string_view(cursor, static_cast<size_t>(filled - cursor));
@@ -69,7 +70,7 @@ class TextFile {
     bool Fill();
 
     File file;
-    char* buffer = nullptr;  // bufferSize characters and room for the line feeds that stop a search
+    char* buffer = nullptr;  // bufferSize characters, with searchSlack more on either side
     size_t bufferSize = 0;
     size_t largestBufferSize = 0;
     const char* cursor = nullptr;  // next character to hand out

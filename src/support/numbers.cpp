@@ -3,7 +3,7 @@
 #include <charconv>
 #include <limits>
 
-namespace vemrado::numbers {
+namespace vemrado {
 
 namespace {
 
@@ -159,7 +159,7 @@ bool StartsWithNumber(std::string_view text) {
 
 }  // namespace
 
-double ParseAnyReal(std::string_view text) {
+double ParseReal(std::string_view text) {
     SkipWhiteSpace(text);
     const bool negative = TakeSign(text);
     if (!StartsWithNumber(text)) return 0;  // without the sign, which belongs to no number
@@ -167,7 +167,7 @@ double ParseAnyReal(std::string_view text) {
     return negative ? -magnitude : magnitude;
 }
 
-int32_t ParseAnyInteger(std::string_view text) {
+int32_t numbers::ParseAnyInteger(std::string_view text) {
     constexpr int64_t largest = std::numeric_limits<int32_t>::max();
     SkipWhiteSpace(text);
     const bool negative = TakeSign(text);
@@ -180,4 +180,4 @@ int32_t ParseAnyInteger(std::string_view text) {
     return static_cast<int32_t>(negative ? -value : value);
 }
 
-}  // namespace vemrado::numbers
+}  // namespace vemrado

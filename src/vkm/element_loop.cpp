@@ -28,28 +28,28 @@ void CommitText(CVKMReaderState& state) {
     state.textPending = 0;
 }
 
-// A line that does not open a record goes on with the current one.
-void ContinueRecord(CVKMReaderState& state, CVKMTokenizer line, Field first) {
-    if (state.currentRecord != 'L') {
-        DispatchRecord(state, line, state.currentRecord, false);
-    } else if (!IsNone(first) && Is(first[0], elementType)) {
-        FlushElement(state);
-        StartLineElement(state, line, ElementType(first));
-    } else {
+// Whether a line that opens no record is the next element of a line.
+bool IsLineElement(const CVKMReaderState& state, Field first) {
+    return state.currentRecord == 'L' && !IsNone(first) && Is(first[0], elementType);
+}
+
+// Any other line that opens no record: it goes on with the current one.
+void ContinueRecord(CVKMReaderState& state, CVKMTokenizer line) {
+    if (state.currentRecord == 'L') {
         ContinueLineElement(state, line);
+    } else {
+        DispatchRecord(state, line, state.currentRecord, false);
     }
 }
 
 // A record's own line ends the element being read. Returns the element that is complete now.
-Element StartRecord(CVKMReaderState& state, CVKMTokenizer line, uint32_t letter) {
-    FlushElement(state);
+Element CompleteElement(CVKMReaderState& state) {
     if (state.textPending != 0) CommitText(state);
     state.elementLayerNumber = state.layerNumber;
     std::memcpy(state.elementLayerText, state.layerText, sizeof state.layerText);
-    DispatchRecord(state, line, letter, true);
-    const uint32_t ended = state.currentRecord;
-    state.currentRecord = letter;
-    return ended == 'L' ? Element::line : ended == 'T' ? Element::text : Element::none;
+    return state.currentRecord == 'L'   ? Element::line
+           : state.currentRecord == 'T' ? Element::text
+                                        : Element::none;
 }
 
 }  // namespace
@@ -75,15 +75,30 @@ Element ReadNextElement(CVKMReaderState& state, CVKMLineReader& reader) {
     CVKMTokenizer line;
     LineResult result;
     while ((result = reader.ReadLine(line)) == LineResult::line) {
-        const Field first = line.NextToken();
+        Field first = line.NextToken();
         const uint32_t recordClass = ClassifyRecord(first);
+        Element completed = Element::none;
         if (recordClass == unknownRecord) continue;
         if (recordClass == emptyLine || recordClass == continuationLine) {
-            ContinueRecord(state, line, first);
-            continue;
+            if (!IsLineElement(state, first)) {
+                ContinueRecord(state, line);
+                continue;
+            }
+            FlushElement(state);
+        } else {
+            FlushElement(state);
+            completed = CompleteElement(state);
+            if (recordClass != 'L') {
+                DispatchRecord(state, line, recordClass, true);
+                state.currentRecord = recordClass;
+                if (completed != Element::none || recordClass == 'K') return completed;
+                continue;
+            }
+            first = line.NextToken();
         }
-        const Element element = StartRecord(state, line, recordClass);
-        if (element != Element::none || recordClass == 'K') return element;
+        StartLineElement(state, line, ElementType(first));
+        state.currentRecord = 'L';
+        if (completed != Element::none) return completed;
     }
     return result == LineResult::error ? Element::error : Element::none;
 }

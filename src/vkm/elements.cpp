@@ -11,7 +11,6 @@ void CVKMLineElements::SetLongCode(std::string_view value) {
 
 void CVKMLineElements::Grow() {
     const auto before = static_cast<size_t>(first - elements.data());
-    const size_t count = Count();
     elements.resize(elements.size() + elements.size() / 2 + growthStep);
     first = elements.data() + before;
     working = first + count;

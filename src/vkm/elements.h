@@ -52,7 +52,7 @@ class CVKMLineElements {
     CVKMLineElements(const CVKMLineElements&) = delete;
     CVKMLineElements& operator=(const CVKMLineElements&) = delete;
 
-    size_t Count() const { return static_cast<size_t>(working - first); }
+    size_t Count() const { return count; }
     const CVKMLineElement& operator[](size_t index) const { return first[index]; }
     // The code of one of the elements, zero-terminated.
     const char* CodeOf(const CVKMLineElement& element) const {
@@ -68,15 +68,17 @@ class CVKMLineElements {
             SetLongCode(value);
             return;
         }
-        std::memcpy(working->code.text, value.data(), sizeof working->code.text);
-        working->code.text[value.size()] = 0;
-        working->code.longCode = -1;
+        CVKMCode& code = working->code;
+        std::memcpy(code.text, value.data(), sizeof code.text);
+        code.text[value.size()] = '\0';
+        code.longCode = -1;
     }
 
     // Makes the element being read the line's last one.
     void Append() {
         if (working == &elements.back()) [[unlikely]]
             Grow();
+        ++count;
         ++working;
         working->code.longCode = -1;
     }
@@ -84,6 +86,7 @@ class CVKMLineElements {
     // Removes every element but the one being read.
     void Clear() {
         first = working;
+        count = 0;
         if (first >= elements.data() + growthStep || !longCodes.empty()) [[unlikely]]
             MoveWorkingToStart();
     }
@@ -96,29 +99,48 @@ class CVKMLineElements {
     Array<CVKMLineElement> elements;
     CVKMLineElement* first;    // the line's first element
     CVKMLineElement* working;  // behind its last
+    size_t count = 0;
     Array<String> longCodes;
+};
+
+// The characters of a text. A copy takes over only those that are used.
+class CVKMCharacters {
+  public:
+    static constexpr size_t mostCharacters = 255;
+
+    CVKMCharacters() = default;
+    CVKMCharacters(const CVKMCharacters& other) { *this = other; }
+    CVKMCharacters& operator=(const CVKMCharacters& other) {
+        if (this != &other) Set({other.characters, other.length});
+        return *this;
+    }
+
+    // A longer text is cut. 16 characters from the text's end must be readable.
+    void Set(std::string_view text) {
+        length = text.size() < mostCharacters ? text.size() : mostCharacters;
+        for (size_t i = 0; i < length; i += 16) std::memcpy(characters + i, text.data() + i, 16);
+        characters[length] = '\0';
+    }
+    // Zero-terminated.
+    const char* Get() const { return characters; }
+
+  private:
+    size_t length = 0;
+    char characters[mostCharacters + 1] = {};
 };
 
 // One text.
 struct CVKMText {
-    static constexpr size_t mostCharacters = 255;
-
     double x = 0;
     double y = 0;
     double z = 0;  // never set from the file
-    char text[mostCharacters + 1] = {};
+    CVKMCharacters text;
     int32_t valueD = 2;
     int32_t valueF = 1;
     double valueH = 1.7;
     int32_t code = 0;  // K
     double valueU = 0;
-
-    // A longer text is cut.
-    void SetText(std::string_view value) {
-        const size_t length = value.size() < mostCharacters ? value.size() : mostCharacters;
-        std::memcpy(text, value.data(), length);
-        text[length] = '\0';
-    }
 };
+inline constexpr CVKMText defaultText;
 
 }  // namespace vemrado

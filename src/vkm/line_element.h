@@ -12,12 +12,12 @@ namespace vemrado {
 
 // The type of a line element as the first character of its field says.
 inline uint32_t ElementType(Field field) {
+    if (IsNone(field)) return typeNone;
     return Is(field[0], elementType) ? static_cast<unsigned char>(field[0]) : uint32_t{typeUnknown};
 }
 
-// The next field as a number, 0 when there is none.
-[[gnu::always_inline]] inline double NextReal(CVKMTokenizer& line) {
-    const Field field = line.NextToken();
+// A field as a number, 0 when there is none.
+inline double RealOf(Field field) {
     return IsNone(field) ? 0.0 : ParseBufferedReal(field);
 }
 
@@ -25,8 +25,13 @@ inline uint32_t ElementType(Field field) {
 template <class Element>
 [[gnu::always_inline]] inline void ReadPoint(const CVKMReaderState& state, CVKMTokenizer& line,
                                              Element& point) {
-    double y = NextReal(line);
-    double x = NextReal(line);
+    const Field first = line.NextToken();
+    const Field second = line.NextToken();
+    double x, y;
+    if (IsNone(second) || !numbers::ParsePlainPair(first, second, y, x)) [[unlikely]] {
+        y = RealOf(first);
+        x = RealOf(second);
+    }
     if (state.relativeCoordinates != 0) {
         x += state.originX;
         y += state.originY;

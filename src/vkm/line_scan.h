@@ -3,6 +3,7 @@
 
 #pragma once
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 
@@ -43,6 +44,23 @@ inline LineScan ScanLine(const char* text) {
     }
 #endif
     return {~blankBits, lineFeeds};
+}
+
+// The first such character between from and end, or end. Looks at up to 16 characters behind end.
+inline const char* FindCharacter(char wanted, const char* from, const char* end) {
+#if defined(__SSE2__)
+    const __m128i pattern = _mm_set1_epi8(wanted);
+    for (const char* at = from; at < end; at += 16) {
+        const __m128i block = _mm_loadu_si128(reinterpret_cast<const __m128i*>(at));
+        const int mask = _mm_movemask_epi8(_mm_cmpeq_epi8(block, pattern));
+        if (mask == 0) continue;
+        const char* found = at + __builtin_ctz(static_cast<unsigned int>(mask));
+        return found < end ? found : end;
+    }
+    return end;
+#else
+    return std::find(from, end, wanted);
+#endif
 }
 
 // The lowest count bits.

@@ -17,9 +17,9 @@ struct CVKMReaderState {
     double scaleFactor = 1.0;  // mapScale / 1000
     int32_t relativeCoordinates = 0;
     int32_t layerNumber = 0;
-    char layerText[3] = {};          // the first two characters of the layer number
+    char layerText[4] = {};          // the first two characters of the layer number
     int32_t elementLayerNumber = 0;  // the layer of the element just completed
-    char elementLayerText[3] = {};
+    char elementLayerText[4] = {};
     CVKMLineElements lineElements;  // the line just completed
     int32_t elementPending = 0;     // workingElement is not yet in lineElements
     uint32_t currentRecord = 1;     // letter of the record being read, or a class of the header's last line

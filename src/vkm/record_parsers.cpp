@@ -40,8 +40,8 @@ int32_t NextInteger(CVKMTokenizer& line) {
 
 void ParseV(CVKMReaderState& state, CVKMTokenizer line) {
     line.NextToken();
-    state.originY = NextReal(line);
-    state.originX = NextReal(line);
+    state.originY = RealOf(line.NextToken());
+    state.originX = RealOf(line.NextToken());
 }
 
 void ParseR(CVKMReaderState& state, CVKMTokenizer line) {
@@ -58,15 +58,6 @@ void ParseU(CVKMReaderState& state, CVKMTokenizer line) {
     char decimal[16];
     std::snprintf(decimal, sizeof decimal, "%d", static_cast<int>(state.layerNumber));
     std::memcpy(state.layerText, decimal, 2);
-}
-
-void ParseL(CVKMReaderState& state, CVKMTokenizer line, bool start) {
-    const Field type = line.NextToken();
-    if (start) {
-        StartLineElement(state, line, IsNone(type) ? uint32_t{typeNone} : ElementType(type));
-    } else {
-        ContinueLineElement(state, line);
-    }
 }
 
 void ApplyTextDefaults(CVKMText& text, int32_t layer) {
@@ -92,10 +83,10 @@ void ApplyTextDefaults(CVKMText& text, int32_t layer) {
 void ParseT(CVKMReaderState& state, CVKMTokenizer line, bool start) {
     CVKMText& text = state.workingText;
     if (start) {
-        text = CVKMText();
+        text = defaultText;
         ReadPoint(state, line, text);
         const Field quoted = line.NextQuoted();
-        if (!IsNone(quoted)) text.SetText(quoted);
+        if (!IsNone(quoted)) text.text.Set(quoted);
     }
     char key = 0;
     for (Field value; !IsNone(value = line.NextKeyValue(textKey, key));) {
@@ -135,7 +126,7 @@ void DispatchRecord(CVKMReaderState& state, CVKMTokenizer line, uint32_t letter,
             ParseU(state, line);
             break;
         case 'L':
-            ParseL(state, line, start);
+            StartLineElement(state, line, ElementType(line.NextToken()));
             break;
         case 'T':
             ParseT(state, line, start);

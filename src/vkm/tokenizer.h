@@ -4,11 +4,15 @@
 // to platform::searchSlack characters behind the line may be looked at. Fields are views into the line; a
 // view without data (nullptr) is none. Every operation moves forward only, so the order of the calls is the
 // order of the fields on the line.
+//
+// The line's start is scanned once; from then on a field is taken by counting bits. A line longer than that
+// is scanned again further on.
 
 #pragma once
 
 #include <cstdint>
 #include <string_view>
+#include <utility>
 
 #include "vkm/characters.h"
 #include "vkm/line_scan.h"
@@ -37,106 +41,90 @@ class CVKMTokenizer {
     CVKMTokenizer() = default;
 
     // A line of at most scannedCharacters whose fields are known.
-    CVKMTokenizer(const char* line, size_t length, uint64_t fieldsOfLine)
-        : cursor(line), end(line + length), seenEnd(end), fields(fieldsOfLine) {}
+    CVKMTokenizer(const char* line, size_t length, uint64_t fields)
+        : window(line), rest(line + length), end(rest), edges(EdgesOf(fields)) {}
 
-    explicit CVKMTokenizer(std::string_view line) : cursor(line.data()), end(line.data() + line.size()) {
-        Look();
-    }
+    explicit CVKMTokenizer(std::string_view line) : rest(line.data()), end(rest + line.size()) { Look(); }
 
     // The next field, or none.
     Field NextToken() {
-        if (!SkipBlanks()) return Field();
-        const char* start = cursor;
-        SkipField();
-        return Field(start, static_cast<size_t>(cursor - start));
+        if (edges == 0) return rest == end ? Field() : NextTokenOfRest();
+        const uint32_t start = TakeEdge();
+        const uint32_t stop = TakeEdge();
+        return Field(window + start, stop - start);
     }
 
     // The next quoted text, or none; whatever stands before its opening quote is passed over. Without a
     // closing quote the text runs to the end of the line.
     Field NextQuoted() {
-        while (cursor != end && !Is(*cursor, quoteCharacter)) ++cursor;
-        Field text;
-        if (cursor != end && cursor + 1 != end) {
-            const char* start = cursor + 1;
-            const char* stop = start;
-            while (stop != end && *stop != *cursor) ++stop;
-            text = Field(start, static_cast<size_t>(stop - start));
-            cursor = stop == end ? end : stop + 1;
-        } else {
-            cursor = end;
+        const char* at = edges != 0 ? window + __builtin_ctzll(edges) : rest;
+        while (at != end && !Is(*at, quoteCharacter)) ++at;
+        if (at == end || at + 1 == end) {
+            MoveTo(end);
+            return Field();
         }
-        Look();
-        return text;
+        const char* start = at + 1;
+        const char* stop = FindCharacter(*at, start, end);
+        MoveTo(stop == end ? end : stop + 1);
+        return Field(start, static_cast<size_t>(stop - start));
     }
 
     // The value of the next field of the form K=value whose letter is of the class, with that letter; or
     // none. Blanks may stand around the equals sign. Other fields are passed over.
     Field NextKeyValue(CharacterClass keys, char& key) {
-        while (SkipBlanks()) {
-            if (Is(*cursor, keys)) {
-                key = *cursor;
-                Step();
-                if (!SkipBlanks()) return Field();
-                if (*cursor == '=') {
-                    Step();
-                    return NextToken();
-                }
-            }
-            SkipField();
+        Field field;
+        while (!IsNone(field = NextToken())) {
+            if (!Is(field[0], keys)) continue;
+            key = field[0];
+            if (field.size() > 2 && field[1] == '=') [[likely]]
+                return field.substr(2);
+            Field equals = field.size() > 1 ? field.substr(1) : NextToken();
+            if (IsNone(equals)) break;
+            if (equals[0] == '=') return equals.size() > 1 ? equals.substr(1) : NextToken();
         }
         return Field();
     }
 
   private:
-    // Marks the fields among the characters from the cursor on.
+    // Where fields start and, one behind them, end.
+    static constexpr uint64_t EdgesOf(uint64_t fields) { return fields ^ fields << 1; }
+
+    // The place of the next edge, which is passed.
+    uint32_t TakeEdge() {
+        const auto place = static_cast<uint32_t>(__builtin_ctzll(edges));
+        edges &= edges - 1;
+        return place;
+    }
+
+    // Goes on at a character behind the fields taken so far, or at the end.
+    void MoveTo(const char* place) {
+        if (place < rest) {
+            const auto index = static_cast<size_t>(place - window);
+            edges &= ~uint64_t{1} << index;
+            if (!Is(*place, blankCharacter)) edges |= uint64_t{1} << index;
+        } else {
+            rest = place;
+            Look();
+        }
+    }
+
+    // Both by value, so that the tokenizer of a short line stays in registers.
     void Look() { *this = Looked(*this); }
-
-    // By value, so that the tokenizer of a short line stays in registers.
-    [[gnu::noinline]] static CVKMTokenizer Looked(CVKMTokenizer line) {
-        line.MarkFields();
-        return line;
+    Field NextTokenOfRest() {
+        const auto [field, line] = FieldOfRest(*this);
+        *this = line;
+        return field;
     }
 
-    void MarkFields() {
-        const auto left = static_cast<size_t>(end - cursor);
-        const size_t seen = left < scannedCharacters ? left : scannedCharacters;
-        seenEnd = cursor + seen;
-        fields = ScanLine(cursor).fields & LowBits(seen);
-    }
+    // Marks the fields in the characters at rest. A field that goes on behind them is left for later.
+    static CVKMTokenizer Looked(CVKMTokenizer line);
+    // Takes a field at rest, of any length.
+    static std::pair<Field, CVKMTokenizer> FieldOfRest(CVKMTokenizer line);
 
-    void Step() {
-        ++cursor;
-        fields >>= 1;
-    }
-
-    // False when the line has run out.
-    bool SkipBlanks() {
-        while (fields == 0) {
-            cursor = seenEnd;
-            if (cursor == end) return false;
-            Look();
-        }
-        const int skipped = __builtin_ctzll(fields);
-        cursor += skipped;
-        fields >>= skipped;
-        return true;
-    }
-
-    void SkipField() {
-        const int length = __builtin_ctzll(~fields);
-        cursor += length;
-        fields >>= length;
-        if (cursor == seenEnd && cursor != end) [[unlikely]] {
-            while (cursor != end && !Is(*cursor, blankCharacter)) ++cursor;
-            Look();
-        }
-    }
-
-    const char* cursor = nullptr;
+    const char* window = nullptr;
+    const char* rest = nullptr;  // where the characters end whose fields are marked
     const char* end = nullptr;
-    const char* seenEnd = nullptr;  // end of the characters that the mask tells of
-    uint64_t fields = 0;            // bit i: cursor[i] belongs to a field
+    uint64_t edges = 0;  // bit i: at window[i] a field that is not taken yet starts, or one has ended
 };
 
 }  // namespace vemrado
