@@ -32,9 +32,13 @@ class ElementListing {
 
   private:
     void WriteVertex(const client::ElementVertex& vertex);
-    void WriteType(int type);
-    void WritePoint(const std::array<double, 3>& point);
-    void WriteDecoded(std::string_view bytes);
+
+    // A value behind the JSON text that leads to it.
+    void Put(std::string_view before, int value);
+    void Put(std::string_view before, double value);
+    void Put(std::string_view before, std::string_view bytes);
+    void Put(std::string_view before, const std::array<double, 3>& point);
+    void PutType(std::string_view before, int type);
 
     JsonWriter json;
     client::TextDecoder decoder;
@@ -42,8 +46,7 @@ class ElementListing {
 };
 
 void ElementListing::WriteLine(const client::LineElement& line) {
-    json.Raw(R"({"kind":"line","layer":)");
-    json.Integer(line.layer);
+    Put(R"({"kind":"line","layer":)", line.layer);
     json.Raw(R"(,"elements":[)");
     bool first = true;
     for (const client::ElementVertex& vertex : line.vertices) {
@@ -55,45 +58,48 @@ void ElementListing::WriteLine(const client::LineElement& line) {
 }
 
 void ElementListing::WriteVertex(const client::ElementVertex& vertex) {
-    json.Raw(R"({"point":)");
-    WritePoint(vertex.point);
-    json.Raw(R"(,"type":)");
-    WriteType(vertex.type);
-    json.Raw(R"(,"K":)");
-    WriteDecoded(vertex.code);
-    json.Raw(R"(,"M":)");
-    json.Real(vertex.valueM);
-    json.Raw(R"(,"R":)");
-    json.Real(vertex.valueR);
-    json.Raw(R"(,"S":)");
-    json.Integer(vertex.symbolCode);
-    json.Raw(R"(,"U":)");
-    json.Real(vertex.valueU);
+    Put(R"({"point":)", vertex.point);
+    PutType(R"(,"type":)", vertex.type);
+    Put(R"(,"K":)", vertex.code);
+    Put(R"(,"M":)", vertex.valueM);
+    Put(R"(,"R":)", vertex.valueR);
+    Put(R"(,"S":)", vertex.symbolCode);
+    Put(R"(,"U":)", vertex.valueU);
     json.Raw("}");
 }
 
 void ElementListing::WriteText(const client::TextElement& text) {
-    json.Raw(R"({"kind":"text","layer":)");
-    json.Integer(text.layer);
-    json.Raw(R"(,"text":)");
-    WriteDecoded(text.text);
-    json.Raw(R"(,"point":)");
-    WritePoint(text.point);
-    json.Raw(R"(,"D":)");
-    json.Integer(text.valueD);
-    json.Raw(R"(,"F":)");
-    json.Integer(text.valueF);
-    json.Raw(R"(,"H":)");
-    json.Real(text.scaledH);
-    json.Raw(R"(,"K":)");
-    json.Integer(text.code);
-    json.Raw(R"(,"U":)");
-    json.Real(text.valueU);
+    Put(R"({"kind":"text","layer":)", text.layer);
+    Put(R"(,"text":)", text.text);
+    Put(R"(,"point":)", text.point);
+    Put(R"(,"D":)", text.valueD);
+    Put(R"(,"F":)", text.valueF);
+    Put(R"(,"H":)", text.scaledH);
+    Put(R"(,"K":)", text.code);
+    Put(R"(,"U":)", text.valueU);
     json.Raw("}\n");
 }
 
+void ElementListing::Put(std::string_view before, int value) {
+    json.Raw(before);
+    json.Integer(value);
+}
+
+void ElementListing::Put(std::string_view before, double value) {
+    json.Raw(before);
+    json.Real(value);
+}
+
+void ElementListing::Put(std::string_view before, std::string_view bytes) {
+    json.Raw(before);
+    utf8.clear();
+    decoder.Append(bytes, utf8);
+    json.String(utf8);
+}
+
 // The third coordinate is always 0 and left out.
-void ElementListing::WritePoint(const std::array<double, 3>& point) {
+void ElementListing::Put(std::string_view before, const std::array<double, 3>& point) {
+    json.Raw(before);
     json.Raw("[");
     json.Real(point[0]);
     json.Raw(",");
@@ -101,16 +107,11 @@ void ElementListing::WritePoint(const std::array<double, 3>& point) {
     json.Raw("]");
 }
 
-void ElementListing::WriteType(int type) {
+void ElementListing::PutType(std::string_view before, int type) {
+    json.Raw(before);
     if (type == 0) return json.Raw(R"("")");
     const char quoted[] = {'"', type == 1 ? '?' : static_cast<char>(type), '"'};
     json.Raw({quoted, sizeof quoted});
-}
-
-void ElementListing::WriteDecoded(std::string_view bytes) {
-    utf8.clear();
-    decoder.Append(bytes, utf8);
-    json.String(utf8);
 }
 
 int RunDump(const DumpOptions& options, Environment& environment) {

@@ -26,9 +26,16 @@ void FileSummary::AddLine(const client::LineElement& line) {
     LayerSummary& layer = layers[line.layer];
     ++layer.lines;
     layer.elements += line.vertices.size();
+    // Most elements of a line have one code.
+    const std::string* code = nullptr;
+    uint64_t* count = nullptr;
     for (const client::ElementVertex& vertex : line.vertices) {
         ++layer.types[TypeIndex(vertex.type)];
-        if (!vertex.code.empty()) ++layer.elementCodes[vertex.code];
+        if (!vertex.code.empty()) {
+            if (code == nullptr || *code != vertex.code) count = &layer.elementCodes[vertex.code];
+            code = &vertex.code;
+            ++*count;
+        }
         if (vertex.symbolCode != 0) {
             ++layer.symbols;
             ++layer.symbolCodes[vertex.symbolCode];

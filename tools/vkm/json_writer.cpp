@@ -12,12 +12,17 @@ char* Put(std::string_view text, char* to) {
 }
 
 // Coordinates are mostly whole millimetres. An integer below 2^53 over 1000 is rounded once, by the division
-// as by any reader of the decimal number; when the division gives the value, so does its text.
-constexpr double thousandthsLimit = 9.0e12;
+// as by any reader of the decimal number; when the division gives the value, so does its text. Below 2^52 a
+// half can be added too.
+constexpr double thousandthsLimit = 4.5e12;
 
 char* FormatThousandths(int64_t thousandths, char* to) {
     if (thousandths < 0) *to++ = '-';
     const uint64_t size = static_cast<uint64_t>(thousandths < 0 ? -thousandths : thousandths);
+    if (size < 10'000 && size % 1000 == 0) {  // most values other than coordinates
+        *to = static_cast<char>('0' + size / 1000);
+        return to + 1;
+    }
     to = std::to_chars(to, to + numberRoom - 1, size / 1000).ptr;
     const uint64_t fraction = size % 1000;
     if (fraction == 0) return to;
@@ -51,6 +56,12 @@ constexpr char EscapeOf(char letter) {
     }
 }
 
+constexpr std::array<char, 256> escapes = [] {
+    std::array<char, 256> table{};
+    for (size_t i = 0; i < table.size(); ++i) table[i] = EscapeOf(static_cast<char>(i));
+    return table;
+}();
+
 char* PutEscaped(char letter, char escape, char* to) {
     constexpr std::string_view digits = "0123456789abcdef";
     *to++ = '\\';
@@ -66,9 +77,9 @@ char* PutEscaped(char letter, char escape, char* to) {
 
 char* FormatReal(double value, char* to) {
     if (std::abs(value) < thousandthsLimit) {
-        const double thousandths = std::nearbyint(value * 1000.0);
-        if (thousandths / 1000.0 == value && (value != 0.0 || !std::signbit(value))) {
-            return FormatThousandths(static_cast<int64_t>(thousandths), to);
+        const auto thousandths = static_cast<int64_t>(value * 1000.0 + (value < 0.0 ? -0.5 : 0.5));
+        if (static_cast<double>(thousandths) / 1000.0 == value && (value != 0.0 || !std::signbit(value))) {
+            return FormatThousandths(thousandths, to);
         }
         if (value == 0.0) return Put("-0.0", to);
     }
@@ -85,7 +96,7 @@ void JsonWriter::String(std::string_view utf8) {
         const std::string_view part = utf8.substr(0, chunk);
         char* to = output.Room(part.size() * longestEscape);
         for (const char letter : part) {
-            const char escape = EscapeOf(letter);
+            const char escape = escapes[static_cast<unsigned char>(letter)];
             if (escape == '\0') {
                 *to++ = letter;
             } else {
