@@ -60,7 +60,7 @@ class ElementReader {
 
   private:
     struct Destroy {
-        void operator()(CVKMDetails* importer) const { CVKMInterface::DestroyVKMInterface(importer); }
+        void operator()(CVKMDetails* vkm) const { CVKMInterface::DestroyVKMInterface(vkm); }
     };
 
     bool Wants(Content part) const {

@@ -5,13 +5,14 @@
 #include <ogr_core.h>
 
 #include <array>
+#include <cstddef>
 #include <optional>
 
 #include "elements.h"
 
 namespace vemrado::gdal {
 
-enum LayerKind : int { lineLayer, pointLayer, textLayer, layerKinds };
+enum LayerKind : size_t { lineLayer, pointLayer, textLayer, layerKinds };
 
 struct LayerSummary {
     GIntBig features = 0;

@@ -9,6 +9,7 @@
 #include <optional>
 #include <set>
 
+#include "checked_files.h"
 #include "client/system.h"
 #include "driver.h"
 #include "output_format.h"
@@ -35,6 +36,7 @@ class Diagnostics {
   private:
     static void CPL_STDCALL OnError(CPLErr severity, CPLErrorNum, const char* text) {
         Diagnostics& self = *static_cast<Diagnostics*>(CPLGetErrorHandlerUserData());
+        if (severity == CE_Warning && self.warningsLeft == 0) return;
         const std::string sentence = Sentence(text);
         if (severity >= CE_Failure && self.failure.empty()) self.failure = sentence;
         if (severity == CE_Warning && self.told.insert(sentence).second) self.Warn(sentence);
@@ -51,7 +53,6 @@ class Diagnostics {
     }
 
     void Warn(const std::string& sentence) {
-        if (warningsLeft == 0) return;
         if (warningsLeft > 0 && --warningsLeft == 0) {
             reports.warn("further warnings are left out");
         } else {
@@ -77,7 +78,7 @@ std::optional<Problem> ChooseLayers(VkmDataset& map, const std::vector<std::stri
     for (const std::string& name : names) {
         OGRLayer* layer = map.GetLayerByName(name.c_str());
         if (layer == nullptr) return Problem{ConvertOutcome::badRequest, "there is no layer '" + name + "'"};
-        layers.push_back(layer);
+        if (std::ranges::find(layers, layer) == layers.end()) layers.push_back(layer);
     }
     return std::nullopt;
 }
@@ -124,6 +125,7 @@ std::optional<Problem> Write(Work& work, const ConvertReports& reports, Diagnost
     const std::string failed = output + ": cannot be written: ";
     StagedOutput staged(output);
     std::string reason;
+    ForgetFailedWrites();
     if (!staged.Make(reason)) return Problem{ConvertOutcome::outputFailed, failed + reason};
     Translation translation(work.map, work.layers, work.format, [&](double share) {
         work.stopped = work.stopped || !reports.progress(share);
@@ -135,6 +137,7 @@ std::optional<Problem> Write(Work& work, const ConvertReports& reports, Diagnost
     if (work.stopped)
         return Problem{ConvertOutcome::stopped, output + ": stopped on request; nothing was made"};
     if (InputFailed(work.map)) return Problem{ConvertOutcome::inputFailed, diagnostics.Failure()};
+    if (!FailedWrite().empty()) return Problem{ConvertOutcome::outputFailed, failed + FailedWrite()};
     if (!written || !diagnostics.Failure().empty())
         return Problem{ConvertOutcome::outputFailed, failed + diagnostics.Failure()};
     if (!staged.PutInPlace(result.files, reason)) return Problem{ConvertOutcome::outputFailed, reason};

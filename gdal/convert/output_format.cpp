@@ -55,7 +55,7 @@ GDALDriver* DriverOfExtension(const char* extension) {
 }  // namespace
 
 OutputFormat FindFormat(const std::string& name) {
-    OutputFormat format = {nullptr, Layout::separate, name};
+    OutputFormat format = {nullptr, Layout::separate, CPLString(name).tolower()};
     if (name.empty()) return format;
     format.driver = DriverOfExtension(name.c_str());
     GDALDriver* named = GetGDALDriverManager()->GetDriverByName(name.c_str());

@@ -7,6 +7,7 @@
 #include <memory>
 #include <utility>
 
+#include "checked_files.h"
 #include "layer_styles.h"
 
 namespace vemrado::gdal {
@@ -68,7 +69,11 @@ bool Translation::Prepare() {
 }
 
 Translation::Output Translation::Create(const std::string& path) const {
-    return Output(format.driver->Create(path.c_str(), 0, 0, 0, GDT_Unknown, nullptr));
+    // Databases keep files of their own beside it and look at every write themselves.
+    const char* driver = format.driver->GetDescription();
+    const bool isDatabase = EQUAL(driver, "GPKG") || EQUAL(driver, "SQLite");
+    const std::string name = isDatabase ? path : CheckedPath(path);
+    return Output(format.driver->Create(name.c_str(), 0, 0, 0, GDT_Unknown, nullptr));
 }
 
 bool Translation::Copy(GDALDataset& output, OGRLayer& layer) {

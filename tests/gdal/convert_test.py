@@ -1,6 +1,7 @@
 """Checks `vkm convert`: python3 convert_test.py. VKM names the program, VKM_DATA the folder of the sample maps."""
 
 import os
+import resource
 import signal
 import subprocess
 import tempfile
@@ -163,6 +164,16 @@ class Convert(unittest.TestCase):
             self.assertEqual(b"old", file.read())
         # What stands last in a cut file is lost, here a text or the closing record alone.
         self.assertEqual(sum(COUNTS.values()) - 1, sum(counts_of(self.path("cut.gpkg"))[name] for name in COUNTS))
+
+    def test_full_disk_leaves_nothing(self):
+        def limit():
+            signal.signal(signal.SIGXFSZ, signal.SIG_IGN)
+            resource.setrlimit(resource.RLIMIT_FSIZE, (20000, 20000))
+        for ending in ("gpkg", "fgb", "csv", "dxf", "shp", "geojson", "geojsonl", "gml"):
+            with self.subTest(ending):
+                said = self.convert("map.vkm", "-o", f"full.{ending}", code=3, preexec_fn=limit)
+                self.assertRegex(said, rf"^vkm: .*full\.{ending}: cannot be written: .+\n$")
+        self.assertEqual(["map.vkm"], os.listdir(self.folder))
 
     def test_interrupt_leaves_nothing(self):
         made = MadeMap(13, 1000)
