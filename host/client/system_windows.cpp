@@ -44,12 +44,17 @@ std::wstring FromCodePage(std::string_view bytes, UINT codePage) {
     return text;
 }
 
+// Which of these it is depends on the system and on how far the closing has got.
+bool IsClosedPipe(DWORD error) {
+    return error == ERROR_BROKEN_PIPE || error == ERROR_NO_DATA || error == ERROR_PIPE_NOT_CONNECTED;
+}
+
 WriteResult WriteAll(HANDLE file, std::string_view bytes) {
     while (!bytes.empty()) {
         DWORD written = 0;
         if (!WriteFile(file, bytes.data(), Bounded(bytes.size()), &written, nullptr)) {
             const DWORD error = GetLastError();
-            if (error == ERROR_BROKEN_PIPE || error == ERROR_NO_DATA) return WriteResult::closedPipe;
+            if (IsClosedPipe(error)) return WriteResult::closedPipe;
             errno = error == ERROR_DISK_FULL ? ENOSPC : error == ERROR_INVALID_HANDLE ? EBADF : EIO;
             return WriteResult::failed;
         }

@@ -2,7 +2,7 @@
 """Compares what the command line writes on both systems: compare_commands.py LINUX_VKM DATA_DIRECTORY -- WINDOWS_VKM...
 
 Both run every command that reads on the samples, and "dump" on a hundred generated files, hostile ones among them.
-The output, line ends aside, and the exit code must be the same.
+The output, line ends aside, and the exit code must be the same, and so must be what a reader sees that goes away early.
 """
 
 import os
@@ -109,6 +109,15 @@ def run(program, command, folder):
     return done.returncode, done.stdout.replace(b"\r\n", b"\n")
 
 
+def leave_early(program, folder):
+    """Reads the first line of a long output and goes away; returns the exit code and what was said."""
+    process = subprocess.Popen([*program, "dump", "sample-town.vkm"], cwd=folder, stdout=subprocess.PIPE,
+                               stderr=subprocess.PIPE)
+    process.stdout.readline()
+    process.stdout.close()
+    return process.stderr.read(), process.wait(120)
+
+
 def main():
     divider = sys.argv.index("--")
     linux, data = [os.path.abspath(sys.argv[1])], pathlib.Path(sys.argv[2]).resolve()
@@ -125,6 +134,10 @@ def main():
             if ours != theirs or (ours[0] != 0 and not command[-1].startswith("generated")):
                 different.append(f"{' '.join(command)}: exit codes {ours[0]} and {theirs[0]}, "
                                  f"{len(ours[1])} and {len(theirs[1])} bytes")
+        for program in (linux, windows):
+            left = leave_early(program, folder)
+            if left != (b"", 0):
+                different.append(f"{program[-1]} after its reader had gone: exit code {left[1]}, {left[0]!r}")
     print(f"{len(commands)} commands, {size} bytes of output")
     print("\n".join(different) or "no differences")
     sys.exit(1 if different or len(commands) < 108 or size < 1000000 else 0)
