@@ -29,8 +29,8 @@ install(DIRECTORY data/symbology DESTINATION ${CMAKE_INSTALL_DATADIR}/vemrado CO
   PATTERN sources EXCLUDE)
 install(DIRECTORY data/ DESTINATION ${CMAKE_INSTALL_DATADIR}/vemrado/maps FILES_MATCHING PATTERN "*.vkm"
   PATTERN symbology EXCLUDE)
-install(FILES README.md DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/vemrado)
-install(DIRECTORY docs DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/vemrado)
+install(FILES README.md CONTRIBUTING.md DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/vemrado)
+install(DIRECTORY docs samples DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/vemrado)
 
 install(EXPORT vemrado FILE vemradoTargets.cmake NAMESPACE vemrado:: DESTINATION ${package_dir} COMPONENT development)
 configure_package_config_file(cmake/vemradoConfig.cmake.in ${CMAKE_CURRENT_BINARY_DIR}/vemradoConfig.cmake
@@ -45,4 +45,12 @@ foreach(name vemrado vemrado-host)
   configure_file(cmake/${name}.pc.in ${CMAKE_CURRENT_BINARY_DIR}/${name}.pc @ONLY)
   install(FILES ${CMAKE_CURRENT_BINARY_DIR}/${name}.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig
     COMPONENT development)
+endforeach()
+
+# Everything that is installed, and nothing else: what has to be built before packing.
+add_custom_target(distribution DEPENDS Vemrado VemradoFramework zrv320 zrvDX320)
+foreach(target vkm vkm_documents vkm_convert ogr_VKM VemradoForeignImportLibrary)
+  if(TARGET ${target})
+    add_dependencies(distribution ${target})
+  endif()
 endforeach()
