@@ -29,10 +29,11 @@ class MemoryFiles {
     std::string& operator[](const std::string& name) { return files[name]; }
     void Remove(const std::string& name) { files.erase(name); }
 
-    int64_t readLimit = -1;         // bytes that all reads together may give before they fail; -1: no limit
-    int failingRead = 0;            // this read, counted from 1, fails and the later ones work; 0: none
-    int failingOpen = 0;            // as failingRead
-    size_t mostPerRead = SIZE_MAX;  // reads give at most so many bytes
+    int64_t readLimit = -1;  // bytes that all reads together may give before they fail; -1: no limit
+    int64_t statedLength = INT64_MAX;  // what is told of every file; INT64_MAX: the truth
+    int failingRead = 0;               // this read, counted from 1, fails and the later ones work; 0: none
+    int failingOpen = 0;               // as failingRead
+    size_t mostPerRead = SIZE_MAX;     // reads give at most so many bytes
     std::function<void()> beforeRead;  // may change the files, as another program does
     int reads = 0;
     int failedReads = 0;
@@ -75,7 +76,8 @@ class MemoryFiles {
     }
 
     static int64_t Length(void* handle) {
-        return static_cast<int64_t>(static_cast<OpenFile*>(handle)->bytes->size());
+        const auto* file = static_cast<OpenFile*>(handle);
+        return std::min(file->owner->statedLength, static_cast<int64_t>(file->bytes->size()));
     }
 
     static void Close(void* handle) {

@@ -15,6 +15,7 @@ namespace {
 
 constexpr uint32_t longestFileWithoutProgress = 8192;  // bytes
 constexpr uint32_t progressUnits = 100;
+static_assert(longestFileWithoutProgress >= progressUnits, "a unit is at least a byte");
 constexpr size_t failureTextCapacity = 1024;
 // What the info-window library takes of the two texts, terminator included.
 constexpr size_t progressTextCapacity = 80;
@@ -59,7 +60,6 @@ bool CVkmInput::OpenFile(const char* fileName) {
 
 void CVkmInput::OpenProgressWindow() {
     progressStep = fileLength / progressUnits;
-    if (progressStep == 0) progressStep = 1;
     char text[progressTextCapacity];
     char end[endTextCapacity];
     std::snprintf(text, sizeof text, "%s", msgReadingInputFile);

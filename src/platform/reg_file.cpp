@@ -106,7 +106,7 @@ class Cursor {
 
 // The next character of a quoted text; advances at.
 char TakeUnescaped(std::string_view body, size_t& at) {
-    if (body[at] == '\\' && at + 1 < body.size()) ++at;
+    if (body[at] == '\\') ++at;  // a body does not end with the first half of an escape
     return body[at++];
 }
 

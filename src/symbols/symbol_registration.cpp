@@ -16,15 +16,12 @@ namespace {
 // One unreadable shape file is reported in the life of the module, whichever importer meets it.
 bool mayWarn = true;
 
-// path may be empty.
-void WarnOnce(const String& path, const String& text) {
-    if (!mayWarn) return;
-    AfxMessageBox(path.empty() ? text.c_str() : (path + ": " + text).c_str(), frameworkExclamationOk, 0);
-    mayWarn = false;
-}
-
 void WarnOfShapeFile(const String& path) {
-    WarnOnce(path, String(msgNoSymbolFile).append("\n").append(msgSymbolsNotImported));
+    if (!mayWarn) return;
+    String text(path);
+    text.append(": ").append(msgNoSymbolFile).append("\n").append(msgSymbolsNotImported);
+    AfxMessageBox(text.c_str(), frameworkExclamationOk, 0);
+    mayWarn = false;
 }
 
 }  // namespace

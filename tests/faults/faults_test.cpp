@@ -165,8 +165,8 @@ class Faults : public testing::TestWithParam<const char*> {
     std::string original;
 };
 
-INSTANTIATE_TEST_SUITE_P(Maps, Faults, testing::Values("rich.vkm", "odd.vkm"),
-                         [](const auto& each) { return std::string(each.param).substr(0, 3) + "Map"; });
+INSTANTIATE_TEST_SUITE_P(Maps, Faults, testing::Values("a map of many lines.vkm", "odd.vkm"),
+                         [](const auto& each) { return *each.param == 'o' ? "OddMap" : "LongMap"; });
 
 TEST_P(Faults, AreMeasuredByACompleteReading) {
     EXPECT_TRUE(expected.complete);
@@ -176,7 +176,7 @@ TEST_P(Faults, AreMeasuredByACompleteReading) {
     for (const std::string& style : expected.styles) styles += style;
     for (const char* expectedStyle : {" 1 ", "L_", "S_"}) {
         EXPECT_EQ(styles.find(expectedStyle) != std::string::npos,
-                  name == "rich.vkm" || *expectedStyle == ' ');
+                  name == "a map of many lines.vkm" || *expectedStyle == ' ');
     }
 }
 
@@ -194,7 +194,7 @@ TEST_P(Faults, EveryReadFails) {
         fileErrors += reading.fileErrors;
         boxes += files.boxes.count;
     }
-    EXPECT_GT(fileErrors, name == "rich.vkm" ? 10 : 0);
+    EXPECT_GT(fileErrors, name == "a map of many lines.vkm" ? 10 : 0);
     EXPECT_GT(boxes, 5);
 }
 

@@ -74,8 +74,8 @@ class Host {
 };
 
 void Open(Host& host) {
-    const char* name =
-        host.Pick({"rich.vkm", "rich.vkm", "odd.vkm", "empty.vkm", "binary.vkm", "missing.vkm", nullptr});
+    const char* name = host.Pick({"a map of many lines.vkm", "a map of many lines.vkm", "odd.vkm",
+                                  "empty.vkm", "binary.vkm", "missing.vkm", nullptr});
     const char* layer = host.Pick({"", "roads", nullptr});
     const int symbology = host.Below(2);
     const int flags = host.Below(5);
@@ -231,7 +231,7 @@ std::string CallInAnyOrder(uint32_t seed) {
 int64_t BlocksAfterARightHost() {
     const SampleFiles files;
     CVKMInterface* vkm = CreateVKMInterface();
-    EXPECT_EQ(vkm->Open("rich.vkm", 1, "", 1, 0, 1), 1);
+    EXPECT_EQ(vkm->Open("a map of many lines.vkm", 1, "", 1, 0, 1), 1);
     EXPECT_EQ(vkm->ReadNext(), 1);
     EXPECT_NE(vkm->GetElementSymbol(0), 0);
     EXPECT_EQ(files.boxes.count, 0);

@@ -36,7 +36,7 @@ class SampleFiles : public SymbologyFiles {
     SampleFiles() {
         for (const auto& entry : std::filesystem::directory_iterator(VEMRADO_DATA "/symbology/VKMSym"))
             (*this)[entry.path().filename().string()] = FileText(entry.path());
-        files["rich.vkm"] = RichMap();
+        files["a map of many lines.vkm"] = RichMap();
         files["odd.vkm"] = FileText(VEMRADO_DATA "/sample-unknown-records.vkm");
     }
 };

@@ -128,6 +128,10 @@ TEST_F(Importer, ExtentsOfPointsAndOfNothing) {
     ASSERT_EQ(Open("&L C 1 2\nC 5 -3\n&T 9 9 'x'\n&K"), 1);
     EXPECT_EQ(vkm->GetExtents(&box[0], &box[1], &box[2], &box[3]), 1);
     EXPECT_TRUE(box[0] == -3 && box[1] == 1 && box[2] == 9 && box[3] == 9);
+    for (const char* point : {"nan 2", "1 nan", "-1e999 2", "1 -1e999"}) {
+        ASSERT_EQ(Open("&L C " + std::string(point) + "\n&K"), 1);
+        EXPECT_EQ(vkm->GetExtents(&box[0], &box[1], &box[2], &box[3]), 0) << point;
+    }
     ASSERT_EQ(Open("&K"), 1);
     EXPECT_EQ(vkm->GetExtents(&box[0], &box[1], &box[2], &box[3]), 0);
     EXPECT_TRUE(box[0] == 1.797693e308 && box[1] == 1.797693e308 && box[2] == -1.797693e308 &&

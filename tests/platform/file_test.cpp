@@ -44,6 +44,7 @@ TEST(FileTest, ReadsSeeksAndTellsItsLength) {
     File file;
     EXPECT_EQ(file.Read(nullptr, 0), -1) << "nothing is open";
     EXPECT_EQ(file.Length(), -1);
+    EXPECT_EQ(file.Seek(0, Origin::start), -1);
     ASSERT_TRUE(file.Open(directory.Write("numbers", bytes).c_str()));
     EXPECT_EQ(file.Length(), 10000);
     EXPECT_EQ(ReadAll(file), bytes);
@@ -126,6 +127,18 @@ TEST(FileTest, SeeksInProvidedFiles) {
         position = target + static_cast<int64_t>(expected.size());
     }
     EXPECT_EQ(file.Seek(-1, Origin::start), -1);
+    files.statedLength = 0;
+    File other;
+    ASSERT_TRUE(other.Open("file"));
+    EXPECT_EQ(other.Seek(-5, Origin::end), 19995) << "a length that is not known is counted";
+    ASSERT_TRUE(other.Open("file"));
+    files.readLimit = 0;
+    EXPECT_EQ(other.Seek(0, Origin::end), -1);
+    files.statedLength = -1;
+    EXPECT_EQ(other.Length(), -1);
+    EXPECT_EQ(other.Seek(0, Origin::end), -1);
+    other.Close();
+    files.readLimit = -1;
     files.Remove("file");
     EXPECT_EQ(file.Seek(0, Origin::start), -1) << "it cannot be opened again";
     file.Close();

@@ -62,6 +62,20 @@ TEST(PosixFileTest, FindsFilesByOtherSpellings) {
     for (const auto& test : cases) EXPECT_EQ(Content(directory.Path(test.path)), test.content) << test.path;
     EXPECT_EQ(Content(""), ": No such file or directory");
     EXPECT_EQ(Content(std::string(5000, '\\')), ": File name too long");
+
+    // Names that exist, but lead in a circle.
+    std::filesystem::create_symlink("Loop", directory.Path("Data/Loop"));
+    for (const char* path : {"Data/Loop", "Data\\Loop", "Data/lOOP"}) {
+        EXPECT_EQ(Content(directory.Path(path)), ": Too many levels of symbolic links") << path;
+    }
+}
+
+TEST(PosixFileTest, ReportsAFailedReadOfTheSystem) {
+    File file;
+    ASSERT_TRUE(file.Open("/proc/self/mem"));
+    char byte;
+    EXPECT_EQ(file.Read(&byte, 1), -1) << "nothing is mapped at 0";
+    EXPECT_NE(file.LastError(), 0);
 }
 
 TEST(PosixFileTest, KeepsAwayFromFilesThatAreBeingWritten) {
@@ -151,7 +165,11 @@ TEST_F(PosixRegistryTest, TakesTheFirstFileThatExists) {
     EXPECT_EQ(LocalPath(), "config");
     setenv("VEMRADO_REGISTRY", directory.Path("own.reg").c_str(), 1);
     EXPECT_EQ(LocalPath(), "config") << "the named file does not exist";
-    directory.Write("own.reg", RegistryFile("own"));
+    setenv("VEMRADO_REGISTRY", std::string(5000, 'x').c_str(), 1);
+    EXPECT_EQ(LocalPath(), "config") << "no file has such a name";
+    setenv("VEMRADO_REGISTRY", directory.Path("config").c_str(), 1);
+    EXPECT_EQ(LocalPath(), "none") << "the named file cannot be read";
+    setenv("VEMRADO_REGISTRY", directory.Write("own.reg", RegistryFile("own")).c_str(), 1);
     EXPECT_EQ(LocalPath(), "own");
     MemoryFiles files;
     files[directory.Path("own.reg")] = RegistryFile("provided");

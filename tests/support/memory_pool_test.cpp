@@ -186,6 +186,17 @@ TEST_F(MemoryPoolTest, GivesNullWhenMemoryRunsOut) {
     EXPECT_EQ(pool.FreeCount(), 0);
 }
 
+TEST_F(MemoryPoolTest, ListsMoreFreeBlocksThanItHadRoomFor) {
+    std::vector<char*> blocks(5000);
+    for (char*& block : blocks) block = Alloc(16);
+    for (size_t i = 0; i < blocks.size(); i += 2) pool.Free(blocks[i]);
+    EXPECT_GT(pool.FreeCount(), 2000);
+    Peer::Walk(pool);
+    char* candidate = Peer::Candidate(pool, 16);
+    EXPECT_EQ(Alloc(16), candidate);
+    pool.ReleaseAll();
+}
+
 TEST_F(MemoryPoolTest, ReleasesEverythingAndCanBeUsedAgain) {
     for (int round = 0; round < 2; ++round) {
         for (int count = 0; count < 100; ++count) ASSERT_NE(pool.Alloc(5000), nullptr);

@@ -78,6 +78,11 @@ TEST(TableFile, ReportsFailures) {
     file.Rewind();
     std::string_view line;
     EXPECT_FALSE(file.NextLine(line));
+    files["long"] = std::string(3 * TableFile::longestLine, 'x');
+    files.readLimit = 2 * TableFile::longestLine + 9;
+    ASSERT_TRUE(file.Open("long"));
+    EXPECT_FALSE(file.NextLine(line));
+    EXPECT_TRUE(file.ReadFailed());
     EXPECT_FALSE(file.Open("gone", "note"));
     ShowMessages();
     EXPECT_EQ(boxes.texts.find("t: "), 0u);

@@ -90,6 +90,38 @@ TEST_F(BlockFile, EndsAndErrors) {
     EXPECT_EQ(file.EnsureOpen(), 0);
 }
 
+TEST_F(BlockFile, SeeksThatLeadNowhere) {
+    constexpr int64_t beyond = int64_t{1} << 32;
+    EXPECT_EQ(file.Seek(beyond, Origin::start), -1) << "without a buffer";
+    EXPECT_EQ(file.TakeError(), 1u);
+    EXPECT_EQ(Read(10), Bytes(0, 10));
+    EXPECT_EQ(file.Seek(beyond, Origin::start), -1);
+    EXPECT_EQ(file.Seek(-1, Origin::start), -1);
+    EXPECT_EQ(file.Seek(beyond, Origin::end), -1);
+    EXPECT_EQ(file.Seek(0, static_cast<Origin>(3)), -1);
+    EXPECT_EQ(Read(10), Bytes(10, 10)) << "they changed nothing";
+    EXPECT_EQ(file.Seek(-29990, Origin::end), 8192) << "inside the buffer: where the handle is";
+    EXPECT_EQ(Read(3), Bytes(10, 3));
+    files.readLimit = 0;
+    EXPECT_EQ(Read(20000), Bytes(13, 8179)) << "what the buffer had";
+    EXPECT_EQ(Read(5000), "error");
+    EXPECT_EQ(file.TakeError(), 2u);
+    EXPECT_EQ(file.TakeError(), 1u);
+
+    files.readLimit = -1;
+    file.SetName("f");
+    EXPECT_EQ(Read(10), Bytes(0, 10));
+    file.ReleaseHandle();
+    const std::string bytes = files["f"];
+    files.Remove("f");
+    EXPECT_EQ(file.Seek(0, Origin::end), -1);
+    EXPECT_EQ(file.Seek(20000, Origin::start), -1);
+    EXPECT_EQ(file.Seek(0, Origin::start), -1) << "the buffer is gone";
+    EXPECT_EQ(file.TakeError(), 1u);
+    files["f"] = bytes;
+    EXPECT_EQ(Read(2), Bytes(8192, 2)) << "behind what it had read";
+}
+
 // Any sequence of reads and seeks gives the bytes that a plain position in the file gives.
 TEST_F(BlockFile, AgreesWithAPlainPosition) {
     std::mt19937 random(3);
@@ -104,9 +136,10 @@ TEST_F(BlockFile, AgreesWithAPlainPosition) {
             position += static_cast<int64_t>(expected.size());
         } else {
             const bool relative = random() % 2 == 0;
-            const int64_t target = random() % 5 == 0
-                                       ? random() % 30000
-                                       : std::clamp<int64_t>(position + random() % 200 - 100, 0, size);
+            const int64_t target =
+                random() % 5 == 0
+                    ? static_cast<int64_t>(random() % 30000)
+                    : std::clamp<int64_t>(position + static_cast<int64_t>(random() % 200) - 100, 0, size);
             ASSERT_EQ(
                 file.Seek(relative ? target - position : target, relative ? Origin::current : Origin::start),
                 target);
@@ -130,7 +163,8 @@ TEST(SharedString, SharesAndReleasesItsBlock) {
         EXPECT_STREQ(b.Text(), "ame");
         b.Assign(nullptr);
         EXPECT_EQ(b.Length(), 3);
-        a = a;
+        const CSharedString& same = a;
+        a = same;
         EXPECT_STREQ(a.Text(), "name");
         a.Assign("", 0);
         EXPECT_STREQ(a.Text(), "");
@@ -146,6 +180,12 @@ TEST(SharedString, SharesAndReleasesItsBlock) {
         CSharedString full(b);
         EXPECT_EQ(lastError, 1) << "the count is full";
         EXPECT_STREQ(full.Text(), "");
+        sharedStringErrorHook = nullptr;
+        const CSharedString copy(full);
+        EXPECT_EQ(copy.Length(), 0);
+        const CSharedString again(b);
+        EXPECT_EQ(sharedStringError, SharedStringError::noMemory) << "kept where no hook clears it";
+        full.Assign(nullptr, 1);
         sharedStringErrorHook = hook;
         full = b;
         EXPECT_EQ(sharedStringError, SharedStringError::none);

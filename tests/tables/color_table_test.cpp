@@ -6,6 +6,7 @@
 
 #include <random>
 
+#include "platform/memory_faults.h"
 #include "symbology_files.h"
 #include "tables/indexed_insertion.h"
 
@@ -67,6 +68,18 @@ TEST_F(ColorTable, ReadsWidths) {
     EXPECT_EQ(table.GetWidth(2), 0) << "no widths are read without colours";
     EXPECT_EQ(Read("[white]\n2=1\n"), 0);
     EXPECT_EQ(table.GetColor(2), 1u);
+}
+
+TEST(IndexedInsertion, LeavesOutWhatFindsNoMemory) {
+    vemrado::Array<uint32_t> values(10);
+    vemrado::IndexedInsertion<uint32_t> insertion(values);
+    insertion.Add(3, 7);
+    vemrado::platform::memoryCallsLeft = 0;
+    insertion.Add(vemrado::largestTableIndex, 8);
+    vemrado::platform::memoryCallsLeft = -1;
+    insertion.Finish();
+    EXPECT_EQ(values.size(), 11u);
+    EXPECT_EQ(values[3], 7u);
 }
 
 // Entries in any order come out as if each had been inserted by itself.

@@ -78,6 +78,9 @@ TEST_F(Reading, LongAndOddLines) {
         ExpectSame(std::string("&L C 1 2 K=") + std::string(length, 'k') + tail);
         if (HasFatalFailure()) return;
     }
+    std::string manyElements = head;
+    for (int i = 0; i < 5000; ++i) manyElements += "C 3 4\n";
+    ExpectSame(manyElements + head + tail);
     ExpectSame(std::string(1000000, 'x'));
     ExpectSame(std::string("&L C 1 2\nC 3\0 4 K=1\n&K\n", 22));
     ExpectSame(std::string(2000, '\0') + "\n&U 5\n&K");

@@ -23,11 +23,10 @@ size_t BytesPastBoundary(const char* address) {
 // next fits as it comes; where it does not, the region is cut out of a larger piece whose ends go back at
 // once.
 void* NativeReserveRegion(size_t size) {
-    const size_t larger = size + regionGranularity;
-    if (size == 0 || larger < size) return nullptr;
     char* region = Map(size);
     if (region == nullptr || BytesPastBoundary(region) == 0) return region;
     munmap(region, size);
+    const size_t larger = size + regionGranularity;
     char* piece = Map(larger);
     if (piece == nullptr) return nullptr;
     const size_t past = BytesPastBoundary(piece);

@@ -21,7 +21,7 @@ bool FindEntry(const char* directory, char* component, size_t length) {
     char best[NAME_MAX + 1] = {};
     while (const dirent* entry = readdir(entries)) {
         const std::string_view name = entry->d_name;
-        if (name.size() > NAME_MAX || !SameWithoutCase(name, {component, length})) continue;
+        if (!SameWithoutCase(name, {component, length})) continue;
         if (best[0] == '\0' || name < best) best[name.copy(best, NAME_MAX)] = '\0';
     }
     closedir(entries);
