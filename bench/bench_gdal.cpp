@@ -91,10 +91,23 @@ class Removed {
     std::string path;
 };
 
+using File = std::unique_ptr<std::FILE, int (*)(std::FILE*)>;
+
+File OpenToWrite(const char* path) {
+    File file(std::fopen(path, "wb"), std::fclose);
+    if (!file) throw std::runtime_error(std::string("cannot write ") + path);
+    return file;
+}
+
+void FinishWriting(File& file, const char* ending, const char* path) {
+    const bool written = std::fputs(ending, file.get()) >= 0 && std::ferror(file.get()) == 0;
+    if (std::fclose(file.release()) != 0 || !written)
+        throw std::runtime_error(std::string("cannot write ") + path);
+}
+
 // Writes lines until the file is large enough; their number.
 int64_t WriteMap(const char* path, const Settings& settings) {
-    const std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(std::fopen(path, "wb"), std::fclose);
-    if (!file) throw std::runtime_error(std::string("cannot write ") + path);
+    File file = OpenToWrite(path);
     Lines lines(settings.seed);
     int64_t count = 0;
     double bytes = std::fprintf(file.get(), "&V X 0 0\n&R 0 0 0 0 1000 A\n&U 1\n");
@@ -103,8 +116,21 @@ int64_t WriteMap(const char* path, const Settings& settings) {
         bytes += std::fprintf(file.get(), "&L P %.2f %.2f K=%s\n L %.2f %.2f\n", line.west[0], line.south[0],
                               codes[line.code], line.west[1], line.south[1]);
     }
-    if (std::fputs("&K\n", file.get()) < 0) throw std::runtime_error(std::string("cannot write ") + path);
+    FinishWriting(file, "&K\n", path);
     return count;
+}
+
+// The same lines as a drawing of nothing but entities; GDAL would take minutes to write it.
+void WriteDrawing(const char* path, int64_t count, unsigned seed) {
+    File file = OpenToWrite(path);
+    std::fputs("0\nSECTION\n2\nENTITIES\n", file.get());
+    Lines lines(seed);
+    for (int64_t i = 0; i < count; ++i) {
+        const Line line = lines.Next();
+        std::fprintf(file.get(), "0\nLINE\n8\n1\n10\n%.2f\n20\n%.2f\n11\n%.2f\n21\n%.2f\n", -line.west[0],
+                     -line.south[0], -line.west[1], -line.south[1]);
+    }
+    FinishWriting(file, "0\nENDSEC\n0\nEOF\n", path);
 }
 
 // A layer whose features come from nothing but the random numbers: fields, lists, geometry and style as those
@@ -206,18 +232,19 @@ struct Format {
     const char* driver;
     const char* extension;
     const char* option;
+    bool isSlow;  // long enough to be measured once
 };
-constexpr Format formats[] = {{"DXF", "dxf", nullptr},
-                              {"CSV", "csv", "GEOMETRY=AS_WKT"},
-                              {"GeoJSONSeq", "geojsonl", nullptr},
-                              {"FlatGeobuf", "fgb", "SPATIAL_INDEX=NO"}};
+constexpr Format formats[] = {{"DXF", "dxf", nullptr, true},
+                              {"CSV", "csv", "GEOMETRY=AS_WKT", true},
+                              {"GeoJSONSeq", "geojsonl", nullptr, true},
+                              {"FlatGeobuf", "fgb", "SPATIAL_INDEX=NO", false}};
 
 // The lines of the map in another format, with no more fields than layer and code and without a reference
 // system, which one of the formats would reproject.
 void Translate(GDALDataset& map, const Format& format, const char* path) {
     CPLStringList arguments;
     for (const char* argument : {"-f", format.driver, "-select"}) arguments.AddString(argument);
-    arguments.AddString(EQUAL(format.driver, "DXF") ? "layer" : "layer,code");
+    arguments.AddString("layer,code");
     for (const char* argument : {"-a_srs", "NONE", "-nlt", "LINESTRING"}) arguments.AddString(argument);
     if (format.option != nullptr) {
         arguments.AddString("-lco");
@@ -254,9 +281,14 @@ std::vector<Measured> MeasureAll(const Settings& settings, const Removed& map) {
     for (const Format& format : formats) {
         const Removed file(CPLFormFilename(settings.folder.c_str(), "bench_gdal_lines", format.extension));
         VSIUnlink(file.Path());
-        Translate(*dataset, format, file.Path());
-        // Slow ones are long enough to be measured once.
-        all.push_back(Measure(format.driver, 1, [&] { return ReadLayer(*Open(file.Path())->GetLayer(0)); }));
+        if (EQUAL(format.driver, "DXF")) {
+            WriteDrawing(file.Path(), wanted.lines, settings.seed);
+        } else {
+            Translate(*dataset, format, file.Path());
+        }
+        const int repetitions = format.isSlow ? 1 : settings.repetitions;
+        all.push_back(
+            Measure(format.driver, repetitions, [&] { return ReadLayer(*Open(file.Path())->GetLayer(0)); }));
     }
     for (const Measured& measured : all) CheckSame(measured, wanted);
     if (all[1].seen.styled != wanted.lines)
