@@ -119,8 +119,7 @@ bool InputFailed(const VkmDataset& map) {
     return std::ranges::any_of(map.FileStates(), [](const FileState& file) { return file.failed; });
 }
 
-std::optional<Problem> Write(Work& work, const ConvertReports& reports, Diagnostics& diagnostics,
-                             ConvertResult& result) {
+std::optional<Problem> Write(Work& work, const ConvertReports& reports, Diagnostics& diagnostics) {
     const std::string& output = work.output;
     const std::string failed = output + ": cannot be written: ";
     StagedOutput staged(output);
@@ -140,12 +139,11 @@ std::optional<Problem> Write(Work& work, const ConvertReports& reports, Diagnost
     if (!FailedWrite().empty()) return Problem{ConvertOutcome::outputFailed, failed + FailedWrite()};
     if (!written || !diagnostics.Failure().empty())
         return Problem{ConvertOutcome::outputFailed, failed + diagnostics.Failure()};
-    if (!staged.PutInPlace(result.files, reason)) return Problem{ConvertOutcome::outputFailed, reason};
+    if (!staged.PutInPlace(reason)) return Problem{ConvertOutcome::outputFailed, reason};
     return std::nullopt;
 }
 
-std::optional<Problem> Convert(const ConvertRequest& request, const ConvertReports& reports,
-                               ConvertResult& result) {
+std::optional<Problem> Convert(const ConvertRequest& request, const ConvertReports& reports) {
     Diagnostics diagnostics(reports);
     const std::string name =
         !request.format.empty() ? request.format : std::string(CPLGetExtension(request.output.c_str()));
@@ -166,7 +164,7 @@ std::optional<Problem> Convert(const ConvertRequest& request, const ConvertRepor
         return Problem{ConvertOutcome::badRequest,
                        work.output + ": cannot be written: it is no regular file"};
     if (auto problem = ChooseLayers(*map, request.layers, work.layers)) return problem;
-    if (auto problem = Write(work, reports, diagnostics, result)) return problem;
+    if (auto problem = Write(work, reports, diagnostics)) return problem;
     for (size_t i = 0; i < request.inputs.size(); ++i) {
         if (map->FileStates()[i].truncated)
             return Problem{ConvertOutcome::incomplete, request.inputs[i] + ": its last element is lost"};
@@ -182,7 +180,7 @@ void VkmConvert(const vemrado::gdal::ConvertRequest& request, const vemrado::gda
                 vemrado::gdal::ConvertResult& result) {
     vemrado::gdal::RegisterDriver();
     GDALAllRegister();
-    if (const auto problem = vemrado::gdal::Convert(request, reports, result)) {
+    if (const auto problem = vemrado::gdal::Convert(request, reports)) {
         result.outcome = problem->outcome;
         result.problem = problem->text;
     }

@@ -35,8 +35,7 @@ enum class ConvertOutcome {
 
 struct ConvertResult {
     ConvertOutcome outcome = ConvertOutcome::complete;
-    std::string problem;             // one sentence; empty when complete
-    std::vector<std::string> files;  // what was made
+    std::string problem;  // one sentence; empty when complete
 };
 
 }  // namespace vemrado::gdal

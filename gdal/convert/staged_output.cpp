@@ -31,7 +31,7 @@ std::string StagedOutput::PathOf(const std::string& name) const {
     return CPLFormFilename(folder.c_str(), name.c_str(), nullptr);
 }
 
-bool StagedOutput::PutInPlace(std::vector<std::string>& files, std::string& reason) {
+bool StagedOutput::PutInPlace(std::string& reason) {
     const CPLStringList names(VSIReadDir(folder.c_str()));
     for (int i = 0; i < names.Count(); ++i) {
         if (EQUAL(names[i], ".") || EQUAL(names[i], "..")) continue;
@@ -40,7 +40,6 @@ bool StagedOutput::PutInPlace(std::vector<std::string>& files, std::string& reas
             reason = place + ": cannot be written: " + std::strerror(errno);
             return false;
         }
-        files.push_back(place);
     }
     return true;
 }

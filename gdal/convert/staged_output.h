@@ -3,7 +3,6 @@
 #pragma once
 
 #include <string>
-#include <vector>
 
 namespace vemrado::gdal {
 
@@ -19,9 +18,9 @@ class StagedOutput {
     bool Make(std::string& reason);
     // Where to make a file that shall stand beside the output under the name.
     std::string PathOf(const std::string& name) const;
-    // Moves every file of the folder to its place, over files of the same names; their paths are added to
-    // files. False with the reason when one cannot be moved.
-    bool PutInPlace(std::vector<std::string>& files, std::string& reason);
+    // Moves every file of the folder to its place, over files of the same names. False with the reason when
+    // one cannot be moved.
+    bool PutInPlace(std::string& reason);
 
   private:
     std::string target;  // folder of the output

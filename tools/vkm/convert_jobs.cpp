@@ -40,8 +40,8 @@ class SharedArray {
 
 class Workers {
   public:
-    Workers(size_t jobCount, size_t limit, const Jobs& toDo)
-        : count(jobCount), jobs(toDo), board(1), current(limit), processes(limit, none) {}
+    Workers(size_t jobCount, size_t limit, const Jobs& wanted)
+        : count(jobCount), jobs(wanted), board(1), current(limit), processes(limit, none) {}
 
     int Run() {
         std::signal(SIGCHLD, SIG_DFL);  // a parent that ignores it would take the results away
