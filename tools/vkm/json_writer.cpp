@@ -19,10 +19,6 @@ constexpr double thousandthsLimit = 4.5e12;
 char* FormatThousandths(int64_t thousandths, char* to) {
     if (thousandths < 0) *to++ = '-';
     const uint64_t size = static_cast<uint64_t>(thousandths < 0 ? -thousandths : thousandths);
-    if (size < 10'000 && size % 1000 == 0) {  // most values other than coordinates
-        *to = static_cast<char>('0' + size / 1000);
-        return to + 1;
-    }
     to = std::to_chars(to, to + numberRoom - 1, size / 1000).ptr;
     const uint64_t fraction = size % 1000;
     if (fraction == 0) return to;
@@ -76,6 +72,10 @@ char* PutEscaped(char letter, char escape, char* to) {
 }  // namespace
 
 char* FormatReal(double value, char* to) {
+    if (value >= 0.0 && value < 10.0 && value == static_cast<int>(value) && !std::signbit(value)) {
+        *to = static_cast<char>('0' + static_cast<int>(value));  // most values other than coordinates
+        return to + 1;
+    }
     if (std::abs(value) < thousandthsLimit) {
         const auto thousandths = static_cast<int64_t>(value * 1000.0 + (value < 0.0 ? -0.5 : 0.5));
         if (static_cast<double>(thousandths) / 1000.0 == value && (value != 0.0 || !std::signbit(value))) {
