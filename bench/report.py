@@ -1,14 +1,15 @@
 #!/usr/bin/env python3
 """Runs the measurements on generated files and prints one table: each figure, its reference, the ratio.
 
-report.py [--full], from the root of a project that is built in build/release. A figure is the minimum of several runs.
+report.py [--full], from the root of a project that is built in build/release. Times are processor time, the least of
+several runs; the ratio of an import to a pass that finds line ends is the median of those of neighbouring runs.
 """
 
 import json
 import pathlib
+import resource
 import subprocess
 import sys
-import time
 
 programs = pathlib.Path("build/release/bin")
 work = pathlib.Path("build/bench")
@@ -24,13 +25,17 @@ def run(*command):
 
 
 def seconds(*command, repeat=3):
-    """The least time that a command takes, its output thrown away."""
+    """The least processor time that a command takes, its output thrown away."""
+    def spent():
+        usage = resource.getrusage(resource.RUSAGE_CHILDREN)
+        return usage.ru_utime + usage.ru_stime
+
     times = []
     for _ in range(repeat):
-        start = time.perf_counter()
+        start = spent()
         subprocess.run([str(part) for part in command], check=True, stdout=subprocess.DEVNULL,
                        stderr=subprocess.DEVNULL)
-        times.append(time.perf_counter() - start)
+        times.append(spent() - start)
     return min(times)
 
 
@@ -60,13 +65,13 @@ def measure_import(sizes):
     first = None
     times = {}
     for size in sizes:
-        result = imported(generated(size), 5 if size <= 1 << 30 else 2)
+        result = imported(generated(size), max(3, min(41, (3 << 30) // size)))
         times[size] = result["import"]
         megabytes = result["bytes"] / 1e6
         row(f"import, {size_text(size)}, {result['elements'] / result['import'] / 1e6:.1f} M elements/s, "
             f"peak {result['peak_megabytes']} MB",
             f"{megabytes / result['import']:.0f} MB/s", "line ends only", f"{megabytes / result['line_ends']:.0f} MB/s",
-            result["import"] / result["line_ends"])
+            result["ratio"])
         per_byte = result["import"] / result["bytes"]
         if first is None:
             first = per_byte
@@ -76,22 +81,44 @@ def measure_import(sizes):
     return times
 
 
-def measure_commands(size, import_time):
-    path = generated(size)
-    for name, arguments in (("vkm info", ["info"]), ("vkm dump", ["dump"])):
-        taken = seconds(programs / "vkm", *arguments, "--quiet", path)
-        row(f"{name}, {size_text(size)}", f"{taken:.2f} s", "import alone", f"{import_time:.2f} s", taken / import_time)
+def measure_commands(times):
+    """The module's share of the commands' time: the import alone over the command."""
+    for command, size, options in (("info", 1 << 28, []), ("dump", 1 << 28, []),
+                                   ("render", 1 << 24, ["-o", work / "map.svg"])):
+        taken = seconds(programs / "vkm", command, "--quiet", generated(size), *options)
+        row(f"import alone, {size_text(size)}", f"{times[size]:.2f} s", f"vkm {command}", f"{taken:.2f} s",
+            times[size] / taken)
 
 
-def measure_parts():
-    report = json.loads(run(programs / "bench_micro", "--benchmark_format=json", "--benchmark_min_time=0.3",
+def benchmarked(program):
+    """The least processor time of each benchmark of a program, in seconds."""
+    report = json.loads(run(programs / program, "--benchmark_format=json", "--benchmark_min_time=0.3",
                             "--benchmark_repetitions=3", "--benchmark_report_aggregates_only=false"))
+    units = {"ns": 1e-9, "us": 1e-6, "ms": 1e-3, "s": 1}
     times = {}
     for entry in report["benchmarks"]:
         if entry["run_type"] == "iteration":
-            times[entry["run_name"]] = min(times.get(entry["run_name"], float("inf")), entry["cpu_time"])
+            taken = entry["cpu_time"] * units[entry["time_unit"]]
+            times[entry["run_name"]] = min(times.get(entry["run_name"], float("inf")), taken)
+    return times
 
-    def compare(figure, name, reference, reference_name, items=1, unit="us", factor=1e-3):
+
+def measure_sample():
+    times = benchmarked("bench_sample")
+    row("Open with the sample symbology", f"{times['Open'] * 1e3:.2f} ms", "goal", "2.00 ms", times["Open"] / 2e-3)
+    for name in ("Style", "Symbol"):
+        row(f"{name.lower()} of an element, looked up again", f"{times[name] * 1e9:.1f} ns", "goal", "50.0 ns",
+            times[name] / 50e-9)
+    for figure, name in (("pool on the module's allocations", "PoolOnSample"),
+                         ("the same, but for a block that stays", "HeldPoolOnSample")):
+        row(figure, f"{times[name] * 1e6:.0f} us", "malloc", f"{times['MallocOnSample'] * 1e6:.0f} us",
+            times[name] / times["MallocOnSample"])
+
+
+def measure_parts():
+    times = benchmarked("bench_micro")
+
+    def compare(figure, name, reference, reference_name, items=1, unit="us", factor=1e6):
         value, other = times[name] * factor / items, times[reference_name] * factor / items
         row(figure, f"{value:.1f} {unit}", reference, f"{other:.1f} {unit}", value / other)
 
@@ -99,8 +126,8 @@ def measure_parts():
         compare(f"{name.lower()} of 4 MB", name, "line ends in memory", "LineEnds")
     for kind, numbers in ((0, "coordinate"), (1, "number of 17 digits")):
         for reference, name in (("strtod", "NumbersStrtod"), ("std::from_chars", "NumbersFromChars")):
-            compare(f"{numbers}, in the reader", f"NumbersInReader/{kind}", reference, f"{name}/{kind}", 1000, "ns", 1)
-    compare("pool, tables loaded and dropped", "PoolOurs", "malloc", "PoolMalloc")
+            compare(f"{numbers}, in the reader", f"NumbersInReader/{kind}", reference, f"{name}/{kind}", 1000, "ns", 1e9)
+    compare("coordinate of a point, in the reader", "PointsInReader", "strtod", "NumbersStrtod/0", 1000, "ns", 1e9)
 
 
 def measure_gdal(megabytes):
@@ -139,7 +166,8 @@ def main():
     if "--full" in sys.argv[1:]:
         sizes += [1 << 32, 5 << 30]
     times = measure_import(sizes)
-    measure_commands(1 << 28, times[1 << 28])
+    measure_commands(times)
+    measure_sample()
     measure_parts()
     measure_gdal(1000 if "--full" in sys.argv[1:] else 64)
     print_table()

@@ -1,9 +1,10 @@
-// Repeated timings of one job and what to say of them.
+// Repeated timings of one job and what to say of them. Processor time, so that other programs disturb little.
 
 #pragma once
 
 #include <algorithm>
-#include <chrono>
+#include <ctime>
+#include <functional>
 #include <vector>
 
 class Samples {
@@ -11,19 +12,27 @@ class Samples {
     // Runs the job and keeps the seconds that it took.
     template <class Job>
     void Time(Job job) {
-        const auto start = std::chrono::steady_clock::now();
+        const std::clock_t start = std::clock();
         job();
-        seconds.push_back(std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count());
+        seconds.push_back(static_cast<double>(std::clock() - start) / CLOCKS_PER_SEC);
     }
 
     double Minimum() const { return *std::min_element(seconds.begin(), seconds.end()); }
-    double Median() const {
-        std::vector<double> sorted = seconds;
-        std::nth_element(sorted.begin(), sorted.begin() + static_cast<std::ptrdiff_t>(sorted.size() / 2),
-                         sorted.end());
-        return sorted[sorted.size() / 2];
+    double Median() const { return MedianOf(seconds); }
+    // The median of the quotients of as many samples taken in turn.
+    double MedianRatio(const Samples& reference) const {
+        std::vector<double> ratios(seconds.size());
+        std::transform(seconds.begin(), seconds.end(), reference.seconds.begin(), ratios.begin(),
+                       std::divides());
+        return MedianOf(ratios);
     }
 
   private:
+    static double MedianOf(std::vector<double> values) {
+        const auto middle = values.begin() + static_cast<std::ptrdiff_t>(values.size() / 2);
+        std::nth_element(values.begin(), middle, values.end());
+        return *middle;
+    }
+
     std::vector<double> seconds;
 };
