@@ -33,6 +33,11 @@ enum class ConvertOutcome {
     stopped,
 };
 
+// Name of the folder beside an output in which a process makes it.
+inline std::string StagingFolderName(unsigned long process) {
+    return ".vkm-convert." + std::to_string(process);
+}
+
 struct ConvertResult {
     ConvertOutcome outcome = ConvertOutcome::complete;
     std::string problem;  // one sentence; empty when complete

@@ -8,11 +8,12 @@
 #include <cstring>
 
 #include "client/system.h"
+#include "converter.h"
 
 namespace vemrado::gdal {
 
 StagedOutput::StagedOutput(const std::string& output) : target(CPLGetDirname(output.c_str())) {
-    const std::string name = ".vkm-convert." + std::to_string(client::ProcessNumber());
+    const std::string name = StagingFolderName(client::ProcessNumber());
     folder = CPLFormFilename(target.c_str(), name.c_str(), nullptr);
 }
 

@@ -191,6 +191,21 @@ class Convert(unittest.TestCase):
                 self.assertIn("stopped", said)
                 self.assertFalse(os.path.exists(self.path("out.gpkg")) or os.path.exists(self.path("out", "long.gpkg")))
 
+    def test_process_that_is_killed_is_replaced(self):
+        made = MadeMap(13, 1000)
+        made.rows[3:-1] *= 100
+        self.write("long.vkm", made.bytes())
+        self.write("other.vkm", MAP.bytes())
+        run = subprocess.Popen([VKM, "convert", "long.vkm", "map.vkm", "other.vkm", "-o", "out/", "--format", "fgb"],
+                               cwd=self.folder, stderr=subprocess.PIPE, text=True)
+        while not self.left_behind() and run.poll() is None:
+            time.sleep(0.01)
+        os.kill(int(self.left_behind()[0].split(".")[-1]), signal.SIGKILL)
+        said = run.communicate()[1]
+        self.assertEqual((3, []), (run.returncode, self.left_behind()), said)
+        self.assertIn("long.vkm", said)
+        self.assertEqual({f"{name}_{layer}.fgb" for name in ("map", "other") for layer in COUNTS}, set(os.listdir(self.path("out"))))
+
     def test_standard_input(self):
         with open(self.path("map.vkm"), "rb") as piped:
             self.convert("-", "-o", "piped.fgb", "--layers", "lines", stdin=piped)

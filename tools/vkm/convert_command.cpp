@@ -171,7 +171,10 @@ int RunMany(const std::vector<gdal::ConvertRequest>& requests, int processes, En
     jobs.progress = [&](size_t finished) {
         bar.Draw(static_cast<double>(finished) / static_cast<double>(requests.size()));
     };
-    jobs.broken = [&](size_t i, int signal) -> int {
+    jobs.broken = [&](size_t i, unsigned long process, int signal) -> int {
+        std::error_code none;
+        std::filesystem::remove_all(
+            std::filesystem::path(requests[i].output) / gdal::StagingFolderName(process), none);
         environment.Error(client::SystemTextToUtf8(requests[i].inputs.front()) +
                           ": the process that converted it was ended by signal " + std::to_string(signal));
         return exitInternal;

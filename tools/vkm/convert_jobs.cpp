@@ -91,12 +91,13 @@ class Workers {
         int status = 0;
         if (processes[place] == none || waitpid(processes[place], &status, WNOHANG) != processes[place])
             return;
+        const auto number = static_cast<unsigned long>(processes[place]);
         processes[place] = none;
         if (WIFEXITED(status)) {
             code = std::max(code, WEXITSTATUS(status));
             return;
         }
-        code = std::max(code, jobs.broken(current[place], WTERMSIG(status)));
+        code = std::max(code, jobs.broken(current[place], number, WTERMSIG(status)));
         if (board[0].next < count) Start(place);
     }
 

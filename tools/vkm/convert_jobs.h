@@ -12,8 +12,9 @@ struct Jobs {
     std::function<int(size_t)> work;
     // Called in this process now and then with the number of jobs that are done.
     std::function<void(size_t)> progress;
-    // Called in this process when the one that did job i was ended by a signal; returns an exit code.
-    std::function<int(size_t, int)> broken;
+    // Called in this process when the one of that number was ended by a signal in job i; returns an exit
+    // code.
+    std::function<int(size_t i, unsigned long process, int signal)> broken;
 };
 
 // Does every job below count, each once, in up to so many processes at a time; one that breaks is replaced.
