@@ -73,7 +73,8 @@ class CVKMInterface {
     //   axisOrientation  as SetAxisOrientation
     //   gpScale          accepted, not used
     //   flags            flgSymbols, flgSymbolsByGPScale, or both
-    // Returns 1 when the file is open, 0 when it could not be opened (settings are unchanged then).
+    // Returns 1 when the file is open, 0 when it could not be opened (settings are unchanged then) or when memory
+    // ran out on the way (settings may be the new ones).
     virtual int Open(const char* fileName, int loadSymbology, const char* layerName, int axisOrientation,
                      double gpScale, int flags) = 0;
 
