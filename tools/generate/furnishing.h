@@ -12,10 +12,8 @@ namespace generate {
 class Furnisher {
   public:
     // paper: metres on the ground for a millimetre on paper.
-    Furnisher(const Country& country, const Names& names, Drawing& drawing, Random& random, double paper,
-              int firstHouse)
-        : country_(country),
-          names_(names),
+    Furnisher(const Names& names, Drawing& drawing, Random& random, double paper, int firstHouse)
+        : names_(names),
           drawing_(drawing),
           random_(random),
           builder_(drawing, random),
@@ -40,7 +38,6 @@ class Furnisher {
     Point Inside() const;
     Path Closed(const Ring& ring) const;
 
-    const Country& country_;
     const Names& names_;
     Drawing& drawing_;
     Random& random_;

@@ -56,7 +56,7 @@ class SheetPainter {
         std::vector<Parcel> parcels;
         ParcelPlanner planner(country_, net_, random_, 1 + place * firstNumberStep);
         for (const Block& block : plan.blocks) planner.Divide(block, parcels);
-        Furnisher furnisher(country_, names_, drawing_, random_, paper_, 1 + place * firstHouseStep);
+        Furnisher furnisher(names_, drawing_, random_, paper_, 1 + place * firstHouseStep);
         for (Parcel& parcel : parcels) furnisher.Furnish(net_, parcel);
     }
 
