@@ -200,6 +200,7 @@ TEST_P(Faults, EveryReadFails) {
 
 TEST_P(Faults, EveryOpenFails) {
     int changed = 0;
+    int shapeFileBoxes = 0;
     for (int n = 1; opens >= n - 1; ++n) {
         SCOPED_TRACE(n);
         files.files.failingOpen = n;
@@ -209,9 +210,14 @@ TEST_P(Faults, EveryOpenFails) {
         EXPECT_EQ(reading.fileErrors, 0);
         changed += reading.styles != expected.styles;
         constexpr int mapAndTables = 7;  // two tables are opened twice
-        EXPECT_EQ(files.boxes.count, n <= mapAndTables ? 1 : 0) << files.boxes.texts;
+        if (n > mapAndTables) {
+            shapeFileBoxes += files.boxes.count;
+        } else {
+            EXPECT_EQ(files.boxes.count, 1) << files.boxes.texts;
+        }
     }
     EXPECT_GT(changed, 2);
+    EXPECT_LE(shapeFileBoxes, 1);  // in the life of the module, so that an earlier test may have had it
 }
 
 TEST_P(Faults, EveryReadMeetsAFileThatShrinksOrGrows) {
