@@ -110,7 +110,7 @@ def measure_sample():
         row(f"{name.lower()} of an element, looked up again", f"{times[name] * 1e9:.1f} ns", "goal", "50.0 ns",
             times[name] / 50e-9)
     for figure, name in (("pool on the module's allocations", "PoolOnSample"),
-                         ("the same, but for a block that stays", "HeldPoolOnSample")):
+                         ("the same, without the system", "HeldPoolOnSample")):
         row(figure, f"{times[name] * 1e6:.0f} us", "malloc", f"{times['MallocOnSample'] * 1e6:.0f} us",
             times[name] / times["MallocOnSample"])
 
