@@ -142,15 +142,14 @@ double ParseHexadecimal(std::string_view text) {
     return ParseDigits(text.substr(0, text.find("+-")), std::chars_format::hex);
 }
 
-// A number without white space and sign before it.
+// A number without white space and sign before it: digits, inf or nan.
 double ParseMagnitude(std::string_view text) {
     if (StartsWithDigits(text, 10)) {
         const bool hex = StartsWithWord(text, "0x") && StartsWithDigits(text.substr(2), 16);
         return hex ? ParseHexadecimal(text.substr(2)) : ParseDigits(text, std::chars_format::general);
     }
     if (StartsWithWord(text, "inf")) return std::numeric_limits<double>::infinity();
-    if (StartsWithWord(text, "nan")) return NotANumber(text.substr(3));
-    return 0;
+    return NotANumber(text.substr(3));
 }
 
 bool StartsWithNumber(std::string_view text) {
