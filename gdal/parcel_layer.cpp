@@ -37,10 +37,8 @@ OGRFeature* ParcelLayer::Make(size_t index) {
 
 OGRFeature* ParcelLayer::GetNextFeature() {
     while (next < Parcels().size()) {
-        const size_t index = next++;
-        if (m_poFilterGeom != nullptr && FilterGeometry(parcels[index].shape.get()) == 0) continue;
-        std::unique_ptr<OGRFeature> feature(Make(index));
-        if (m_poAttrQuery != nullptr && m_poAttrQuery->Evaluate(feature.get()) == 0) continue;
+        std::unique_ptr<OGRFeature> feature(Make(next++));
+        if (!Passes(*feature)) continue;
         ++m_nFeaturesRead;
         return feature.release();
     }
