@@ -99,12 +99,15 @@ class MessageBoxes {
 
     std::string texts;  // each followed by "|"
     int count = 0;
+    // Those about a shape file, of all objects: the module shows one in its life.
+    static inline int ofShapeFiles = 0;
 
   private:
     static int Take(void* context, const char* text, unsigned int) {
         auto* self = static_cast<MessageBoxes*>(context);
         self->texts.append(text).append("|");
         ++self->count;
+        if (std::strstr(text, "Symbol file does not exist") != nullptr) ++ofShapeFiles;
         return 1;
     }
 };
