@@ -11,7 +11,7 @@
 #include <vector>
 
 #include "framework/framework.h"
-#include "support/code_map.h"
+#include "support/code_index.h"
 #include "tables/kokes_tables.h"
 
 namespace {

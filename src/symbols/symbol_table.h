@@ -10,7 +10,7 @@
 #include <string_view>
 #include <utility>
 
-#include "support/code_map.h"
+#include "support/code_index.h"
 #include "support/containers.h"
 #include "support/pool_pointer.h"
 #include "support/table_text.h"
@@ -68,8 +68,8 @@ class CKokesSymbols {
     int32_t RegisterSymbol(const CSymbol& symbol);
     CSymbolShapes* GetShapes(int32_t fileIndex);
 
-    CodeMap<CSymbol> kokesSymbols;
-    CodeMap<CSymbol> vkmSymbols;
+    CodeIndex<CSymbol> kokesSymbols;
+    CodeIndex<CSymbol> vkmSymbols;
     Array<CSymbolFile> files;
     CPointPattern pattern;
     Array<std::pair<String, int32_t>> filesByName;  // names in lower case with their index, sorted

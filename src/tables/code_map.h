@@ -4,7 +4,7 @@
 
 #include <cstdint>
 
-#include "support/code_map.h"
+#include "support/code_index.h"
 #include "support/containers.h"
 #include "support/table_text.h"
 
@@ -25,7 +25,7 @@ class CKokesCodeMap {
 
     String path;
     TableFile file;
-    CodeMap<int32_t> map;
+    CodeIndex<int32_t> map;
 };
 
 }  // namespace vemrado

@@ -7,7 +7,7 @@
 #include <cstdint>
 #include <string_view>
 
-#include "support/code_map.h"
+#include "support/code_index.h"
 #include "support/containers.h"
 #include "support/pool_pointer.h"
 #include "support/table_text.h"
@@ -72,7 +72,7 @@ class CKokesTables {
     TableFile lineTypeFile;
     CKokesColorTable colorTable;
     Array<PoolPointer<DashPattern>> patterns;  // by pattern number; null: no such pattern
-    CodeMap<CLineDefinition> lineDefinitions;
+    CodeIndex<CLineDefinition> lineDefinitions;
     CKokesLayerTable layers;
     CKokesCodeMap codeMap;
     CKokesSymbols symbols;

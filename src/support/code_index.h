@@ -16,7 +16,7 @@ namespace vemrado {
 constexpr size_t bucketCountWhenRead = 1009;
 
 template <class Value>
-class CodeMap {
+class CodeIndex {
   public:
     struct Entry {
         int32_t code;
@@ -42,7 +42,7 @@ class CodeMap {
         }
         return nullptr;
     }
-    Value* Find(int32_t code) { return const_cast<Value*>(static_cast<const CodeMap*>(this)->Find(code)); }
+    Value* Find(int32_t code) { return const_cast<Value*>(static_cast<const CodeIndex*>(this)->Find(code)); }
 
     // The first value of a code stays.
     void Add(int32_t code, const Value& value) {

@@ -1,4 +1,4 @@
-#include "support/code_map.h"
+#include "support/code_index.h"
 
 #include <gtest/gtest.h>
 
@@ -11,10 +11,10 @@ namespace {
 
 constexpr int32_t codeCount = 20000;
 
-TEST(CodeMapTest, KeepsChainsShortWhateverTheStepOfItsCodes) {
+TEST(CodeIndexTest, KeepsChainsShortWhateverTheStepOfItsCodes) {
     // Among them the numbers of buckets that the map goes through.
     for (const int32_t step : {1, -1, 2, 10, 1009, 2019, 4039, 8079, 16159, 32319, 65536}) {
-        CodeMap<int32_t> codes;
+        CodeIndex<int32_t> codes;
         codes.Prepare();
         for (int32_t i = 0; i < codeCount; ++i) codes.Add(i * step, i);
         EXPECT_LT(codes.LongestChain(), 12u) << "in steps of " << step;
@@ -23,10 +23,10 @@ TEST(CodeMapTest, KeepsChainsShortWhateverTheStepOfItsCodes) {
     }
 }
 
-TEST(CodeMapTest, StaysAsItWasWithoutMemory) {
+TEST(CodeIndexTest, StaysAsItWasWithoutMemory) {
     int32_t most = 0;
     for (int requests = 0; requests < 8; ++requests) {
-        CodeMap<int32_t> codes;
+        CodeIndex<int32_t> codes;
         EXPECT_EQ(codes.Find(0), nullptr);
         int32_t count = 0;
         platform::memoryCallsLeft = requests;
