@@ -98,27 +98,13 @@ void Compare(const FileTexts& texts, Looked looked) {
     Require(files.files.openFiles == 0, "every file is closed");
 }
 
-void CompareLineTypes(std::string_view bytes) {
+// Bytes as one table among the fixed ones.
+void CompareAs(const char* name, Looked looked, std::string_view bytes) {
     if (HasHeavyNumber(bytes)) return;
     FileTexts texts = FixedTexts();
-    texts["WKOKES.CAR"] = bytes;
-    Compare(texts, Looked::lines);
-}
-
-void CompareCodes(std::string_view bytes) {
-    if (HasHeavyNumber(bytes)) return;
-    FileTexts texts = FixedTexts();
-    AddSymbols(texts);
-    texts["DKM1_3.TB"] = bytes;
-    Compare(texts, Looked::both);
-}
-
-void CompareSymbolTable(std::string_view bytes) {
-    if (HasHeavyNumber(bytes)) return;
-    FileTexts texts = FixedTexts();
-    AddSymbols(texts);
-    texts["WKOKES.SYM"] = bytes;
-    Compare(texts, Looked::symbols);
+    if (looked != Looked::lines) AddSymbols(texts);
+    texts[name] = bytes;
+    Compare(texts, looked);
 }
 
 // The colour table by itself: every colour and width.
@@ -149,9 +135,12 @@ void CompareColors(std::string_view bytes) {
 }
 
 const Target colorTarget("color_table", CompareColors);
-const Target lineTypeTarget("line_types", CompareLineTypes);
-const Target codeTarget("code_tables", CompareCodes);
-const Target symbolTarget("symbol_table", CompareSymbolTable);
+const Target lineTypeTarget("line_types",
+                            [](std::string_view bytes) { CompareAs("WKOKES.CAR", Looked::lines, bytes); });
+const Target codeTarget("code_tables",
+                        [](std::string_view bytes) { CompareAs("DKM1_3.TB", Looked::both, bytes); });
+const Target symbolTarget("symbol_table",
+                          [](std::string_view bytes) { CompareAs("WKOKES.SYM", Looked::symbols, bytes); });
 
 }  // namespace
 }  // namespace vemrado_fuzz

@@ -5,8 +5,9 @@
 #include <gtest/gtest.h>
 
 #include <cstdlib>
-#include <filesystem>
 #include <fstream>
+
+#include "temporary_directory.h"
 
 namespace vemrado_test {
 namespace {
@@ -41,10 +42,7 @@ TEST(DataDirectories, PathsAreJoinedByABackslash) {
 class Registry : public testing::Test {
   protected:
     Registry() { setenv("VEMRADO_REGISTRY", path.c_str(), 1); }
-    ~Registry() override {
-        unsetenv("VEMRADO_REGISTRY");
-        std::filesystem::remove(path);
-    }
+    ~Registry() override { unsetenv("VEMRADO_REGISTRY"); }
     // Values of the native key and of the 32-bit view's, as lines of the file.
     void Write(const std::string& native, const std::string& narrow) {
         std::ofstream(path)
@@ -53,7 +51,8 @@ class Registry : public testing::Test {
             << narrow << "\n";
     }
 
-    const std::string path = testing::TempDir() + "vemrado_directories.reg";
+    const TemporaryDirectory directory;
+    const std::string path = directory.Path("directories.reg");
 };
 
 TEST_F(Registry, NamesTheDirectories) {
