@@ -12,7 +12,9 @@
 
 #include "framework/framework.h"
 #include "memory_files.h"
+#include "platform/memory_faults.h"
 #include "platform/platform.h"
+#include "platform/reg_file.h"
 #include "temporary_directory.h"
 
 namespace vemrado::platform {
@@ -160,6 +162,8 @@ TEST_F(PosixRegistryTest, TakesTheFirstFileThatExists) {
     EXPECT_EQ(LocalPath(), "none") << "the configuration directory is set";
     unsetenv("XDG_CONFIG_HOME");
     EXPECT_EQ(LocalPath(), "home");
+    unsetenv("HOME");
+    EXPECT_EQ(LocalPath(), "none");
     setenv("XDG_CONFIG_HOME", directory.Path("config").c_str(), 1);
     directory.Write("config/vemrado/registry.reg", RegistryFile("config"));
     EXPECT_EQ(LocalPath(), "config");
@@ -176,7 +180,12 @@ TEST_F(PosixRegistryTest, TakesTheFirstFileThatExists) {
     EXPECT_EQ(LocalPath(), "provided");
     files[directory.Path("own.reg")] = RegistryFile(std::string(300000, 'x'));
     EXPECT_EQ(LocalPath(), std::string(300000, 'x'));
+    memoryCallsLeft = 1;
+    EXPECT_EQ(LocalPath(), "none") << "no memory for more than the first piece";
+    memoryCallsLeft = -1;
     files.failingRead = files.reads + 2;
+    EXPECT_EQ(LocalPath(), "none");
+    files[directory.Path("own.reg")] += std::string(largestRegFile, '\n');
     EXPECT_EQ(LocalPath(), "none");
 }
 

@@ -48,7 +48,7 @@ TEST(RegFileTest, ReadsEveryFormOfValue) {
         std::string value;
     } cases[] = {
         {"\"v\"=\"text\"", WithZero("1:text")},
-        {"  \"V\" = \"text\" ; comment", WithZero("1:text")},
+        {" \t\"V\"\t= \"text\" ; comment", WithZero("1:text")},
         {"\"v\"=\"\"", WithZero("1:")},
         {"\"v\"=\"C:\\\\Maps\\\\ \\\"new\\\"\"", WithZero("1:C:\\Maps\\ \"new\"")},
         {"\"v\"=\"a;b]\"", WithZero("1:a;b]")},
@@ -63,9 +63,9 @@ TEST(RegFileTest, ReadsEveryFormOfValue) {
         {"\"v\"=hex(2):25,00,41,00,0d,01,00,00", WithZero("2:%A\xC4\x8D")},
         {"\"v\"=hex(1):41,00,00,00", WithZero("1:A")},
         {"\"v\"=hex(7):41,00,00,00,42,00,00,00,00,00", std::string("7:A\0B\0\0", 7)},
-        {"\"v\"=hex(2):3d,d8,00,de,00,d8,41,00,00,dc,3d,d8",
+        {"\"v\"=hex(2):3d,d8,00,de,00,d8,41,00,00,dc,3d,d8,00,e0",
          "2:\xF0\x9F\x98\x80\xEF\xBF\xBD"
-         "A\xEF\xBF\xBD\xEF\xBF\xBD"},
+         "A\xEF\xBF\xBD\xEF\xBF\xBD\xEE\x80\x80"},
         {"\"w\"=\"other\"\n\"v\"=\"after line feed\"", WithZero("1:after line feed")},
         {"\"v\"=\"first\"\r\"v\"=\"second\"", WithZero("1:second")},
         {"\"v\"=\"first\"\r\n\"V\"=-", "none"},
@@ -108,6 +108,8 @@ TEST(RegFileTest, FindsItsKey) {
         {"[HKEY_LOCAL_MACHINE\\Software\\K]\n\"v\"=hex:1\n[-HKEY_LOCAL_MACHINE\\software\\k]\n\"v\"=hex:2",
          "none"},
         {"[HKEY_LOCAL_MACHINE\\Software\\K]\n\"v\"=hex:1\n[-HKEY_LOCAL_MACHINE\\Software]", "none"},
+        {"[HKEY_LOCAL_MACHINE\\Software\\K]\n\"v\"=hex:1\n[-HKEY_LOCAL_MACHINE]", "none"},
+        {"[HKEY_LOCAL_MACHINE\\Software\\K]\n\"v\"=hex:1\n[]\n\"v\"=hex:2", "3:\1"},
         {"[HKEY_LOCAL_MACHINE\\Software\\K]\n\"v\"=hex:1\n[-HKEY_LOCAL_MACHINE\\Soft]", "3:\1"},
         {"[HKEY_LOCAL_MACHINE\\Software\\K]\n\"v\"=hex:1\n[-HKEY_LOCAL_MACHINE\\Software\\K\\L]", "3:\1"},
     };

@@ -157,7 +157,12 @@ TEST_F(MemoryPoolTest, DamagedWordsChangeNothing) {
         EXPECT_EQ(pool.FreeCount(), 1);
     }
     Peer::SetTrailer(damaged, good);
-    // A free neighbour whose far word does not fit its near one.
+    // A free neighbour whose far word does not fit its near one, before the block and after it.
+    char* rest = Peer::LastFreeBlock(pool);
+    const uint32_t goodOfRest = Peer::Trailer(rest);
+    Peer::SetTrailer(rest, 4 | pool::freeBit);
+    EXPECT_EQ(pool.Free(neighbour), 0);
+    Peer::SetTrailer(rest, goodOfRest);
     EXPECT_EQ(neighbour + 32, damaged);
     EXPECT_EQ(pool.Free(damaged), 1);
     Peer::SetTrailer(damaged, 4);

@@ -103,7 +103,7 @@ TEST(NumbersTest, ReadsRealsAsTheCLibraryDoes) {
         "0x1.8p-1075|0x1.000001p-1075|0x.0000000001p-1040|0x1p99999999999|-0x1p-99999999999|"
         "0x1.fffffffffffffp-1023|0x0.fffffffffffff8p-1022|0x0p5|0x123456789abcdef0123|inf|-INF|"
         "infinity|Infinitx|in|nan|-nan|NAN(|nan()|nan(123)|nan(0x7fffffffffffff)|nan(017)|"
-        "nan(08)|nan(99999999999999999999999)|nan(abc_1)|nan(1 )|nano|0x1p-1022junk";
+        "nan(08)|nan(99999999999999999999999)|nan(abc_1)|nan(1 )|nan(1{)|nano|0x1p-1022junk";
     ForEach(texts, ExpectSameReal);
     ExpectSameReal(std::string("12") + '\0' + "34");
     ExpectSameReal("0." + std::string(400, '0') + "1e401");
