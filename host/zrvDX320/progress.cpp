@@ -13,6 +13,7 @@ namespace {
 struct InfoWindow {
     std::string text;
     int interruptsBefore;  // at its opening: only a later one is a request to stop this window's work
+    bool onTerminal;       // at its opening: the question is too slow for every call
     size_t drawn;          // columns that the last line took
     int percent;           // what the last call showed or would have shown; -1 before the first
 };
@@ -43,10 +44,10 @@ std::string BarLine(const std::string& text, int columns, int percent) {
 void Draw(InfoWindow& window, int maximum, int position) {
     if (maximum <= 0) return;
     const int percent = static_cast<int>(100LL * std::clamp(position, 0, maximum) / maximum);
-    // Some hosts call far more often than the number changes, and asking for the terminal takes its time.
+    // Some hosts call far more often than the number changes.
     if (percent == window.percent) return;
     window.percent = percent;
-    const int columns = visible ? TerminalColumns() : 0;
+    const int columns = visible && window.onTerminal ? TerminalColumns() : 0;
     if (columns == 0) return;
     const std::string line = BarLine(window.text, columns, percent);
     WriteTerminal(("\r" + line).c_str());
@@ -65,8 +66,8 @@ void Erase(const InfoWindow& window) {
 void* create_info_ext(const char* const* lines, int count, const char* text, const char*) {
     const char* caption = text != nullptr ? text : (lines != nullptr && count > 0) ? lines[0] : nullptr;
     try {
-        auto* window =
-            new InfoWindow{windows1250::ToUtf8(caption != nullptr ? caption : ""), InterruptCount(), 0, -1};
+        auto* window = new InfoWindow{windows1250::ToUtf8(caption != nullptr ? caption : ""),
+                                      InterruptCount(), TerminalColumns() != 0, 0, -1};
         if (openWindows++ == 0) WatchInterrupts();
         return window;
     } catch (const std::bad_alloc&) {
