@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <string>
 
-#include "interface/messages.h"
+#include "messages/messages.h"
 #include "symbols/shape_bytes.h"
 #include "tables/kokes_tables.h"
 #include "tables/naive_tables.h"

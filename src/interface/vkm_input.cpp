@@ -4,7 +4,7 @@
 #include <new>
 
 #include "framework/framework.h"
-#include "interface/messages.h"
+#include "messages/messages.h"
 #include "platform/platform.h"
 #include "vkm/element_loop.h"
 #include "zrvDX320/zrvDX320.h"

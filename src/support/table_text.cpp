@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "interface/messages.h"
+#include "messages/messages.h"
 #include "platform/ascii_case.h"
 #include "support/numbers.h"
 

@@ -5,7 +5,7 @@
 #include <utility>
 
 #include "framework/framework.h"
-#include "interface/messages.h"
+#include "messages/messages.h"
 #include "support/data_directories.h"
 #include "symbols/symbol_table.h"
 

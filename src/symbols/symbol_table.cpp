@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "interface/messages.h"
+#include "messages/messages.h"
 #include "platform/ascii_case.h"
 #include "support/data_directories.h"
 #include "support/numbers.h"

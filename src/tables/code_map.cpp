@@ -1,6 +1,6 @@
 #include "tables/code_map.h"
 
-#include "interface/messages.h"
+#include "messages/messages.h"
 
 namespace vemrado {
 

@@ -1,6 +1,6 @@
 #include "tables/color_table.h"
 
-#include "interface/messages.h"
+#include "messages/messages.h"
 #include "platform/ascii_case.h"
 #include "support/numbers.h"
 #include "tables/indexed_insertion.h"

@@ -1,6 +1,6 @@
 #include "tables/kokes_tables.h"
 
-#include "interface/messages.h"
+#include "messages/messages.h"
 #include "support/data_directories.h"
 
 namespace vemrado {

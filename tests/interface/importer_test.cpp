@@ -5,7 +5,7 @@
 #include <stdexcept>
 
 #include "interface/importer.h"
-#include "interface/messages.h"
+#include "messages/messages.h"
 #include "memory_files.h"
 #include "vemrado/vkm_details.h"
 

@@ -4,7 +4,7 @@
 
 #include <gtest/gtest.h>
 
-#include "interface/messages.h"
+#include "messages/messages.h"
 #include "memory_files.h"
 #include "platform/memory_faults.h"
 

@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "interface/messages.h"
+#include "messages/messages.h"
 #include "shape_bytes.h"
 #include "symbols/symbol_table.h"
 #include "tables/symbology_files.h"

@@ -4,7 +4,7 @@
 
 #include <gtest/gtest.h>
 
-#include "interface/messages.h"
+#include "messages/messages.h"
 #include "symbology_files.h"
 
 namespace vemrado_test {

@@ -5,7 +5,7 @@
 
 #include <random>
 
-#include "interface/messages.h"
+#include "messages/messages.h"
 #include "naive_tables.h"
 #include "symbology_files.h"
 #include "symbols/shape_bytes.h"

@@ -3,7 +3,7 @@
 #include <new>
 
 #include "framework/framework.h"
-#include "interface/messages.h"
+#include "messages/messages.h"
 #include "support/memory_pool.h"
 #include "zrv320/zrv320.h"
 

@@ -1,11 +1,11 @@
-// Points and boxes of drawings.
+// Points and boxes.
 
 #pragma once
 
 #include <algorithm>
 #include <limits>
 
-namespace vemrado::draw {
+namespace vemrado::map {
 
 // On the ground in metres with y up, on paper in millimetres with y down.
 struct Point {
@@ -36,4 +36,4 @@ struct Box {
     Box Grown(double by) const { return {minX - by, minY - by, maxX + by, maxY + by}; }
 };
 
-}  // namespace vemrado::draw
+}  // namespace vemrado::map

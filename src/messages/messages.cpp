@@ -1,4 +1,4 @@
-#include "interface/messages.h"
+#include "messages/messages.h"
 
 #include <cstddef>
 #include <iterator>
