@@ -1,0 +1,70 @@
+// Parcels: what the boundary lines of a map enclose, with the numbers that lie inside, and what is wrong with
+// them.
+
+#pragma once
+
+#include <cstdint>
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "map/boundary_net.h"
+#include "map/polygonizer.h"
+
+namespace vemrado::map {
+
+// Layers of the file whose lines bound parcels and whose texts are their numbers.
+struct ParcelLayers {
+    int boundaries = 1;
+    int numbers = 2;
+};
+
+struct Parcel {
+    Area area;
+    std::string number;  // the first text inside, UTF-8; empty: none
+    int texts = 0;       // number texts inside
+};
+
+struct ParcelNumber {
+    Point place;
+    std::string text;
+    uint32_t source = 0;
+};
+
+// An end of a boundary that meets no other.
+struct FreeEnd {
+    static constexpr double farthestGap = 10;  // m
+
+    Point place;
+    double gap = 0;  // to the nearest other free end, m; infinite when that is farther than farthestGap
+};
+
+struct Parcels {
+    std::vector<Parcel> parcels;
+    std::vector<FreeEnd> freeEnds;
+    std::vector<Point> cutPieces;       // runs of boundary between others that close nothing
+    std::vector<Point> crossings;       // boundaries that cross at no point of theirs
+    std::vector<ParcelNumber> outside;  // numbers in no parcel
+    bool tooManyCrossings = false;      // so many that no parcel was made
+};
+
+// Takes the boundaries and numbers of a map, or of many neighbours, and gives their parcels. Memory grows
+// with the boundaries, by about 400 bytes a segment. Points are finite and at most 1e9 from 0.
+class ParcelBuilder {
+  public:
+    // A stroke of two points or more; source is the number of the sheet that it comes from.
+    void AddBoundary(std::span<const Point> stroke, uint32_t source = 0) { net.Add(stroke, source); }
+    void AddNumber(Point place, std::string_view text, uint32_t source = 0) {
+        numbers.push_back({place, std::string(text), source});
+    }
+
+    // The builder is used up.
+    Parcels Build();
+
+  private:
+    BoundaryNet net;
+    std::vector<ParcelNumber> numbers;
+};
+
+}  // namespace vemrado::map
