@@ -10,34 +10,47 @@ constexpr FieldSchema parcelFields[] = {{"number", OFTString, "Parcel number, th
                                         {"area", OFTReal, "Area of the polygon"}};
 constexpr LayerSchema parcelSchema = {"parcels", wkbPolygon, parcelFields};
 
+OGREnvelope EnvelopeOf(const FileParcel& made) {
+    const map::Box& bounds = made.parcel.area.bounds;
+    OGREnvelope envelope;
+    envelope.Merge(bounds.minX, bounds.minY);
+    envelope.Merge(bounds.maxX, bounds.maxY);
+    return envelope;
+}
+
 }  // namespace
 
-ParcelLayer::ParcelLayer(Source& read, const ParcelLayers& chosen, const OGRSpatialReference* reference)
+ParcelLayer::ParcelLayer(Source& read, const map::ParcelLayers& chosen, const OGRSpatialReference* reference)
     : MapLayer(parcelSchema, read, reference), source(read), layers(chosen) {}
 
-const std::vector<Parcel>& ParcelLayer::Parcels() {
+const std::vector<FileParcel>& ParcelLayer::Parcels() {
     if (!built) parcels = BuildParcels(source, layers);
     built = true;
     return parcels;
 }
 
 OGRFeature* ParcelLayer::Make(size_t index) {
-    const Parcel& parcel = parcels[index];
+    const FileParcel& made = parcels[index];
+    const map::Parcel& parcel = made.parcel;
     auto feature = new OGRFeature(definition.Get());
     if (parcel.texts > 0) feature->SetField(parcelNumber, parcel.number.c_str());
     feature->SetField(parcelTexts, parcel.texts);
-    feature->SetField(parcelArea, parcel.shape->get_Area());
-    SetSource(*feature, source.names[parcel.source]);
-    OGRGeometry* shape = parcel.shape->clone();
+    feature->SetField(parcelArea, parcel.area.size);
+    SetSource(*feature, source.names[made.source]);
+    std::unique_ptr<OGRPolygon> shape = made.Shape();
     shape->assignSpatialReference(definition.Reference());
-    feature->SetGeometryDirectly(shape);
+    feature->SetGeometryDirectly(shape.release());
     feature->SetFID(static_cast<GIntBig>(index) + 1);
     return feature;
 }
 
 OGRFeature* ParcelLayer::GetNextFeature() {
     while (next < Parcels().size()) {
-        std::unique_ptr<OGRFeature> feature(Make(next++));
+        const size_t index = next++;
+        const bool near =
+            m_poFilterGeom == nullptr || EnvelopeOf(parcels[index]).Intersects(m_sFilterEnvelope) != 0;
+        if (!near) continue;
+        std::unique_ptr<OGRFeature> feature(Make(index));
         if (!Passes(*feature)) continue;
         ++m_nFeaturesRead;
         return feature.release();
@@ -66,11 +79,7 @@ GIntBig ParcelLayer::GetFeatureCount(int force) {
 OGRErr ParcelLayer::GetExtent(OGREnvelope* extent, int force) {
     if (!built && force == 0) return OGRERR_FAILURE;
     OGREnvelope all;
-    for (const Parcel& parcel : Parcels()) {
-        OGREnvelope one;
-        parcel.shape->getEnvelope(&one);
-        all.Merge(one);
-    }
+    for (const FileParcel& parcel : Parcels()) all.Merge(EnvelopeOf(parcel));
     if (!all.IsInit()) return OGRERR_FAILURE;
     *extent = all;
     return OGRERR_NONE;

@@ -12,7 +12,7 @@ namespace vemrado::gdal {
 class ParcelLayer : public MapLayer {
   public:
     // The source must outlive the layer.
-    ParcelLayer(Source& source, const ParcelLayers& layers, const OGRSpatialReference* reference);
+    ParcelLayer(Source& source, const map::ParcelLayers& layers, const OGRSpatialReference* reference);
 
     void ResetReading() override { next = 0; }
     OGRFeature* GetNextFeature() override;
@@ -24,13 +24,13 @@ class ParcelLayer : public MapLayer {
     int TestCapability(const char* capability) override;
 
   private:
-    const std::vector<Parcel>& Parcels();
+    const std::vector<FileParcel>& Parcels();
     OGRFeature* Make(size_t parcel);
 
     Source& source;
-    ParcelLayers layers;
+    map::ParcelLayers layers;
     bool built = false;
-    std::vector<Parcel> parcels;
+    std::vector<FileParcel> parcels;
     size_t next = 0;
 };
 

@@ -1,187 +1,113 @@
 #include "parcels.h"
 
-#include <cpl_conv.h>
-#include <cpl_quad_tree.h>
+#include <cpl_error.h>
+#include <cpl_string.h>
 
-#include <algorithm>
-#include <iterator>
+#include <span>
+#include <string>
 #include <utility>
-
-#include "boundary_check.h"
 
 namespace vemrado::gdal {
 
 namespace {
 
-struct Number {
-    OGRRawPoint place;
-    std::string text;
+using map::Point;
+
+// What is wrong with boundaries and numbers: cases of one kind, counted and told with the first places.
+class Finding {
+  public:
+    void Add(Point place, const std::string& what = {}) {
+        constexpr int shown = 3;
+        if (++count > shown) return;
+        examples += (count == 1 ? "" : "; ") + what + (what.empty() ? "" : " ") + "at ";
+        // Adding zero leaves no negative zero to print.
+        examples += CPLString().Printf("%.2f %.2f", place.x + 0.0, place.y + 0.0);
+    }
+    void Report(const std::string& file, const char* what) const {
+        if (count == 0) return;
+        CPLError(CE_Warning, CPLE_AppDefined, "%s: %d %s, for example %s", file.c_str(), count, what,
+                 examples.c_str());
+    }
+
+  private:
+    int count = 0;
+    std::string examples;
 };
 
-// What a file has for its parcels.
-struct Material {
-    OGRMultiLineString boundaries;
-    std::vector<Number> numbers;
-};
-
-void AddBoundaries(const Batch& batch, int layer, Material& material) {
+void AddBoundaries(const Batch& batch, int layer, map::ParcelBuilder& builder) {
+    std::vector<Point> points;
     for (const LineRecord& line : batch.lines) {
         if (line.layer != layer) continue;
         ForEachStroke(batch, line, [&](size_t first, size_t count) {
-            auto stroke = std::make_unique<OGRLineString>();
-            stroke->setPoints(static_cast<int>(count), &batch.vertices[first]);
-            material.boundaries.addGeometryDirectly(stroke.release());
+            points.clear();
+            for (const OGRRawPoint& point : std::span(batch.vertices).subspan(first, count))
+                points.push_back({point.x, point.y});
+            builder.AddBoundary(points);
         });
     }
 }
 
-void AddNumbers(const Batch& batch, int layer, Material& material) {
-    for (const TextRecord& text : batch.texts) {
-        if (text.layer == layer) material.numbers.push_back({text.point, batch.String(text.text)});
-    }
-}
-
-// Material by file; what was read before a failure, which is reported to GDAL, counts.
-std::vector<Material> ReadMaterial(Source& source, const ParcelLayers& layers) {
-    std::vector<Material> materials(source.files.size());
+// Builders by file; what was read before a failure, which is reported to GDAL, counts.
+std::vector<map::ParcelBuilder> ReadMaterial(Source& source, const map::ParcelLayers& layers) {
+    std::vector<map::ParcelBuilder> builders(source.files.size());
     ElementReader reader(source, Content::everything);
     Batch batch;
     while (reader.State() == ReadState::reading) {
         reader.Fill(batch);
-        AddBoundaries(batch, layers.boundaries, materials[batch.source]);
-        AddNumbers(batch, layers.numbers, materials[batch.source]);
-    }
-    return materials;
-}
-
-// The boundaries cut at their crossings, each piece once; null when there are none or GEOS gives up, which it
-// reports.
-std::unique_ptr<OGRGeometry> CutBoundaries(const OGRMultiLineString& boundaries) {
-    if (boundaries.getNumGeometries() == 0) return nullptr;
-    return std::unique_ptr<OGRGeometry>(boundaries.Union(boundaries.getGeometryRef(0)));
-}
-
-std::vector<std::unique_ptr<OGRPolygon>> Enclosed(const OGRGeometry& pieces) {
-    std::vector<std::unique_ptr<OGRPolygon>> polygons;
-    const std::unique_ptr<OGRGeometry> all(pieces.Polygonize());
-    if (all == nullptr) return polygons;
-    OGRGeometryCollection* collection = all->toGeometryCollection();
-    for (const OGRGeometry* part : *collection) polygons.emplace_back(part->toPolygon()->clone());
-    return polygons;
-}
-
-bool IsInRing(const OGRLinearRing& ring, const OGRRawPoint& point) {
-    bool inside = false;
-    const int count = ring.getNumPoints();
-    for (int i = 0, before = count - 1; i < count; before = i++) {
-        const double y1 = ring.getY(i);
-        const double y2 = ring.getY(before);
-        if ((y1 > point.y) == (y2 > point.y)) continue;
-        const double x = (ring.getX(before) - ring.getX(i)) * (point.y - y1) / (y2 - y1) + ring.getX(i);
-        if (point.x < x) inside = !inside;
-    }
-    return inside;
-}
-
-bool Holds(const OGRPolygon& polygon, const OGRRawPoint& point) {
-    if (!IsInRing(*polygon.getExteriorRing(), point)) return false;
-    for (int i = 0; i < polygon.getNumInteriorRings(); ++i) {
-        if (IsInRing(*polygon.getInteriorRing(i), point)) return false;
-    }
-    return true;
-}
-
-CPLRectObj BoundsOf(const OGRGeometry& geometry) {
-    OGREnvelope envelope;
-    geometry.getEnvelope(&envelope);
-    return {envelope.MinX, envelope.MinY, envelope.MaxX, envelope.MaxY};
-}
-
-double SizeOf(const Parcel& parcel) {
-    const CPLRectObj bounds = BoundsOf(*parcel.shape);
-    return (bounds.maxx - bounds.minx) * (bounds.maxy - bounds.miny);
-}
-
-// Finds the parcel of a point: parcels do not overlap, so the first that holds it is the one. Small ones are
-// looked at first; a street's parcel surrounds many others and has many corners.
-class ParcelIndex {
-  public:
-    ParcelIndex(std::vector<Parcel>& indexed, const CPLRectObj& bounds)
-        : tree(CPLQuadTreeCreate(&bounds, nullptr)) {
-        for (Parcel& parcel : indexed) {
-            const CPLRectObj place = BoundsOf(*parcel.shape);
-            CPLQuadTreeInsertWithBounds(tree, &parcel, &place);
+        map::ParcelBuilder& builder = builders[batch.source];
+        AddBoundaries(batch, layers.boundaries, builder);
+        for (const TextRecord& text : batch.texts) {
+            if (text.layer == layers.numbers)
+                builder.AddNumber({text.point.x, text.point.y}, batch.String(text.text));
         }
     }
-    ParcelIndex(const ParcelIndex&) = delete;
-    ParcelIndex& operator=(const ParcelIndex&) = delete;
-    ~ParcelIndex() { CPLQuadTreeDestroy(tree); }
+    return builders;
+}
 
-    Parcel* Find(const OGRRawPoint& point) const {
-        const CPLRectObj place = {point.x, point.y, point.x, point.y};
-        int count = 0;
-        void** found = CPLQuadTreeSearch(tree, &place, &count);
-        std::vector<Parcel*> parcels;
-        for (int i = 0; i < count; ++i) parcels.push_back(static_cast<Parcel*>(found[i]));
-        CPLFree(found);
-        std::ranges::sort(parcels, {}, [](const Parcel* parcel) { return SizeOf(*parcel); });
-        const auto holder =
-            std::ranges::find_if(parcels, [&](auto* parcel) { return Holds(*parcel->shape, point); });
-        return holder != parcels.end() ? *holder : nullptr;
-    }
-
-  private:
-    CPLQuadTree* tree;
-};
-
-void GiveNumbers(std::vector<Parcel>& parcels, const Material& material, const std::string& name) {
-    ParcelIndex index(parcels, BoundsOf(material.boundaries));
+void Report(const map::Parcels& made, const std::string& name) {
+    Finding freeEnds;
+    Finding between;
     Finding outside;
-    for (const Number& number : material.numbers) {
-        Parcel* parcel = index.Find(number.place);
-        if (parcel == nullptr) {
-            outside.Add(number.place, number.text);
-        } else if (++parcel->texts == 1) {
-            parcel->number = number.text;
-        }
-    }
-    outside.Report(name, "parcel numbers lie outside any parcel");
-}
-
-void CheckNumbers(const std::vector<Parcel>& parcels, const std::string& name) {
     Finding none;
     Finding several;
-    for (const Parcel& parcel : parcels) {
-        OGRPoint corner;
-        parcel.shape->getExteriorRing()->getPoint(0, &corner);
-        const OGRRawPoint place(corner.getX(), corner.getY());
-        if (parcel.texts == 0) none.Add(place, "");
-        if (parcel.texts > 1) several.Add(place, parcel.number);
+    for (const map::FreeEnd& end : made.freeEnds) freeEnds.Add(end.place);
+    for (const Point place : made.cutPieces) between.Add(place);
+    for (const map::ParcelNumber& number : made.outside) outside.Add(number.place, number.text);
+    for (const map::Parcel& parcel : made.parcels) {
+        const Point corner = parcel.area.rings.front().front();
+        if (parcel.texts == 0) none.Add(corner);
+        if (parcel.texts > 1) several.Add(corner, parcel.number);
     }
+    freeEnds.Report(name, "free ends of boundaries that close no parcel");
+    between.Report(name, "boundaries lie between others and close no parcel");
+    outside.Report(name, "parcel numbers lie outside any parcel");
     none.Report(name, "parcels have no number");
     several.Report(name, "parcels have more than one number, the first counts");
-}
-
-std::vector<Parcel> BuildOfFile(const Material& material, size_t source, const std::string& name) {
-    std::vector<Parcel> parcels;
-    const std::unique_ptr<OGRGeometry> pieces = CutBoundaries(material.boundaries);
-    if (pieces != nullptr) {
-        for (auto& polygon : Enclosed(*pieces)) parcels.push_back({std::move(polygon), "", 0, source});
-        ReportOpenBoundaries(*pieces, parcels, name);
-    }
-    GiveNumbers(parcels, material, name);
-    CheckNumbers(parcels, name);
-    return parcels;
+    if (made.tooManyCrossings)
+        CPLError(CE_Warning, CPLE_AppDefined, "%s: no parcels, for the boundaries cross too often",
+                 name.c_str());
 }
 
 }  // namespace
 
-std::vector<Parcel> BuildParcels(Source& source, const ParcelLayers& layers) {
-    std::vector<Parcel> parcels;
-    const std::vector<Material> materials = ReadMaterial(source, layers);
-    for (size_t file = 0; file < materials.size(); ++file) {
-        std::vector<Parcel> built = BuildOfFile(materials[file], file, source.names[file]);
-        std::move(built.begin(), built.end(), std::back_inserter(parcels));
+std::unique_ptr<OGRPolygon> FileParcel::Shape() const {
+    auto shape = std::make_unique<OGRPolygon>();
+    for (const map::Ring& ring : parcel.area.rings) {
+        auto made = std::make_unique<OGRLinearRing>();
+        made->setNumPoints(static_cast<int>(ring.size()), FALSE);
+        for (size_t i = 0; i < ring.size(); ++i) made->setPoint(static_cast<int>(i), ring[i].x, ring[i].y);
+        shape->addRingDirectly(made.release());
+    }
+    return shape;
+}
+
+std::vector<FileParcel> BuildParcels(Source& source, const map::ParcelLayers& layers) {
+    std::vector<FileParcel> parcels;
+    std::vector<map::ParcelBuilder> builders = ReadMaterial(source, layers);
+    for (size_t file = 0; file < builders.size(); ++file) {
+        map::Parcels made = builders[file].Build();
+        Report(made, source.names[file]);
+        for (map::Parcel& parcel : made.parcels) parcels.push_back({std::move(parcel), file});
     }
     return parcels;
 }

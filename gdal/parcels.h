@@ -1,33 +1,26 @@
-// Parcels as polygons, built from the boundary lines of a file.
+// The parcels of the files of a source, with what is wrong with them told to GDAL.
 
 #pragma once
 
 #include <ogr_geometry.h>
 
 #include <memory>
-#include <string>
 #include <vector>
 
 #include "element_reader.h"
+#include "map/parcels.h"
 
 namespace vemrado::gdal {
 
-struct ParcelLayers {
-    int boundaries = 1;  // layer of the file whose lines bound parcels
-    int numbers = 2;     // layer of the file whose texts are their numbers
+struct FileParcel {
+    map::Parcel parcel;
+    size_t source = 0;  // the file that it comes from
+
+    std::unique_ptr<OGRPolygon> Shape() const;
 };
 
-struct Parcel {
-    std::unique_ptr<OGRPolygon> shape;
-    std::string number;  // of the first text inside, UTF-8
-    int texts = 0;       // number texts inside
-    size_t source = 0;   // the file that it comes from
-};
-
-// The parcels of every file, each file by itself. The boundaries are cut where they cross and pieces that
-// stand there twice are taken once; what they enclose is a parcel. Pieces that enclose nothing, parcels
-// without a number or with several, and numbers outside any parcel are reported to GDAL as warnings. Memory
-// grows with the number of boundary lines of a file: about 1.3 kB a segment.
-std::vector<Parcel> BuildParcels(Source& source, const ParcelLayers& layers);
+// The parcels of every file, each file by itself. Boundaries that enclose nothing, parcels without a number
+// or with several, and numbers outside any parcel are warnings, each kind with its count and first places.
+std::vector<FileParcel> BuildParcels(Source& source, const map::ParcelLayers& layers);
 
 }  // namespace vemrado::gdal

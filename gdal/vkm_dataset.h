@@ -23,7 +23,7 @@ struct OpenSettings {
     std::string dataDirectory;  // holds VKMSym; empty: no styles
     std::optional<OGRSpatialReference> reference;
     bool parcels = false;
-    ParcelLayers parcelLayers;
+    map::ParcelLayers parcelLayers;
     bool withSourceField = false;
 };
 
