@@ -7,8 +7,8 @@
 #include <cstdlib>
 
 #include "client/axis_orientation.h"
+#include "client/foreign_file.h"
 #include "client/text_encoding.h"
-#include "identify.h"
 #include "sample_symbology.h"
 #include "vkm_dataset.h"
 
@@ -36,15 +36,30 @@ bool Identify(GDALOpenInfo* info) {
     if (info->fpL == nullptr || info->nHeaderBytes <= 0 || info->pabyHeader[0] == '\0') return false;
     const std::string_view start(reinterpret_cast<const char*>(info->pabyHeader),
                                  static_cast<size_t>(info->nHeaderBytes));
-    return LooksLikeVkm(start, EQUAL(CPLGetExtension(info->pszFilename), "vkm"));
+    return client::IsCertainlyVkm(start, EQUAL(CPLGetExtension(info->pszFilename), "vkm"));
 }
 
 int OnIdentify(GDALOpenInfo* info) {
     return Identify(info) ? TRUE : FALSE;
 }
 
+// GDAL itself only says that no driver takes the file.
+void SayWhatElseItIs(const GDALOpenInfo& info) {
+    const bool namedVkm = EQUAL(CPLGetExtension(info.pszFilename), "vkm");
+    if (!namedVkm || info.nHeaderBytes <= 0 || (info.nOpenFlags & GDAL_OF_VERBOSE_ERROR) == 0) return;
+    const std::string_view start(reinterpret_cast<const char*>(info.pabyHeader),
+                                 static_cast<size_t>(info.nHeaderBytes));
+    const std::string_view kind = client::ForeignKind(start);
+    if (!kind.empty())
+        CPLError(CE_Failure, CPLE_OpenFailed, "%s",
+                 client::ForeignFileMessage(info.pszFilename, kind).c_str());
+}
+
 GDALDataset* OnOpen(GDALOpenInfo* info) {
-    if (!Identify(info)) return nullptr;
+    if (!Identify(info)) {
+        SayWhatElseItIs(*info);
+        return nullptr;
+    }
     if (info->eAccess == GA_Update) {
         // Desktop programs try this first and then open for reading.
         if ((info->nOpenFlags & GDAL_OF_VERBOSE_ERROR) != 0)

@@ -6,6 +6,10 @@
 #include <algorithm>
 #include <memory>
 #include <string>
+#include <vector>
+
+#include "client/foreign_file.h"
+#include "client/input_file.h"
 
 namespace vemrado::gdal {
 
@@ -16,11 +20,29 @@ struct VirtualFile {
     bool failed = false;
 };
 
+// The start of a file that has just been opened; reading goes on from the beginning.
+std::string StartOf(VSILFILE* stream, size_t most) {
+    std::string start(most, '\0');
+    start.resize(VSIFReadL(start.data(), 1, most, stream));
+    VSIRewindL(stream);
+    return start;
+}
+
+// Tables of a symbology keep theirs: only a map's mark is passed over.
+void SkipMark(VSILFILE* stream) {
+    constexpr size_t length = client::byteOrderMark.size();
+    if (StartOf(stream, length) != client::byteOrderMark) return;
+    const std::string start = StartOf(stream, client::lookedAtBytes);
+    if (client::ForeignKind(start).empty()) VSIFSeekL(stream, length, SEEK_SET);
+}
+
 void* OpenFile(void*, const char* path) {
     std::string name = path;
     std::replace(name.begin(), name.end(), '\\', '/');
     VSILFILE* stream = VSIFOpenL(name.c_str(), "rb");
-    return stream != nullptr ? new VirtualFile{stream} : nullptr;
+    if (stream == nullptr) return nullptr;
+    SkipMark(stream);
+    return new VirtualFile{stream};
 }
 
 // Some virtual files report damage to GDAL's error handler and then look as if they ended there.
@@ -45,6 +67,20 @@ void CloseFile(void* opened) {
 }
 
 }  // namespace
+
+bool CheckMapFile(const std::string& file, const std::string& shownName) {
+    const std::unique_ptr<VSILFILE, decltype(&VSIFCloseL)> stream(VSIFOpenL(file.c_str(), "rb"), &VSIFCloseL);
+    if (!stream) return true;  // the module says why
+    const std::string start = StartOf(stream.get(), client::lookedAtBytes);
+    const std::string_view foreign = client::ForeignKind(start);
+    if (!foreign.empty()) {
+        CPLError(CE_Failure, CPLE_OpenFailed, "%s", client::ForeignFileMessage(shownName, foreign).c_str());
+        return false;
+    }
+    if (start.starts_with(client::byteOrderMark))
+        CPLError(CE_Warning, CPLE_AppDefined, "%s", client::SkippedMarkMessage(shownName).c_str());
+    return true;
+}
 
 const FrameworkFileProvider virtualFiles = {nullptr, OpenFile, ReadFile, LengthUnknown, CloseFile};
 

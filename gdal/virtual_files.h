@@ -3,6 +3,8 @@
 
 #pragma once
 
+#include <string>
+
 #include "framework/framework.h"
 
 namespace vemrado::gdal {
@@ -11,5 +13,9 @@ namespace vemrado::gdal {
 // told: the module makes no progress window then, and no stop request of the keyboard is caught in a host's
 // process.
 extern const FrameworkFileProvider virtualFiles;
+
+// Looks at a map file's start. What is no map is reported to GDAL as a failure, and the result is false then;
+// a byte order mark, which these files pass over, is a warning.
+bool CheckMapFile(const std::string& file, const std::string& shownName);
 
 }  // namespace vemrado::gdal

@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "parcel_layer.h"
+#include "virtual_files.h"
 
 namespace vemrado::gdal {
 
@@ -64,6 +65,7 @@ bool VkmDataset::AddFile(const std::string& file) {
     source.files.push_back(isStandardInput ? spooledInput : file);
     source.names.push_back(isStandardInput ? "standard input" : file);
     source.states.emplace_back();
+    if (!CheckMapFile(source.files.back(), source.names.back())) return false;
     const std::optional<Header> header = ReadHeader(source, source.files.size() - 1);
     if (!header) return false;
     if (source.files.size() == 1) {

@@ -2,7 +2,7 @@
 
 #include <new>
 
-#include "client/standard_input.h"
+#include "client/input_file.h"
 #include "client/stop_request.h"
 
 namespace vemrado::client {
@@ -16,12 +16,9 @@ Importer::~Importer() {
 }
 
 bool Importer::Open(const OpenOptions& options) {
-    const char* fileName = options.fileName.c_str();
-    if (options.fileName == standardInputName) {
-        OfferStandardInput();
-        fileName = standardInputLabel;
-    }
-    return importer->Open(fileName, options.loadSymbology ? 1 : 0, options.layerName.c_str(),
+    const InputFile input = LookAtInput(options.fileName);
+    markSkipped = input.markSkipped;
+    return importer->Open(input.name.c_str(), options.loadSymbology ? 1 : 0, options.layerName.c_str(),
                           options.axisOrientation, options.gpScale, options.flags) != 0;
 }
 

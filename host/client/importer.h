@@ -61,7 +61,8 @@ class Importer {
     Importer& operator=(const Importer&) = delete;
     ~Importer();
 
-    // False when the file could not be opened; a message box has said why.
+    // False when the file could not be opened; a message box has said why. Throws ForeignFile for what is no
+    // map.
     bool Open(const OpenOptions& options);
     void Close() { importer->Close(); }
 
@@ -72,6 +73,8 @@ class Importer {
     const LineElement& Line() const { return line; }
     const TextElement& Text() const { return text; }
 
+    // True when a byte order mark before the first record was skipped.
+    bool MarkSkipped() const { return markSkipped; }
     // True once the closing record was read.
     bool Complete() const { return importer->IsComplete() != 0; }
     bool Relative() const { return importer->GetRelativeCoordinates() != 0; }
@@ -87,6 +90,7 @@ class Importer {
     void ReadText();
 
     CVKMDetails* importer;
+    bool markSkipped = false;
     std::vector<ElementVertex> vertices;  // never shrinks; a line uses its first elements
     LineElement line;
     TextElement text;

@@ -1,6 +1,8 @@
-// Standard input as a file that the module opens by name.
+// Standard input by the name that people give it.
 
 #pragma once
+
+#include <string_view>
 
 namespace vemrado::client {
 
@@ -11,11 +13,8 @@ inline constexpr const char* standardInputName = "-";
 inline constexpr const char* standardInputLabel = "standard input";
 
 // The name to show for a file name that people gave.
-const char* ShownName(const char* fileName);
-
-// Lets the module's next open of standardInputLabel read standard input, once; the files of that name on the
-// disk are not hidden otherwise. Takes the place of the framework's file provider for the rest of the
-// process.
-void OfferStandardInput();
+inline const char* ShownName(const char* fileName) {
+    return std::string_view(fileName) == standardInputName ? standardInputLabel : fileName;
+}
 
 }  // namespace vemrado::client

@@ -347,16 +347,19 @@ class Files(unittest.TestCase):
 
     def test_other_drivers_keep_their_files(self):
         refused = (b"", b"&", b"&V\n", b"& 1 2\n&V X 1 2\n", b"&v X 1 2\n", b"&L 1 2\n", b"&namelist\n x=1\n/\n",
-                   b"&V X 1 2\n\x00\x01\n", b"\x00&V X 1 2\n", b"text\n&V X 1 2\n", b"\xef\xbb\xbf&V X 1 2\n",
+                   b"&V X 1 2\n\x00\x01\n", b"\x00&V X 1 2\n", b"text\n&V X 1 2\n",
                    b"&T a b\n", b"&* only a comment\n", b'{"a": "&V X 1 2"}', b"&X 1 2\n&V X 1 2\n", b"<a>&V</a>")
-        taken = (b"&V X 1 2\n", b"\r\n\n&R 0 0 0 0 1000\r\n", b"&* a\n&L P 1 2\n", b" \t&T 1 2 'x'\n", b"&U 1\n&T 1 -2\n")
+        taken = (b"&V X 1 2\n", b"\xef\xbb\xbf&V X 1 2\n", b"\r\n\n&R 0 0 0 0 1000\r\n", b"&* a\n&L P 1 2\n", b" \t&T 1 2 'x'\n", b"&U 1\n&T 1 -2\n")
         driver = gdal.GetDriverByName("VKM")
         for content in refused:
             self.assertIsNone(gdal.IdentifyDriverEx(memory_file("plain", content), gdal.OF_VECTOR, ["VKM"]), content)
         for content in taken:
             found = gdal.IdentifyDriverEx(memory_file("plain", content), gdal.OF_VECTOR, ["VKM"])
             self.assertEqual(driver.ShortName, found and found.ShortName, content)
-        self.assertIsNotNone(gdal.IdentifyDriverEx(memory_file("long.vkm", b"&* c\n"), gdal.OF_VECTOR, ["VKM"]))
+        for content in (b"&* c\n", b"a title\n\f\n&V X 1 2\n"):
+            self.assertIsNotNone(gdal.IdentifyDriverEx(memory_file("long.vkm", content), gdal.OF_VECTOR, ["VKM"]))
+        with self.assertRaisesRegex(RuntimeError, r"looks like gzip"):
+            gdal.OpenEx(memory_file("packed.vkm", b"\x1f\x8b\x08"), gdal.OF_VECTOR | gdal.OF_VERBOSE_ERROR, ["VKM"])
 
     def test_update_is_refused(self):
         with self.assertRaises(RuntimeError):

@@ -9,6 +9,7 @@
 
 #include "client/atomic_output.h"
 #include "client/data_directory.h"
+#include "client/foreign_file.h"
 #include "client/text_encoding.h"
 #include "program_run.h"
 
@@ -80,6 +81,40 @@ TEST(AtomicOutput, FailuresNameFileAndReason) {
     EXPECT_EQ(failure("/dev/full"), "/dev/full: cannot be written: No space left on device");
     EXPECT_EQ(failure("/nowhere/map.png"), "/nowhere/map.png: cannot be written: No such file or directory");
     EXPECT_EQ(failure("/"), "/: cannot be written: Is a directory");
+}
+
+TEST(ForeignFile, IsToldFromOddMaps) {
+    using namespace std::string_literals;
+    const struct {
+        std::string start;
+        const char* kind;
+    } cases[] = {
+        // What the module reads, however odd.
+        {"", ""},
+        {" \n\r\n\x1A", ""},
+        {"&V Lhota 1 2\n", ""},
+        {"\xEF\xBB\xBF&V Lhota 1 2\n", ""},
+        {"Katastr Lhota\r\n\f\r\n\t &*comment\r\n", ""},
+        {"{a title}\n" + std::string(3000, '\n') + "&Lxyz P 1 2\n", ""},
+        {"P 1 2\0 lost\n&K"s, ""},
+        // What it would read as nothing.
+        {"\x1F\x8B\x08\n&L P 1 2\n", "gzip"},
+        {"PK\3\4", "zip"},
+        {"\x7F"
+         "ELF\2",
+         "ELF"},
+        {std::string(257, 'a') + "ustar", "tar"},
+        {"\xFF\xFE&\0V\0"s, "UTF-16 text"},
+        {"&\0V\0 \0a\0"s, "UTF-16 text"},
+        {" {\"type\": 1}", "JSON"},
+        {"<html>&amp;</html>", "XML"},
+        {"1;2;3\n", "plain text without a record"},
+        {"\1\2\3", "binary data"},
+    };
+    for (const auto& test : cases) {
+        EXPECT_EQ(vemrado::client::ForeignKind(test.start), test.kind) << test.start;
+        EXPECT_FALSE(*test.kind && vemrado::client::IsCertainlyVkm(test.start, true)) << test.start;
+    }
 }
 
 TEST(DataDirectory, SampleIsFoundFromTheProgram) {

@@ -43,6 +43,8 @@ TEST(CommandLine, EndsAndSpeaksAsDocumented) {
     const TestFolder folder;
     const std::string map = folder.Add("map.vkm", smallMap);
     const std::string cut = folder.Add("cut.vkm", cutMap);
+    const std::string marked = folder.Add("marked.vkm", "\xEF\xBB\xBF" + std::string(smallMap));
+    folder.Add("marked.vkm.zip", "PK\3\4 not a map");
     const std::string missing = folder.Path("missing.vkm");
     const std::string lost =
         "cut.vkm: incomplete: its closing record &K is missing, so its last element is lost\n";
@@ -60,7 +62,18 @@ TEST(CommandLine, EndsAndSpeaksAsDocumented) {
         {{"dump", missing}, "", 1, "", "vkm: "},
         {{"dump", folder.Path("")}, "", 1, "", folder.Path("")},
         {{"info", "-"}, "", 1, "Extents      none", "standard input: incomplete"},
-        {{"dump", "-"}, std::string("\x89PNG\r\n\x1A\0\0", 10), 1, "", "standard input: incomplete"},
+        {{"dump", "-"}, "\x89PNG\r\n\x1A", 1, "", "standard input: not a VKM file (looks like PNG)"},
+        {{"info", "-"},
+         "\xEF\xBB\xBF" + std::string(smallMap),
+         0,
+         "1:500",
+         "standard input: the UTF-8 byte order mark"},
+        {{"dump", marked}, "", 0, "[20,10]", "marked.vkm: the UTF-8 byte order mark"},
+        {{"render", marked + ".zip", "-o", folder.Path("x.png")},
+         "",
+         1,
+         "",
+         "zip: not a VKM file (looks like zip)"},
         // Usage.
         {{}, "", 2, "", "Try 'vkm --help'."},
         {{"nonsense"}, "", 2, "", "Try 'vkm --help'."},

@@ -1,5 +1,6 @@
 #include "reading.h"
 
+#include "client/input_file.h"
 #include "client/standard_input.h"
 #include "client/stop_request.h"
 #include "client/system.h"
@@ -24,16 +25,20 @@ ReadResult ReadElements(client::Importer& importer, const client::OpenOptions& o
                         Environment& environment, const std::function<void(ElementKind)>& take,
                         const char* consequence) {
     ReadResult result = {ReadOutcome::failed, {}};
+    const std::string name = client::SystemTextToUtf8(client::ShownName(options.fileName.c_str()));
     try {
         if (!importer.Open(options)) return {ReadOutcome::notOpened, environment.lastBox};
+        if (importer.MarkSkipped()) environment.Warn(client::SkippedMarkMessage(name));
         result.outcome = ReadOpened(importer, take);
+    } catch (const client::ForeignFile& foreign) {
+        environment.Error(foreign.what());
+        return {ReadOutcome::notOpened, foreign.what()};
     } catch (const CFileException& exception) {
         result.problem = client::SystemTextToUtf8(exception.what()) + "; " + consequence;
     }
     importer.Close();
     environment.output.Flush();
 
-    const std::string name = client::SystemTextToUtf8(client::ShownName(options.fileName.c_str()));
     if (result.outcome == ReadOutcome::stopped) {
         result.problem = name + ": stopped on request; " + consequence;
     } else if (result.outcome == ReadOutcome::incomplete) {

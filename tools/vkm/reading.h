@@ -13,7 +13,7 @@ namespace vemrado::tools {
 enum class ReadOutcome {
     complete,    // with its closing record
     incomplete,  // the file ended without its closing record
-    notOpened,   // a message box has said why
+    notOpened,   // it cannot be opened or is no map
     failed,      // reading failed in the middle
     stopped,     // the user asked to stop
 };
