@@ -4,8 +4,6 @@
 #include <limits>
 #include <utility>
 
-#include "map/box_tree.h"
-
 namespace vemrado::map {
 namespace {
 
@@ -13,30 +11,39 @@ Box AtPoint(Point point) {
     return {point.x, point.y, point.x, point.y};
 }
 
-// Gives every number to the parcel that holds it.
-void GiveNumbers(std::vector<ParcelNumber>& numbers, Parcels& made) {
+}  // namespace
+
+AreaFinder::AreaFinder(const std::vector<Parcel>& from) : parcels(from) {
     std::vector<Box> bounds;
-    bounds.reserve(made.parcels.size());
-    for (const Parcel& parcel : made.parcels) bounds.push_back(parcel.area.bounds);
-    const BoxTree tree(bounds);
+    bounds.reserve(parcels.size());
+    for (const Parcel& parcel : parcels) bounds.push_back(parcel.area.bounds);
+    tree = BoxTree(bounds);
+}
+
+// Parcels do not overlap: the first that holds the place is the one.
+size_t AreaFinder::Find(Point place) const {
+    size_t found = nowhere;
+    tree.Search(AtPoint(place), [&](uint32_t candidate) {
+        if (parcels[candidate].area.Holds(place)) found = candidate;
+        return found == nowhere;
+    });
+    return found;
+}
+
+void GiveNumbers(std::vector<ParcelNumber>& numbers, Parcels& made) {
+    const AreaFinder finder(made.parcels);
     for (ParcelNumber& number : numbers) {
-        Parcel* holder = nullptr;
-        // Parcels do not overlap: the first that holds the place is the one.
-        tree.Search(AtPoint(number.place), [&](uint32_t candidate) {
-            Parcel& parcel = made.parcels[candidate];
-            if (parcel.area.Holds(number.place)) holder = &parcel;
-            return holder == nullptr;
-        });
-        if (holder == nullptr) {
+        const size_t found = finder.Find(number.place);
+        if (found == AreaFinder::nowhere) {
             made.outside.push_back(std::move(number));
-        } else if (++holder->texts == 1) {
-            holder->number = std::move(number.text);
+        } else if (Parcel& parcel = made.parcels[found]; ++parcel.texts == 1) {
+            parcel.number = std::move(number.text);
         }
     }
 }
 
-// Measures from every free end to the nearest other one, in a widening box.
-std::vector<FreeEnd> WithGaps(const std::vector<Point>& ends) {
+// Looks in a widening box around every end.
+std::vector<FreeEnd> MeasureGaps(const std::vector<Point>& ends) {
     std::vector<Box> places;
     places.reserve(ends.size());
     for (const Point end : ends) places.push_back(AtPoint(end));
@@ -58,14 +65,12 @@ std::vector<FreeEnd> WithGaps(const std::vector<Point>& ends) {
     return measured;
 }
 
-}  // namespace
-
 Parcels ParcelBuilder::Build() {
     Parcels made;
     made.tooManyCrossings = !net.Build();
     made.crossings = net.Crossings();
     EnclosedAreas enclosed = FindAreas(net);
-    made.freeEnds = WithGaps(enclosed.freeEnds);
+    made.freeEnds = MeasureGaps(enclosed.freeEnds);
     made.cutPieces = std::move(enclosed.cutPieces);
     made.parcels.reserve(enclosed.areas.size());
     for (Area& area : enclosed.areas) made.parcels.push_back({std::move(area), {}, 0});

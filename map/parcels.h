@@ -3,6 +3,7 @@
 
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <span>
 #include <string>
@@ -10,6 +11,7 @@
 #include <vector>
 
 #include "map/boundary_net.h"
+#include "map/box_tree.h"
 #include "map/polygonizer.h"
 
 namespace vemrado::map {
@@ -66,5 +68,26 @@ class ParcelBuilder {
     BoundaryNet net;
     std::vector<ParcelNumber> numbers;
 };
+
+// Finds the parcel of a place.
+class AreaFinder {
+  public:
+    static constexpr size_t nowhere = SIZE_MAX;
+
+    // The parcels live longer than the finder and stay where they are.
+    explicit AreaFinder(const std::vector<Parcel>& parcels);
+    // Its number, or nowhere.
+    size_t Find(Point place) const;
+
+  private:
+    const std::vector<Parcel>& parcels;
+    BoxTree tree;
+};
+
+// Gives every number to the parcel that holds it, or to those outside.
+void GiveNumbers(std::vector<ParcelNumber>& numbers, Parcels& made);
+
+// How far free ends lie from each other.
+std::vector<FreeEnd> MeasureGaps(const std::vector<Point>& ends);
 
 }  // namespace vemrado::map

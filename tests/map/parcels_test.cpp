@@ -7,6 +7,8 @@
 #include <cmath>
 #include <random>
 
+#include "map/parcel_sweep.h"
+
 namespace vemrado::map {
 namespace {
 
@@ -184,6 +186,30 @@ TEST(Parcels, AreDryWhenTheRestIsFlooded) {
         Grid grid(seed);
         const Parcels made = Build(grid.Lines());
         ASSERT_EQ(SizesOf(made), grid.DryAreas()) << seed;
+    }
+}
+
+// Sheets one column of the grid wide, each line on the sheet of its western end; lines reach over the sheets'
+// borders.
+TEST(Parcels, AreTheSameFromOneSweepOverTheSheets) {
+    for (unsigned seed = 0; seed < 100; ++seed) {
+        Grid grid(seed);
+        std::vector<Line> lines = grid.Lines();
+        const auto west = [](const Line& line) { return std::min(line[0].x, line[1].x); };
+        std::ranges::stable_sort(lines, {}, west);
+        const Parcels whole = Build(lines);
+        Parcels swept;
+        ParcelSweep sweep([&](Parcels&& part) {
+            std::ranges::move(part.parcels, std::back_inserter(swept.parcels));
+            std::ranges::move(part.freeEnds, std::back_inserter(swept.freeEnds));
+        });
+        for (size_t i = 0; i < lines.size(); ++i) {
+            if (i == 0 || west(lines[i]) != west(lines[i - 1])) sweep.HandOver(west(lines[i]));
+            sweep.AddBoundary(lines[i], static_cast<uint32_t>(west(lines[i])));
+        }
+        sweep.Finish();
+        ASSERT_EQ(SizesOf(swept), SizesOf(whole)) << seed;
+        ASSERT_EQ(swept.freeEnds.size(), whole.freeEnds.size()) << seed;
     }
 }
 
