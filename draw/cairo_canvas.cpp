@@ -1,4 +1,4 @@
-// PNG and PDF pictures, and the widths of texts, by the cairo library.
+// PNG and PDF pictures by the cairo library.
 
 #include <cairo-pdf.h>
 #include <cairo.h>
@@ -7,7 +7,6 @@
 #include <exception>
 #include <numbers>
 #include <stdexcept>
-#include <unordered_map>
 
 #include "canvas.h"
 
@@ -260,54 +259,7 @@ class PdfCanvas : public CairoCanvas {
     }
 };
 
-// Advances of single letters, in em.
-class LetterWidths {
-  public:
-    LetterWidths()
-        : surface(cairo_image_surface_create(CAIRO_FORMAT_A8, 1, 1)), cairo(cairo_create(surface.get())) {
-        SetFontOptions(cairo.get());
-        cairo_set_font_size(cairo.get(), size);
-    }
-
-    double Of(const std::string& letter, const Font& font) {
-        auto& known = widths[(font.serif ? 4 : 0) + (font.bold ? 2 : 0) + (font.italic ? 1 : 0)];
-        const auto found = known.find(letter);
-        if (found != known.end()) return found->second;
-        SelectFont(cairo.get(), font);
-        cairo_text_extents_t extents;
-        cairo_text_extents(cairo.get(), letter.c_str(), &extents);
-        return known[letter] = extents.x_advance / size;
-    }
-
-  private:
-    static constexpr double size = 1000;
-    Surface surface;
-    Context cairo;
-    std::unordered_map<std::string, double> widths[8];
-};
-
-size_t LetterEnd(const std::string& text, size_t begin) {
-    size_t end = begin + 1;
-    while (end < text.size() && (static_cast<unsigned char>(text[end]) & 0xC0) == 0x80) end++;
-    return end;
-}
-
 }  // namespace
-
-const char* FontFamily(const Font& font) {
-    return font.serif ? "DejaVu Serif" : "DejaVu Sans";
-}
-
-double TextWidth(const std::string& text, const Font& font, double height) {
-    static LetterWidths letters;
-    double width = 0;
-    for (size_t begin = 0; begin < text.size();) {
-        const size_t end = LetterEnd(text, begin);
-        width += letters.Of(text.substr(begin, end - begin), font);
-        begin = end;
-    }
-    return width * height / CapitalsPerEm;
-}
 
 std::unique_ptr<Canvas> MakePngCanvas(const PageSize& page, double dotsPerInch, ByteSink sink) {
     return std::make_unique<PngCanvas>(page, dotsPerInch, std::move(sink));

@@ -21,7 +21,7 @@ constexpr double largestSvgSide = 1e6;                   // mm
     throw TooLarge(text);
 }
 
-void CheckPixels(const PixelSize& size) {
+[[maybe_unused]] void CheckPixels(const PixelSize& size) {
     if (size.width <= largestPixelSide && size.height <= largestPixelSide &&
         size.width * size.height <= largestPixelCount) {
         return;
@@ -63,18 +63,27 @@ PixelSize PixelsOf(const PageSize& page, double dotsPerInch) {
     return {pixels(page.width), pixels(page.height)};
 }
 
-std::unique_ptr<Canvas> MakeCanvas(Format format, const PageSize& page, double dotsPerInch,
+void CheckSupport([[maybe_unused]] Format format) {
+#if !VEMRADO_CAIRO
+    if (format != Format::svg)
+        throw Unsupported(
+            "PNG and PDF pictures need the cairo library, which this build lacks; .svg needs nothing");
+#endif
+}
+
+std::unique_ptr<Canvas> MakeCanvas(Format format, const PageSize& page, [[maybe_unused]] double dotsPerInch,
                                    const std::string& title, ByteSink sink) {
-    switch (format) {
-        case Format::png:
-            CheckPixels(PixelsOf(page, dotsPerInch));
-            return MakePngCanvas(page, dotsPerInch, std::move(sink));
-        case Format::pdf:
-            CheckMillimetres(page, largestPdfSide, "a side of a PDF page holds at most 5080 mm");
-            return MakePdfCanvas(page, title, std::move(sink));
-        case Format::svg:
-            break;
+    CheckSupport(format);
+#if VEMRADO_CAIRO
+    if (format == Format::png) {
+        CheckPixels(PixelsOf(page, dotsPerInch));
+        return MakePngCanvas(page, dotsPerInch, std::move(sink));
     }
+    if (format == Format::pdf) {
+        CheckMillimetres(page, largestPdfSide, "a side of a PDF page holds at most 5080 mm");
+        return MakePdfCanvas(page, title, std::move(sink));
+    }
+#endif
     CheckMillimetres(page, largestSvgSide, "a side holds at most 1000 m");
     return MakeSvgCanvas(page, title, std::move(sink));
 }

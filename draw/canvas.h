@@ -53,6 +53,12 @@ class TooLarge : public std::runtime_error {
     using std::runtime_error::runtime_error;
 };
 
+// A kind of picture that this build does not make. what() says what it lacks.
+class Unsupported : public std::runtime_error {
+  public:
+    using std::runtime_error::runtime_error;
+};
+
 struct PageSize {
     double width = 0;   // mm
     double height = 0;  // mm
@@ -71,7 +77,10 @@ struct PixelSize {
 };
 PixelSize PixelsOf(const PageSize& page, double dotsPerInch);
 
-// Throws TooLarge before anything is allocated.
+// Throws Unsupported when this build makes no pictures of that kind.
+void CheckSupport(Format format);
+
+// Throws TooLarge, or Unsupported, before anything is allocated.
 std::unique_ptr<Canvas> MakeCanvas(Format format, const PageSize& page, double dotsPerInch,
                                    const std::string& title, ByteSink sink);
 

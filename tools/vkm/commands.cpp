@@ -5,9 +5,7 @@ namespace vemrado::tools {
 void AddCommands(Program& program) {
     AddInfoCommand(program);
     AddDumpCommand(program);
-#if VEMRADO_DRAWING
     AddRenderCommand(program);
-#endif
 #if VEMRADO_CONVERTER
     AddConvertCommand(program);
 #endif

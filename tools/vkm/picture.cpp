@@ -52,7 +52,11 @@ void AddAngleUnitOption(Program& program, CLI::App& command, draw::AngleUnit& un
 }
 
 void CheckPicture(const PictureOptions& options) {
-    FormatOfFile(options);
+    try {
+        draw::CheckSupport(FormatOfFile(options));
+    } catch (const draw::Unsupported& error) {
+        throw Failure(exitUsage, client::SystemTextToUtf8(options.file) + ": " + error.what());
+    }
 }
 
 void MakePicture(const PictureOptions& options, draw::PageSize page, const std::string& title,
@@ -78,6 +82,8 @@ void MakePicture(const PictureOptions& options, draw::PageSize page, const std::
     } catch (const client::OutputError& error) {
         throw Failure(exitInternal, error.what());
     } catch (const draw::TooLarge& error) {
+        throw Failure(exitUsage, name + ": " + error.what());
+    } catch (const draw::Unsupported& error) {
         throw Failure(exitUsage, name + ": " + error.what());
     } catch (const std::runtime_error& error) {
         throw Failure(exitInternal, name + ": " + error.what());

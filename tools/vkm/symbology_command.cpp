@@ -6,23 +6,19 @@
 
 #include "client/system.h"
 #include "commands.h"
+#include "draw/words.h"
 #include "framework/framework.h"
+#include "picture.h"
 #include "program.h"
 #include "symbology_check.h"
-#if VEMRADO_DRAWING
-#include "draw/words.h"
-#include "picture.h"
 #include "symbology_sheet.h"
-#endif
 
 namespace vemrado::tools {
 namespace {
 
 struct SymbologyOptions {
     std::string directory;
-#if VEMRADO_DRAWING
     PictureOptions picture;
-#endif
 };
 
 // The directory that holds VKMSym, for one that is VKMSym itself too.
@@ -82,14 +78,12 @@ int RunSymbology(const SymbologyOptions& options, Environment& environment) {
     PrintLines(checked, environment.output);
     PrintSymbols(checked, environment.output);
     environment.output.Flush();
-#if VEMRADO_DRAWING
     if (!options.picture.file.empty()) {
         const std::string source = client::SystemTextToUtf8(directory);
         const SymbologySheet sheet(checked, source);
         const std::string title = draw::HostWords().symbology + (" " + source);
         MakePicture(options.picture, sheet.Page(), title, [&](draw::Canvas& canvas) { sheet.Draw(canvas); });
     }
-#endif
     for (const std::string& problem : checked.problems) environment.Error(problem);
     return checked.problems.empty() ? exitDone : exitInput;
 }
@@ -115,9 +109,7 @@ void AddSymbologyCommand(Program& program) {
     command.add_option("DIR", options->directory, "The symbology")
         ->type_name("")
         ->check(CLI::ExistingDirectory);
-#if VEMRADO_DRAWING
     AddPictureOptions(command, options->picture, false);
-#endif
 }
 
 }  // namespace vemrado::tools
