@@ -154,35 +154,4 @@ double CVkmInput::GetScale() {
     return state.mapScale;
 }
 
-const char* CVkmInput::GetElementCode(int index) {
-    return state.lineElements.CodeOf(ElementAt(index));
-}
-
-int CVkmInput::GetElementSymbolCode(int index) {
-    return ElementAt(index).symbolCode;
-}
-
-void CVkmInput::GetElementValues(int index, double* valueM, double* valueR, double* valueU) {
-    const CVKMLineElement& element = ElementAt(index);
-    *valueM = element.valueM;
-    *valueR = element.valueR;
-    *valueU = element.valueU;
-}
-
-int CVkmInput::GetTextCode() {
-    return state.currentText.code;
-}
-
-int CVkmInput::GetRelativeCoordinates() {
-    return state.relativeCoordinates;
-}
-
-int CVkmInput::IsComplete() {
-    return state.currentRecord == 'K' ? 1 : 0;
-}
-
-int CVkmInput::GetLineCount() {
-    return reader.LineCount();
-}
-
 }  // namespace vemrado

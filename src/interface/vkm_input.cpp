@@ -34,6 +34,7 @@ int CVkmInput::Open(const char* fileName, int loadSymbology, const char* newLaye
                     double /*gpScale*/, int flags) try {
     Close();
     if (!OpenFile(fileName)) return 0;
+    reader.BeginFile();
     layerName = newLayerName == nullptr ? "" : newLayerName;
     SetAxisOrientation(axisOrientation);
     openFlags = static_cast<uint32_t>(flags);

@@ -54,6 +54,26 @@ class CVkmInput final : public CVKMDetails {
     int GetRelativeCoordinates() override;
     int IsComplete() override;
     int GetLineCount() override;
+    int CopyElements(int first, int count, VkmElement* elements) override;
+    int GetFileLine() override;
+    int GetElementFileLine(int index) override;
+    const char* GetHeaderName() override;
+    const char* GetHeaderDate() override;
+    const char* GetHeaderComments() override;
+    void GetOrigin(double* first, double* second) override;
+    void SetDataDirectory(const char* directory) override;
+    void LoadSymbology(int withSymbols) override;
+    int GetLineCodeCount() override;
+    int GetLineCode(int place, int* code, int* lineType, const char** name) override;
+    const char* GetLineCodeName(int code) override;
+    int GetLineStyle(int code, unsigned int* colour, double* width, int* dashPattern) override;
+    int GetLineDashes(int code, const double** lengths) override;
+    int GetLinePattern(int code) override;
+    int GetSymbolCodeCount() override;
+    int GetSymbolCode(int place, int* code, int* symbol, const char** name) override;
+    const char* GetSymbolCodeName(int code) override;
+    int GetSymbolDrawing(int code, const VkmSymbolPoint** points) override;
+    int GetSymbolPattern(int code) override;
 
   private:
     // The element of an index; throws the framework's invalid-argument exception for any other index.
@@ -79,6 +99,7 @@ class CVkmInput final : public CVKMDetails {
     uint32_t fileLength = 0;        // lower 32 bits
     uint32_t progressStep = 0;      // bytes per progress unit
     uint32_t progressPosition = 0;  // last position drawn
+    Array<VkmSymbolPoint> drawing;  // of the symbol asked for last
     bool outOfMemory = false;       // an operation without a failure result of its own found no memory
 };
 

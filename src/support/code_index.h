@@ -58,6 +58,7 @@ class CodeIndex {
     }
 
     Array<Entry>& Entries() { return entries; }
+    const Array<Entry>& Entries() const { return entries; }
 
     // How many entries a lookup may look at.
     size_t LongestChain() const {

@@ -61,8 +61,8 @@ String GetLocalPath(const char* relative) {
     return WithRelativePath(std::move(directory), relative);
 }
 
-String GetSymbolDirectory() {
-    return GetLocalPath().append(symbolSubdirectory);
+String GetSymbolDirectory(const String& dataDirectory) {
+    return (dataDirectory.empty() ? GetLocalPath() : dataDirectory) + symbolSubdirectory;
 }
 
 }  // namespace vemrado

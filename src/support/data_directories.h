@@ -27,7 +27,8 @@ String GetSharedPath(const char* relative = nullptr);
 // The same of the local directory; the shared one stands in for it.
 String GetLocalPath(const char* relative = nullptr);
 
-// Where the symbology tables lie. Ends in '\': file names are appended to it directly.
-String GetSymbolDirectory();
+// Where the symbology tables lie: in the data directory that is given, else in the local one. Ends in '\':
+// file names are appended to it directly.
+String GetSymbolDirectory(const String& dataDirectory = String());
 
 }  // namespace vemrado

@@ -138,7 +138,7 @@ bool FindCodeSection(TableFile& file, char letter) {
     return false;
 }
 
-bool NextCodePair(TableFile& file, int32_t& from, int32_t& to) {
+bool NextCodePair(TableFile& file, int32_t& from, int32_t& to, std::string_view& name) {
     std::string_view line;
     while (file.NextLine(line)) {
         if (line.empty() || line.front() == '*') continue;
@@ -149,6 +149,7 @@ bool NextCodePair(TableFile& file, int32_t& from, int32_t& to) {
         if (second.empty()) continue;
         from = ParseInteger(first);
         to = ParseInteger(second);
+        name = Trimmed(fields.Rest());
         return true;
     }
     return false;

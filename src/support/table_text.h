@@ -87,6 +87,7 @@ int ReadNumberPair(Fields& fields, std::string_view& first, std::string_view& se
 bool FindCodeSection(TableFile& file, char letter);
 // The next line of the section that holds two numbers. Blank lines, comments ("*") and lines with fewer
 // fields are skipped; a line that begins with a colon ends the section, as does the end of the file.
-bool NextCodePair(TableFile& file, int32_t& from, int32_t& to);
+// The name is what stands behind the two numbers, trimmed and valid until the next line is read.
+bool NextCodePair(TableFile& file, int32_t& from, int32_t& to, std::string_view& name);
 
 }  // namespace vemrado

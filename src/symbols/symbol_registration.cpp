@@ -38,14 +38,24 @@ int32_t CKokesSymbols::GetSymbolPattern(int32_t vkmCode) {
 }
 
 int32_t CKokesSymbols::RegisterSymbol(const CSymbol& symbol) {
-    CSymbolShapes* shapes = GetShapes(symbol.fileIndex);
-    if (shapes == nullptr) return 0;
+    if (!Draw(symbol)) return 0;
     char name[64];
     std::snprintf(name, sizeof name, "S_%lld", std::llabs(symbol.vkmCode));
+    return setextpattpoint(pattern.Elements(), name);
+}
+
+const CPointPattern* CKokesSymbols::GetDrawing(int32_t vkmCode) {
+    const CSymbol* found = vkmSymbols.Find(vkmCode);
+    return found != nullptr && Draw(*found) ? &pattern : nullptr;
+}
+
+bool CKokesSymbols::Draw(const CSymbol& symbol) {
+    CSymbolShapes* shapes = GetShapes(symbol.fileIndex);
+    if (shapes == nullptr) return false;
     pattern.ClearPattern();
     DrawSymbol(*shapes, symbol.symbolNumber, pattern, 0, 0);
     pattern.Terminate();
-    return setextpattpoint(pattern.Elements(), name);
+    return true;
 }
 
 CSymbolShapes* CKokesSymbols::GetShapes(int32_t fileIndex) {
@@ -55,7 +65,7 @@ CSymbolShapes* CKokesSymbols::GetShapes(int32_t fileIndex) {
     if (file.shapes != nullptr) return file.shapes.get();
     file.failed = 1;
     try {
-        const String path = GetSymbolDirectory() + file.name;
+        const String path = GetSymbolDirectory(directory) + file.name;
         PoolPointer<CSymbolShapes> shapes = MakeInPool<CSymbolShapes>();
         if (shapes == nullptr || LoadShapeFile(*shapes, path.c_str()).count == 0) {
             WarnOfShapeFile(path);

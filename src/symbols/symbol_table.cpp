@@ -44,10 +44,11 @@ void ReadPair(Fields& fields, int32_t& x, int32_t& y) {
 
 }  // namespace
 
-int CKokesSymbols::LoadSymbols() {
-    const String directory = GetSymbolDirectory();
-    ReadSymbolCodes(directory + codeFileName);
-    ReadSymbolTable(directory + symbolFileName);
+int CKokesSymbols::LoadSymbols(const String& dataDirectory) {
+    directory = dataDirectory;
+    const String folder = GetSymbolDirectory(directory);
+    ReadSymbolCodes(folder + codeFileName);
+    ReadSymbolTable(folder + symbolFileName);
     return LinkSymbols();
 }
 
@@ -60,8 +61,11 @@ int CKokesSymbols::ReadSymbolCodes(const String& path) {
         return 0;
     }
     CSymbol symbol;
-    while (NextCodePair(file, symbol.vkmCode, symbol.kokesCode)) {
-        vkmSymbols.Add(symbol.vkmCode, symbol);  // the first line of a code counts
+    std::string_view name;
+    while (NextCodePair(file, symbol.vkmCode, symbol.kokesCode, name)) {
+        if (vkmSymbols.Find(symbol.vkmCode) != nullptr) continue;  // the first line of a code counts
+        symbol.name = names.Add(name);
+        vkmSymbols.Add(symbol.vkmCode, symbol);
     }
     return 1;
 }
@@ -138,6 +142,7 @@ int CKokesSymbols::LinkSymbols() {
         linked.vkmCode = symbol.vkmCode;
         linked.patternId = symbol.patternId;
         linked.failed = symbol.failed;
+        linked.name = symbol.name;
         symbol = linked;
     }
     return 1;
@@ -146,6 +151,7 @@ int CKokesSymbols::LinkSymbols() {
 void CKokesSymbols::ClearSymbols() {
     kokesSymbols.Clear();
     vkmSymbols.Clear();
+    names.Clear();
     for (CSymbolFile& file : files) file.shapes.reset();
     files.clear();
     files.shrink_to_fit();

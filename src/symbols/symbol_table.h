@@ -11,6 +11,7 @@
 #include <utility>
 
 #include "support/code_index.h"
+#include "support/code_names.h"
 #include "support/containers.h"
 #include "support/pool_pointer.h"
 #include "support/table_text.h"
@@ -34,6 +35,7 @@ class CKokesSymbols {
         int32_t pair2Y = 0;
         double realValue = 0.0;
         int32_t markN = 0;
+        uint32_t name = 0;  // of the VKM code: its place in the names
     };
     struct CSymbolFile {
         String name;         // with ".ksh"
@@ -46,13 +48,23 @@ class CKokesSymbols {
     CKokesSymbols& operator=(const CKokesSymbols&) = delete;
     ~CKokesSymbols() { ClearSymbols(); }
 
-    // Reads both tables from the symbology directory and links them; problems become collected warnings.
-    // Always 1. May throw std::bad_alloc; what was read before stays.
-    int LoadSymbols();
+    // Reads both tables from the symbology directory, as GetSymbolDirectory gives it for a data directory,
+    // and links them; problems become collected warnings. Always 1. May throw std::bad_alloc; what was read
+    // before stays.
+    int LoadSymbols(const String& dataDirectory = String());
     void ClearSymbols();
 
     // The host's pattern number of a VKM symbol code, 0 when there is none. Never throws.
     int32_t GetSymbolPattern(int32_t vkmCode);
+    // The drawing of a VKM symbol code, null when it leads to none that can be read. Valid until the next
+    // call of this or of GetSymbolPattern. Never throws.
+    const CPointPattern* GetDrawing(int32_t vkmCode);
+
+    // In the order of the file.
+    const Array<CodeIndex<CSymbol>::Entry>& Entries() const { return vkmSymbols.Entries(); }
+    const char* NameOf(const CSymbol& symbol) const { return names.At(symbol.name); }
+    // Null when there is no such VKM code.
+    const CSymbol* Find(int32_t vkmCode) const { return vkmSymbols.Find(vkmCode); }
 
     // Index of the first shape file of that name, whatever its case; -1 when there is none.
     int32_t FindSymbolFile(std::string_view name) const;
@@ -66,10 +78,14 @@ class CKokesSymbols {
     int LinkSymbols();
 
     int32_t RegisterSymbol(const CSymbol& symbol);
+    // Draws a symbol into the pattern; false when its shape file cannot be read.
+    bool Draw(const CSymbol& symbol);
     CSymbolShapes* GetShapes(int32_t fileIndex);
 
     CodeIndex<CSymbol> kokesSymbols;
     CodeIndex<CSymbol> vkmSymbols;
+    CodeNames names;
+    String directory;  // the data directory of the load; empty: as the registry has it
     Array<CSymbolFile> files;
     CPointPattern pattern;
     Array<std::pair<String, int32_t>> filesByName;  // names in lower case with their index, sorted

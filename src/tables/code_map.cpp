@@ -9,6 +9,7 @@ int CKokesCodeMap::ReadCodeMap(const String& filePath) {
     if (!file.Open(path)) return 0;
     const TableFileCloser closer(file);
     map.Prepare();
+    names.Clear();
     return ReadSection('L');
 }
 
@@ -20,13 +21,17 @@ int CKokesCodeMap::ReadSection(char letter) {
     }
     int32_t code = 0;
     int32_t lineType = 0;
-    while (NextCodePair(file, code, lineType)) map.Add(code, lineType);  // the first line of a code counts
+    std::string_view name;
+    while (NextCodePair(file, code, lineType, name)) {
+        if (map.Find(code) != nullptr) continue;  // the first line of a code counts
+        map.Add(code, {lineType, names.Add(name)});
+    }
     return 1;
 }
 
 int32_t CKokesCodeMap::FindLineType(int32_t vkmCode) const {
-    const int32_t* found = map.Find(vkmCode);
-    return found == nullptr ? 0 : *found;
+    const CMapping* found = map.Find(vkmCode);
+    return found == nullptr ? 0 : found->lineType;
 }
 
 }  // namespace vemrado

@@ -35,7 +35,7 @@ int CKokesTables::Load(int withSymbols) {
     ClearTables();
     ClearMessages();
     WithinMemory([&] {
-        const String directory = GetSymbolDirectory();
+        const String directory = GetSymbolDirectory(dataDirectory);
         WithinMemory([&] { colorTable.ReadColorFile(directory + colorFileName); });
         WithinMemory([&] { ReadLineTypes(directory + lineTypeFileName); });
         ResolveLineColors();
@@ -43,7 +43,7 @@ int CKokesTables::Load(int withSymbols) {
     });
     WithinMemory([&] { layers.BuildLayers(); });
     ApplyLayerStyles();
-    if (withSymbols != 0) WithinMemory([&] { symbols.LoadSymbols(); });
+    if (withSymbols != 0) WithinMemory([&] { symbols.LoadSymbols(dataDirectory); });
     ShowMessages();
     return 1;
 }

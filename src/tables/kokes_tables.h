@@ -35,6 +35,8 @@ struct CLineDefinition {
 
 class CKokesTables {
   public:
+    using DashPattern = Array<double>;
+
     CKokesTables() = default;
     CKokesTables(const CKokesTables&) = delete;
     CKokesTables& operator=(const CKokesTables&) = delete;
@@ -50,6 +52,18 @@ class CKokesTables {
     // Host point pattern of a VKM symbol code, 0 when there is none.
     int32_t GetSymbolPattern(int32_t vkmCode) { return symbols.GetSymbolPattern(vkmCode); }
 
+    // The directory that holds VKMSym, for the next load; empty: the one that the registry names.
+    void SetDataDirectory(const String& directory) { dataDirectory = directory; }
+    // What stands behind the lookups; valid until the next load.
+    const CKokesCodeMap& LineCodes() const { return codeMap; }
+    CKokesSymbols& Symbols() { return symbols; }
+    // The line type that a VKM code leads to, null when there is none.
+    const CLineDefinition* FindLineType(int32_t vkmCode) const;
+    // The dash pattern of a line style, null when it has none or the table lacks it.
+    const DashPattern* FindDashPattern(int32_t lineStyle) const;
+    // Lengths that the drawing library takes of a dash pattern.
+    static constexpr size_t longestPattern = 1001;
+
     // 0 when there is no such layer.
     int32_t GetLayerValue(int32_t layer) const;
     // Nothing happens when there is no such layer.
@@ -58,15 +72,12 @@ class CKokesTables {
     int GetLayerStyle(int32_t layer, uint32_t& colour, int32_t& pattern) const;
 
   private:
-    using DashPattern = Array<double>;
-
     void ClearTables();
     int ReadLineTypes(const String& filePath);
     void StoreDefinition(int32_t number, Fields& fields);
     void StorePattern(int32_t number, Fields& fields);
     void ResolveLineColors();
     void ApplyLayerStyles();
-    const DashPattern* FindDashPattern(int32_t lineStyle) const;
 
     String lineTypePath;
     TableFile lineTypeFile;
@@ -76,6 +87,7 @@ class CKokesTables {
     CKokesLayerTable layers;
     CKokesCodeMap codeMap;
     CKokesSymbols symbols;
+    String dataDirectory;
 };
 
 // The columns of a definition line behind its number. Stops at the first one that is missing; what was not

@@ -13,7 +13,6 @@ namespace vemrado {
 namespace {
 
 constexpr size_t patternCountWhenRead = 128;
-constexpr size_t longestPattern = 1001;  // stretches that the drawing library takes
 
 // False at the end of the line.
 bool NextField(Fields& fields, std::string_view& field) {
@@ -21,9 +20,10 @@ bool NextField(Fields& fields, std::string_view& field) {
     return !field.empty();
 }
 
-// A pattern's stretches, drawn and gap in turn, and the end record. elements has room for longestPattern + 1.
+// A pattern's stretches, drawn and gap in turn, and the end record. elements has room for one more than the
+// longest pattern.
 void ListStretches(const Array<double>& lengths, PatternElement* elements) {
-    const size_t count = std::min(lengths.size(), longestPattern);
+    const size_t count = std::min(lengths.size(), CKokesTables::longestPattern);
     for (size_t i = 0; i < count; ++i) {
         elements[i] = {lengths[i], 0.0, static_cast<uint8_t>(i % 2 == 0 ? 1 : 0)};
     }
@@ -97,14 +97,17 @@ const CKokesTables::DashPattern* CKokesTables::FindDashPattern(int32_t lineStyle
     return patterns[static_cast<size_t>(number)].get();
 }
 
+const CLineDefinition* CKokesTables::FindLineType(int32_t vkmCode) const {
+    const int32_t lineType = codeMap.FindLineType(vkmCode);
+    return lineType == 0 ? nullptr : lineDefinitions.Find(lineType);
+}
+
 int CKokesTables::GetLineStyle(int32_t vkmCode, uint32_t& colour, int32_t& pattern) {
     colour = 0;
     pattern = 0;
-    const int32_t lineType = codeMap.FindLineType(vkmCode);
-    if (lineType == 0) return 0;
-    CLineDefinition* found = lineDefinitions.Find(lineType);
+    const CLineDefinition* found = FindLineType(vkmCode);
     if (found == nullptr) return 0;
-    CLineDefinition& definition = *found;
+    CLineDefinition& definition = const_cast<CLineDefinition&>(*found);
     colour = definition.colour;
     if (definition.pattern == 0) {
         if (const DashPattern* lengths = FindDashPattern(definition.lineStyle)) {

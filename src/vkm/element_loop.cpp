@@ -1,5 +1,6 @@
 #include "vkm/element_loop.h"
 
+#include <algorithm>
 #include <cstring>
 
 #include "vkm/line_element.h"
@@ -13,6 +14,28 @@ namespace {
 bool BelongsToHeader(uint32_t recordClass) {
     return recordClass == 'V' || recordClass == 'R' || recordClass == 'D' || recordClass == '*' ||
            recordClass == emptyLine;
+}
+
+String Trimmed(std::string_view text) {
+    const auto isBlank = [](char c) { return Is(c, blankCharacter); };
+    const auto* begin = std::find_if_not(text.begin(), text.end(), isBlank);
+    const auto* end = text.end();
+    while (end != begin && isBlank(end[-1])) --end;
+    return {begin, end};
+}
+
+// Keeps what a line of the header says; the parsers take the numbers from it. mark is its first field.
+void NoteHeaderLine(CVKMHeader& header, uint32_t recordClass, Field mark, CVKMTokenizer line) {
+    if (recordClass == 'V') header.name = String(line.NextToken());
+    if (recordClass == 'D') header.date = Trimmed(line.Rest());
+    if (recordClass != '*') return;
+    // A comment may begin right behind its mark.
+    const char* begin = mark.data() + 2;
+    String comment = Trimmed({begin, line.Rest().data() + line.Rest().size()});
+    if (comment.empty()) return;
+    if (!header.comments.empty()) header.comments += '\n';
+    header.comments.append(
+        comment, 0, CVKMHeader::mostComments - std::min(header.comments.size(), CVKMHeader::mostComments));
 }
 
 // Moves the element being read to the end of the line's elements.
@@ -34,9 +57,11 @@ bool IsLineElement(const CVKMReaderState& state, Field first) {
 }
 
 // Any other line that opens no record: it goes on with the current one.
-void ContinueRecord(CVKMReaderState& state, CVKMTokenizer line) {
+void ContinueRecord(CVKMReaderState& state, CVKMTokenizer line, int32_t fileLine) {
     if (state.currentRecord == 'L') {
+        const bool begins = state.elementPending == 0;
         ContinueLineElement(state, line);
+        if (begins) state.lineElements.Working().fileLine = fileLine;
     } else {
         DispatchRecord(state, line, state.currentRecord, false);
     }
@@ -58,11 +83,15 @@ bool ReadHeader(CVKMReaderState& state, CVKMLineReader& reader) {
     uint32_t recordClass = emptyLine;
     CVKMTokenizer line;
     LineResult result;
+    state.header = CVKMHeader();
     while ((result = reader.ReadLine(line)) == LineResult::line) {
-        recordClass = ClassifyRecord(line.NextToken());
+        const Field mark = line.NextToken();
+        recordClass = ClassifyRecord(mark);
+        NoteHeaderLine(state.header, recordClass, mark, line);
         DispatchRecord(state, line, recordClass, true);
         if (!BelongsToHeader(recordClass)) break;
     }
+    state.lineElements.Working().fileLine = state.workingText.fileLine = reader.FileLine();
     if (result == LineResult::error) return false;
     state.currentRecord = recordClass;
     return true;
@@ -81,7 +110,7 @@ Element ReadNextElement(CVKMReaderState& state, CVKMLineReader& reader) {
         if (recordClass == unknownRecord) continue;
         if (recordClass == emptyLine || recordClass == continuationLine) {
             if (!IsLineElement(state, first)) {
-                ContinueRecord(state, line);
+                ContinueRecord(state, line, reader.FileLine());
                 continue;
             }
             FlushElement(state);
@@ -90,6 +119,7 @@ Element ReadNextElement(CVKMReaderState& state, CVKMLineReader& reader) {
             completed = CompleteElement(state);
             if (recordClass != 'L') {
                 DispatchRecord(state, line, recordClass, true);
+                if (recordClass == 'T') state.workingText.fileLine = reader.FileLine();
                 state.currentRecord = recordClass;
                 if (completed != Element::none || recordClass == 'K') return completed;
                 continue;
@@ -97,6 +127,7 @@ Element ReadNextElement(CVKMReaderState& state, CVKMLineReader& reader) {
             first = line.NextToken();
         }
         StartLineElement(state, line, ElementType(first));
+        state.lineElements.Working().fileLine = reader.FileLine();
         state.currentRecord = 'L';
         if (completed != Element::none) return completed;
     }

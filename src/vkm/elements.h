@@ -34,6 +34,7 @@ struct CVKMLineElement {
     double valueM = 1.0;     // M
     double valueR = 0;       // R
     int32_t symbolCode = 0;  // S; 0: no symbol
+    int32_t fileLine = 0;    // line of the file on which it begins, from 1
     double valueU = 0;       // U
 };
 static_assert(std::is_trivially_copyable_v<CVKMLineElement>);
@@ -140,6 +141,7 @@ struct CVKMText {
     double valueH = 1.7;
     int32_t code = 0;  // K
     double valueU = 0;
+    int32_t fileLine = 0;  // line of the file on which it begins, from 1
 };
 inline constexpr CVKMText defaultText;
 

@@ -44,6 +44,11 @@ class CVKMLineReader {
     // Lines read since construction, by every file; wraps as a 32-bit integer.
     int32_t LineCount() const { return static_cast<int32_t>(linesBefore + linesToStep); }
 
+    // The lines of the file are numbered from here.
+    void BeginFile() { linesOfFilesBefore = LineCount(); }
+    // The number of the line just read, from 1.
+    int32_t FileLine() const { return LineCount() - linesOfFilesBefore; }
+
     platform::TextFile inputFile;
     uint32_t bytesRead = 0;  // by lines, with a count of 1 for each line beside its line feed; wraps
 
@@ -74,6 +79,7 @@ class CVKMLineReader {
     void* progressContext;
     uint32_t linesBefore = 0;  // a multiple of linesPerProgressStep
     uint32_t linesToStep = 0;
+    int32_t linesOfFilesBefore = 0;
 };
 
 }  // namespace vemrado

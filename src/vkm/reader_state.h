@@ -9,6 +9,15 @@
 
 namespace vemrado {
 
+// What the header says beside what its records set.
+struct CVKMHeader {
+    static constexpr size_t mostComments = 65536;  // bytes
+
+    String name;      // the word of the V record
+    String date;      // what stands behind the mark of the D record
+    String comments;  // a line each
+};
+
 struct CVKMReaderState {
     uint32_t axisOrientation = 1;
     double originY = 0;  // V record: added to the second coordinate when coordinates are relative
@@ -26,6 +35,7 @@ struct CVKMReaderState {
     CVKMText workingText;
     int32_t textPending = 0;  // workingText is not yet in currentText
     CVKMText currentText;     // the text just completed
+    CVKMHeader header;
 };
 
 }  // namespace vemrado

@@ -54,6 +54,12 @@ class CVKMTokenizer {
         return Field(window + start, stop - start);
     }
 
+    // What no field has taken yet, without the blanks before it where they were looked at.
+    std::string_view Rest() const {
+        const char* at = edges != 0 ? window + __builtin_ctzll(edges) : rest;
+        return {at, static_cast<size_t>(end - at)};
+    }
+
     // The next quoted text, or none; whatever stands before its opening quote is passed over. Without a
     // closing quote the text runs to the end of the line.
     Field NextQuoted() {

@@ -1,0 +1,92 @@
+// The elements of a file one by one, as they stand in it: nothing is put together, decoded or left out.
+// Reading (map/reading.h) stands on this; listings of a file's own content take it as it is.
+
+#pragma once
+
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "map/geometry.h"
+#include "vemrado/vkm_details.h"
+
+namespace vemrado::map {
+
+struct OpenOptions {
+    std::string fileName;   // client::standardInputName: standard input
+    std::string layerName;  // not empty: replaces the file's layers
+    int axisOrientation = 128;
+    bool symbology = false;     // load it
+    bool symbols = true;        // with the drawings of symbols
+    std::string dataDirectory;  // that holds VKMSym; empty: where the framework or the registry says
+};
+
+struct RawLine {
+    int layer = 0;
+    std::string_view layerName;
+    int fileLine = 0;  // on which it begins, from 1
+    std::span<const VkmElement> elements;
+};
+
+struct RawText {
+    int layer = 0;
+    std::string_view layerName;
+    int fileLine = 0;
+    std::string_view text;  // bytes of the file
+    Point point;
+    int code = 0;  // K value; 0: none
+    int valueD = 0;
+    int valueF = 0;
+    double scaledH = 0;  // H value times map scale / 1000
+    double valueU = 0;
+};
+
+enum class ElementKind { none, line, text };
+
+class Importer {
+  public:
+    // Throws std::bad_alloc when there is no memory for an importer.
+    Importer();
+    Importer(const Importer&) = delete;
+    Importer& operator=(const Importer&) = delete;
+    ~Importer();
+
+    // False when the file could not be opened; a message box has said why.
+    bool Open(const OpenOptions& options);
+    void Close() { details->Close(); }
+
+    // Reads the next element into Line() or Text(). None at the end of the data, or when the user asked to
+    // stop. A read error leaves it as CFileException. Memory is used again: nothing is allocated once the
+    // longest line was met.
+    ElementKind Next();
+    // Valid until the next call of Next.
+    const RawLine& Line() const { return line; }
+    const RawText& Text() const { return text; }
+    // The elements of the line, for a reader that puts them in order where they stand.
+    std::span<VkmElement> LineElements() { return {elements.data(), line.elements.size()}; }
+
+    int AxisOrientation() const { return axisOrientation; }
+    // True once the closing record was read.
+    bool Complete() const { return details->IsComplete() != 0; }
+    bool Relative() const { return details->GetRelativeCoordinates() != 0; }
+    double Scale() const { return details->GetScale(); }
+    // Lines of the file read so far.
+    int LineCount() const { return details->GetLineCount() - linesBefore; }
+
+    // For the header and the symbology.
+    CVKMDetails& Details() const { return *details; }
+
+  private:
+    void ReadLine();
+    void ReadText();
+
+    CVKMDetails* details;
+    std::vector<VkmElement> elements;  // never shrinks; a line uses its first ones
+    RawLine line;
+    RawText text;
+    int axisOrientation = 1;
+    int linesBefore = 0;  // of other files
+};
+
+}  // namespace vemrado::map
