@@ -11,12 +11,15 @@
 #include "client/foreign_file.h"
 #include "client/input_file.h"
 
+#include "archives/archive_files.h"
+
 namespace vemrado::gdal {
 
 namespace {
 
 struct VirtualFile {
     VSILFILE* stream;
+    void* archived = nullptr;  // in place of the stream: of the provider of archives
     bool failed = false;
 };
 
@@ -39,16 +42,29 @@ void SkipMark(VSILFILE* stream) {
 void* OpenFile(void*, const char* path) {
     std::string name = path;
     std::replace(name.begin(), name.end(), '\\', '/');
+    if (!name.starts_with("/vsi")) {
+        const FrameworkFileProvider& archived = archives::ArchiveFiles();
+        if (void* file = archived.open(archived.context, name.c_str())) return new VirtualFile{nullptr, file};
+    }
     VSILFILE* stream = VSIFOpenL(name.c_str(), "rb");
     if (stream == nullptr) return nullptr;
     SkipMark(stream);
     return new VirtualFile{stream};
 }
 
+int64_t ReadArchived(VirtualFile& file, void* destination, size_t count) {
+    const int64_t got = archives::ArchiveFiles().read(file.archived, destination, count);
+    file.failed = got < 0;
+    if (file.failed)
+        CPLError(CE_Failure, CPLE_FileIO, "it cannot be unpacked: %s", archives::TakeLastProblem().c_str());
+    return got;
+}
+
 // Some virtual files report damage to GDAL's error handler and then look as if they ended there.
 int64_t ReadFile(void* opened, void* destination, size_t count) {
     VirtualFile& file = *static_cast<VirtualFile*>(opened);
     if (file.failed) return -1;
+    if (file.archived != nullptr) return ReadArchived(file, destination, count);
     const auto errorsBefore = CPLGetErrorCounter();
     const size_t got = VSIFReadL(destination, 1, count, file.stream);
     if (got == count) return static_cast<int64_t>(got);
@@ -63,7 +79,8 @@ int64_t LengthUnknown(void*) {
 
 void CloseFile(void* opened) {
     const std::unique_ptr<VirtualFile> file(static_cast<VirtualFile*>(opened));
-    VSIFCloseL(file->stream);
+    if (file->stream != nullptr) VSIFCloseL(file->stream);
+    if (file->archived != nullptr) archives::ArchiveFiles().close(file->archived);
 }
 
 }  // namespace

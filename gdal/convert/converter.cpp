@@ -15,6 +15,7 @@
 #include "output_format.h"
 #include "staged_output.h"
 #include "translation.h"
+#include "virtual_files.h"
 #include "vkm_dataset.h"
 
 namespace vemrado::gdal {
@@ -184,4 +185,8 @@ void VkmConvert(const vemrado::gdal::ConvertRequest& request, const vemrado::gda
         result.outcome = problem->outcome;
         result.problem = problem->text;
     }
+}
+
+const FrameworkFileProvider* VkmVirtualFiles() {
+    return &vemrado::gdal::virtualFiles;
 }

@@ -7,6 +7,8 @@
 #include <string>
 #include <vector>
 
+#include "framework/framework.h"
+
 namespace vemrado::gdal {
 
 struct ConvertRequest {
@@ -49,3 +51,6 @@ struct ConvertResult {
 extern "C" __attribute__((visibility("default"))) void VkmConvert(
     const vemrado::gdal::ConvertRequest& request, const vemrado::gdal::ConvertReports& reports,
     vemrado::gdal::ConvertResult& result);
+
+// GDAL's virtual files as the module opens files.
+extern "C" __attribute__((visibility("default"))) const FrameworkFileProvider* VkmVirtualFiles();

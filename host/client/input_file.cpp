@@ -9,6 +9,7 @@
 #include <system_error>
 #include <vector>
 
+#include "client/file_providers.h"
 #include "client/foreign_file.h"
 #include "client/standard_input.h"
 #include "client/stop_request.h"
@@ -21,12 +22,21 @@ namespace {
 // Standard input or a file, whose first bytes can be looked at before they are read.
 class Stream {
   public:
-    explicit Stream(const std::string& name) {
-        if (name != standardInputName) file = File(std::fopen(name.c_str(), "rb"), &std::fclose);
-        fromStandardInput = name == standardInputName;
+    explicit Stream(const std::string& name) : fromStandardInput(name == standardInputName) {
+        if (fromStandardInput) return;
+        provider = FrameworkGetFileProvider();
+        if (provider != nullptr) provided = provider->open(provider->context, name.c_str());
+        if (provided == nullptr) file = File(std::fopen(name.c_str(), "rb"), &std::fclose);
+    }
+    Stream(const Stream&) = delete;
+    Stream& operator=(const Stream&) = delete;
+    ~Stream() {
+        if (provided != nullptr) provider->close(provided);
     }
 
-    bool Usable() const { return fromStandardInput || file; }
+    bool Usable() const { return fromStandardInput || provided != nullptr || file; }
+    // A file of a provider's: it can be opened again, and its length on disk says nothing.
+    bool Provided() const { return provided != nullptr; }
 
     // Reads on until the start tells what it is. A slow writer is not waited for longer than that.
     std::string_view Start() {
@@ -58,13 +68,16 @@ class Stream {
 
     int64_t ReadSource(void* destination, size_t count) {
         if (fromStandardInput) return ReadStandardInput(destination, count);
+        if (provided != nullptr) return provider->read(provided, destination, count);
         const size_t got = std::fread(destination, 1, count, file.get());
         if (got == 0 && std::ferror(file.get()) != 0) return StopRequested() ? 0 : -1;
         return static_cast<int64_t>(got);
     }
 
     File file{nullptr, &std::fclose};
-    bool fromStandardInput = false;
+    const FrameworkFileProvider* provider = nullptr;
+    void* provided = nullptr;  // in place of the file
+    bool fromStandardInput;
     std::string start;
     size_t used = 0;
 };
@@ -87,7 +100,7 @@ void* OpenOffered(void*, const char* path) {
 }
 
 void OfferStream(const std::string& name, std::unique_ptr<Stream> stream) {
-    const FrameworkFileProvider provider = {
+    static const FrameworkFileProvider provider = {
         nullptr, OpenOffered,
         [](void* opened, void* to, size_t count) { return static_cast<Stream*>(opened)->Read(to, count); },
         [](void* opened) { return static_cast<Stream*>(opened)->length; },
@@ -95,7 +108,7 @@ void OfferStream(const std::string& name, std::unique_ptr<Stream> stream) {
     const std::lock_guard hold(offersLock);
     std::erase_if(offers, [&](const Offer& offer) { return offer.name == name; });
     offers.push_back({name, std::move(stream)});
-    FrameworkSetFileProvider(&provider);
+    AddFileProvider(provider);
 }
 
 }  // namespace
@@ -103,17 +116,18 @@ void OfferStream(const std::string& name, std::unique_ptr<Stream> stream) {
 InputFile LookAtInput(const std::string& name) {
     InputFile input{ShownName(name.c_str())};
     const FileKind kind = name == standardInputName ? FileKind::other : KindOfFile(name);
-    if (kind == FileKind::none || kind == FileKind::directory) return input;
+    if (kind == FileKind::directory) return input;
     auto stream = std::make_unique<Stream>(name);
     if (!stream->Usable()) return input;
+    const bool opensAgain = kind == FileKind::regular || stream->Provided();
 
     const std::string_view start = stream->Start();
     const std::string_view foreign = ForeignKind(start);
     if (!foreign.empty()) throw ForeignFile(ForeignFileMessage(SystemTextToUtf8(input.name), foreign));
     input.markSkipped = start.starts_with(byteOrderMark);
-    if (kind == FileKind::regular && !input.markSkipped) return input;
+    if (opensAgain && !input.markSkipped) return input;
     if (input.markSkipped) stream->Skip(byteOrderMark.size());
-    if (kind == FileKind::regular) {
+    if (kind == FileKind::regular && !stream->Provided()) {
         std::error_code unknown;
         const std::uintmax_t size = std::filesystem::file_size(name, unknown);
         if (!unknown) stream->length = static_cast<int64_t>(size - byteOrderMark.size());

@@ -22,8 +22,7 @@ struct InputFile {
 
 // Looks at the start of a file, or of standard input (standardInputName). Throws ForeignFile; a file that
 // cannot be read is left to the module, which says why. What has been read of a stream, and a file with a
-// mark, is handed to the module's next open of the name by the framework's file provider, whose place this
-// takes then.
+// mark, is handed to the module's next open of the name by a file provider.
 InputFile LookAtInput(const std::string& name);
 
 // The sentence that tells of a skipped mark.

@@ -8,7 +8,9 @@
 namespace vemrado::tools {
 
 void AddFileArgument(CLI::App& command, std::string& file) {
-    command.add_option("FILE", file, "The VKM file; - is standard input")->type_name("")->required();
+    command.add_option("FILE", file, "The VKM file, or an archive that holds one; - is standard input")
+        ->type_name("")
+        ->required();
 }
 
 void AddEncodingOption(Program& program, CLI::App& command, client::Encoding& encoding) {

@@ -8,15 +8,27 @@
 
 namespace vemrado::tools {
 
-decltype(&VkmConvert) LoadConverter() {
+namespace {
+
+void* LoadEntry(const char* entryName) {
     constexpr const char* name = "vkm-convert.so";
     static void* const library = dlopen(name, RTLD_NOW | RTLD_LOCAL);
-    void* const entry = library != nullptr ? dlsym(library, "VkmConvert") : nullptr;
-    if (entry != nullptr) return reinterpret_cast<decltype(&VkmConvert)>(entry);
+    void* const entry = library != nullptr ? dlsym(library, entryName) : nullptr;
+    if (entry != nullptr) return entry;
     const char* reason = dlerror();
     throw Failure(exitInternal, std::string("convert needs ") + name +
                                     ", which comes with the GDAL driver, and it cannot be loaded: " +
                                     (reason != nullptr ? reason : "no reason given"));
+}
+
+}  // namespace
+
+decltype(&VkmConvert) LoadConverter() {
+    return reinterpret_cast<decltype(&VkmConvert)>(LoadEntry("VkmConvert"));
+}
+
+decltype(&VkmVirtualFiles) LoadVirtualFiles() {
+    return reinterpret_cast<decltype(&VkmVirtualFiles)>(LoadEntry("VkmVirtualFiles"));
 }
 
 }  // namespace vemrado::tools

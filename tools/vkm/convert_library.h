@@ -6,8 +6,9 @@
 
 namespace vemrado::tools {
 
-// The entry of the library beside the program's other libraries, loaded at the first call. Throws Failure
+// The entries of the library beside the program's other libraries, loaded at the first call. Throws Failure
 // when it is not there.
 decltype(&VkmConvert) LoadConverter();
+decltype(&VkmVirtualFiles) LoadVirtualFiles();
 
 }  // namespace vemrado::tools

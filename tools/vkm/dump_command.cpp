@@ -8,6 +8,7 @@
 #include "client/text_encoding.h"
 #include "commands.h"
 #include "common_options.h"
+#include "inputs.h"
 #include "json_writer.h"
 #include "program.h"
 #include "reading.h"
@@ -120,7 +121,7 @@ int RunDump(const DumpOptions& options, Environment& environment) {
     client::Importer importer;
     ElementListing listing(environment.output, options.encoding);
     client::OpenOptions open;
-    open.fileName = options.file;
+    open.fileName = FindOneInput(options.file);
     open.axisOrientation = options.axisOrientation;
     const ReadResult result = ReadElements(importer, open, environment, [&](client::ElementKind kind) {
         if (kind == client::ElementKind::line) {

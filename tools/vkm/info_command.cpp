@@ -11,6 +11,8 @@
 #include "commands.h"
 #include "common_options.h"
 #include "info_report.h"
+#include "input_progress.h"
+#include "inputs.h"
 #include "program.h"
 #include "reading.h"
 
@@ -18,7 +20,7 @@ namespace vemrado::tools {
 namespace {
 
 struct InfoOptions {
-    std::vector<std::string> files;
+    InputOptions inputs;
     int axisOrientation = 1;
     bool json = false;
 };
@@ -28,9 +30,16 @@ struct InspectedFile {
     FileReport report;
 };
 
-InspectedFile Inspect(const std::string& file, int axisOrientation, Environment& environment) {
+InspectedFile Inspect(const Input& input, int axisOrientation, Environment& environment) {
+    const std::string& file = input.name;
     client::Importer importer;
     FileReport report;
+    if (!input.problem.empty()) {
+        environment.Error(input.problem);
+        report.file = client::SystemTextToUtf8(file);
+        report.error = input.problem;
+        return {ReadOutcome::notOpened, std::move(report)};
+    }
     client::OpenOptions open;
     open.fileName = file;
     open.axisOrientation = axisOrientation;
@@ -52,18 +61,18 @@ InspectedFile Inspect(const std::string& file, int axisOrientation, Environment&
 }
 
 int RunInfo(const InfoOptions& options, Environment& environment) {
-    if (std::count(options.files.begin(), options.files.end(), client::standardInputName) > 1) {
-        throw Failure(exitUsage, "standard input can be read only once");
-    }
+    const std::vector<Input> inputs = FindInputs(options.inputs);
+    InputProgress progress(inputs);
     nlohmann::ordered_json list = nlohmann::ordered_json::array();
     int exitCode = exitDone;
-    for (const std::string& file : options.files) {
-        const InspectedFile inspected = Inspect(file, options.axisOrientation, environment);
+    for (const Input& input : inputs) {
+        const InspectedFile inspected = Inspect(input, options.axisOrientation, environment);
+        progress.Finish(input);
         if (inspected.outcome != ReadOutcome::complete) exitCode = exitInput;
         if (options.json) {
             list.push_back(ReportJson(inspected.report));
         } else {
-            if (&file != &options.files.front()) environment.output.Write("\n");
+            if (&input != &inputs.front()) environment.output.Write("\n");
             environment.output.Write(ReportText(inspected.report));
         }
         if (inspected.outcome == ReadOutcome::stopped) break;
@@ -87,10 +96,11 @@ void AddInfoCommand(Program& program) {
                               {{"vkm info map.vkm", "a readable table"},
                                {"vkm info --json *.vkm | jq '.[] | select(.complete | not) | .file'",
                                 "the incomplete files of a folder"},
-                               {"zcat map.vkm.gz | vkm info -", "a compressed file"}}};
+                               {"vkm info sheets/ archive.zip", "the maps of a folder and of an archive"},
+                               {"find . -name '*.vkm' | vkm info --files-from -", "the files of a list"}}};
     CLI::App& command =
         program.Add(text, [options](Environment& environment) { return RunInfo(*options, environment); });
-    command.add_option("FILE", options->files, "VKM files; - is standard input")->type_name("")->required();
+    AddInputOptions(command, options->inputs);
     AddOrientationOption(program, command, options->axisOrientation);
     command.add_flag("--json", options->json, "A JSON array with one object a file");
 }

@@ -9,6 +9,7 @@
 #include "client/message_boxes.h"
 #include "client/system.h"
 #include "help_format.h"
+#include "inputs.h"
 #include "zrvDX320/zrvDX320.h"
 
 namespace vemrado::tools {
@@ -128,6 +129,7 @@ int Program::RunChosen() {
         ++environment.boxCount;
     });
     client::CatchInterrupt();
+    PrepareInputFiles();
     client::UseDataDirectory(dataDirectory.empty() ? client::FindSampleSymbology(client::ProgramPath())
                                                    : dataDirectory);
     if (environment.quiet) InfoSetVisible(0);

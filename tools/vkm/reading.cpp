@@ -1,5 +1,6 @@
 #include "reading.h"
 
+#include "archives/archive_files.h"
 #include "client/input_file.h"
 #include "client/standard_input.h"
 #include "client/stop_request.h"
@@ -34,7 +35,10 @@ ReadResult ReadElements(client::Importer& importer, const client::OpenOptions& o
         environment.Error(foreign.what());
         return {ReadOutcome::notOpened, foreign.what()};
     } catch (const CFileException& exception) {
-        result.problem = client::SystemTextToUtf8(exception.what()) + "; " + consequence;
+        const std::string unpacking = archives::TakeLastProblem();
+        const std::string what =
+            unpacking.empty() ? exception.what() : exception.FileName() + ": " + unpacking;
+        result.problem = client::SystemTextToUtf8(what) + "; " + consequence;
     }
     importer.Close();
     environment.output.Flush();

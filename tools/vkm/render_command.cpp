@@ -13,6 +13,7 @@
 #include "draw/map_sheet.h"
 #include "draw/scene_builder.h"
 #include "framework/framework.h"
+#include "inputs.h"
 #include "picture.h"
 #include "program.h"
 #include "reading.h"
@@ -77,7 +78,7 @@ int RunRender(RenderOptions options, Environment& environment) {
     client::Importer importer;
     draw::SceneBuilder builder(importer, index, options.scene);
     client::OpenOptions open;
-    open.fileName = options.file;
+    open.fileName = FindOneInput(options.file);
     open.loadSymbology = true;
     open.axisOrientation = options.axisOrientation;
     open.flags = options.noSymbols ? CVKMInterface::flgSymbolsNone : CVKMInterface::flgSymbols;
@@ -87,7 +88,7 @@ int RunRender(RenderOptions options, Environment& environment) {
     if (outcome != ReadOutcome::complete && outcome != ReadOutcome::incomplete) return exitInput;
     const draw::Scene scene = builder.Finish();
 
-    const std::string name = client::SystemTextToUtf8(client::ShownName(options.file.c_str()));
+    const std::string name = client::SystemTextToUtf8(client::ShownName(open.fileName.c_str()));
     WarnOfSkipped(scene, name, environment);
     if (scene.layers.empty() && !options.sheet.box) {
         throw Failure(exitInput, name + ": nothing to draw");
