@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -83,12 +84,33 @@ void CloseFile(void* opened) {
     if (file->archived != nullptr) archives::ArchiveFiles().close(file->archived);
 }
 
+// With the byte order mark. None when it cannot be opened.
+std::optional<std::string> StartOfFile(const std::string& name) {
+    const std::unique_ptr<void, decltype(&CloseFile)> opened(OpenFile(nullptr, name.c_str()), &CloseFile);
+    if (!opened) return std::nullopt;
+    VirtualFile& file = *static_cast<VirtualFile*>(opened.get());
+    if (file.stream != nullptr) {
+        VSIRewindL(file.stream);
+        return StartOf(file.stream, client::lookedAtBytes);
+    }
+    std::string start(client::lookedAtBytes, '\0');
+    size_t length = 0;
+    while (length < start.size()) {
+        const int64_t got =
+            archives::ArchiveFiles().read(file.archived, start.data() + length, start.size() - length);
+        if (got <= 0) break;
+        length += static_cast<size_t>(got);
+    }
+    start.resize(length);
+    return start;
+}
+
 }  // namespace
 
 bool CheckMapFile(const std::string& file, const std::string& shownName) {
-    const std::unique_ptr<VSILFILE, decltype(&VSIFCloseL)> stream(VSIFOpenL(file.c_str(), "rb"), &VSIFCloseL);
-    if (!stream) return true;  // the module says why
-    const std::string start = StartOf(stream.get(), client::lookedAtBytes);
+    const std::optional<std::string> read = StartOfFile(file);
+    if (!read) return true;  // the module says why
+    const std::string& start = *read;
     const std::string_view foreign = client::ForeignKind(start);
     if (!foreign.empty()) {
         CPLError(CE_Failure, CPLE_OpenFailed, "%s", client::ForeignFileMessage(shownName, foreign).c_str());

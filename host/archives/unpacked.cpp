@@ -50,16 +50,23 @@ size_t Unpacked::Read(char* destination, size_t count) {
     return got;
 }
 
+// Reads as much as is wanted, so that the end is met together with the last byte: who needs no more never
+// asks.
 size_t Checked::Read(char* destination, size_t count) {
-    const size_t got = source->Read(destination, count);
-    if (got > left) throw ArchiveError("it is longer than the archive says");
-    left -= got;
-    found = static_cast<uint32_t>(
-        crc32_z(found, reinterpret_cast<const Bytef*>(destination), static_cast<z_size_t>(got)));
-    if (got > 0) return got;
+    size_t got = 0;
+    bool ended = false;
+    while (got < count && !ended) {
+        const size_t more = source->Read(destination + got, count - got);
+        if (more > left) throw ArchiveError("it is longer than the archive says");
+        left -= more;
+        got += more;
+        ended = more == 0;
+    }
+    found = static_cast<uint32_t>(crc32_z(found, reinterpret_cast<const Bytef*>(destination), got));
+    if (!ended) return got;
     if (left > 0) throw ArchiveError("it is shorter than the archive says");
     if (found != wanted) throw ArchiveError("its checksum is wrong");
-    return 0;
+    return got;
 }
 
 }  // namespace vemrado::archives

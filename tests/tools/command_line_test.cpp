@@ -73,7 +73,7 @@ TEST(CommandLine, EndsAndSpeaksAsDocumented) {
          "",
          1,
          "",
-         "zip: not a VKM file (looks like zip)"},
+         "zip: it is no whole zip archive: it is too short"},
         // Usage.
         {{}, "", 2, "", "Try 'vkm --help'."},
         {{"nonsense"}, "", 2, "", "Try 'vkm --help'."},

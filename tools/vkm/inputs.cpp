@@ -154,11 +154,12 @@ void AddInputOptions(CLI::App& command, InputOptions& options) {
         .add_option("--files-from", options.list,
                     "File with the name of an input on every line; - is standard input")
         ->type_name("LIST");
+    command.parse_complete_callback([&options] {
+        if (options.names.empty() && options.list.empty()) throw CLI::RequiredError("FILE or --files-from");
+    });
 }
 
 std::vector<Input> FindInputs(const InputOptions& options) {
-    if (options.names.empty() && options.list.empty())
-        throw Failure(exitUsage, "an input is missing: FILE or --files-from is required");
     Finder finder(options.recursive);
     if (!options.list.empty()) finder.AddList(options.list);
     for (const std::string& name : options.names) finder.AddNamed(name, false);

@@ -31,7 +31,7 @@ void AddInputOptions(CLI::App& command, InputOptions& options);
 
 // The maps in the order in which they were named, those of a folder by name. A folder gives its *.vkm and
 // *.vkm.gz and what lies in its archives; an archive gives the same, and its only file whatever that is
-// called. Throws Failure when no map is named, or standard input twice.
+// called. Throws Failure when a list cannot be read or names nothing, or standard input is named twice.
 std::vector<Input> FindInputs(const InputOptions& options);
 
 // The one map of a command that takes only one: a file, standard input, or an archive that holds a single
