@@ -2,7 +2,7 @@
 
 #include <new>
 
-#include "client/standard_input.h"
+#include "client/input_file.h"
 #include "client/stop_request.h"
 
 namespace vemrado::map {
@@ -22,17 +22,14 @@ Importer::~Importer() {
 }
 
 bool Importer::Open(const OpenOptions& options) {
-    const char* fileName = options.fileName.c_str();
-    if (options.fileName == client::standardInputName) {
-        client::OfferStandardInput();
-        fileName = client::standardInputLabel;
-    }
+    const client::InputFile input = client::LookAtInput(options.fileName);
+    markSkipped = input.markSkipped;
     axisOrientation = options.axisOrientation;
     linesBefore = details->GetLineCount();
     details->SetDataDirectory(options.dataDirectory.c_str());
     const int flags = options.symbols ? CVKMInterface::flgSymbols : CVKMInterface::flgSymbolsNone;
-    return details->Open(fileName, options.symbology ? 1 : 0, options.layerName.c_str(), axisOrientation, 0.0,
-                         flags) != 0;
+    return details->Open(input.name.c_str(), options.symbology ? 1 : 0, options.layerName.c_str(),
+                         axisOrientation, 0.0, flags) != 0;
 }
 
 ElementKind Importer::Next() {

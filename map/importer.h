@@ -52,7 +52,8 @@ class Importer {
     Importer& operator=(const Importer&) = delete;
     ~Importer();
 
-    // False when the file could not be opened; a message box has said why.
+    // False when the file could not be opened; a message box has said why. Throws client::ForeignFile for
+    // what is no map.
     bool Open(const OpenOptions& options);
     void Close() { details->Close(); }
 
@@ -67,6 +68,8 @@ class Importer {
     std::span<VkmElement> LineElements() { return {elements.data(), line.elements.size()}; }
 
     int AxisOrientation() const { return axisOrientation; }
+    // A byte order mark stood before the first record of the file that was opened last.
+    bool MarkSkipped() const { return markSkipped; }
     // True once the closing record was read.
     bool Complete() const { return details->IsComplete() != 0; }
     bool Relative() const { return details->GetRelativeCoordinates() != 0; }
@@ -82,6 +85,7 @@ class Importer {
     void ReadText();
 
     CVKMDetails* details;
+    bool markSkipped = false;
     std::vector<VkmElement> elements;  // never shrinks; a line uses its first ones
     RawLine line;
     RawText text;
