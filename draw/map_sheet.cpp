@@ -93,6 +93,13 @@ void MapSheet::Draw(Canvas& canvas) const {
     legend.Draw(canvas, {area.maxX + legendGap * size, area.minY});
 }
 
+uint64_t MapSheet::Count() const {
+    uint64_t count = 0;
+    for (const auto& [number, layer] : scene.layers)
+        count += layer.strokes.size() + layer.symbols.size() + layer.texts.size();
+    return count;
+}
+
 void MapSheet::DefineStyles(Canvas& canvas) const {
     for (const LineStyle& style : scene.lineStyles) canvas.DefinePen(style.pen);
     for (const auto& [colour, pen] : symbolPens) canvas.DefinePen(pen);

@@ -28,6 +28,8 @@ class MapSheet {
     // At the scale of the map.
     PageSize Page() const { return page; }
     void Draw(Canvas& canvas) const;
+    // Strokes, symbols and texts of the map.
+    uint64_t Count() const;
 
   private:
     void LayOut();

@@ -36,8 +36,8 @@ class SceneBuilder {
     // The scene of all elements taken. The builder is used up.
     Scene Finish();
 
-    // Bytes of texts that were no characters of the encoding.
-    uint64_t ReplacedBytes() const { return decoder.ReplacedBytes(); }
+    // Knows of bytes that were no characters of the encoding.
+    const client::TextDecoder& Decoder() const { return decoder; }
 
   private:
     void Begin();

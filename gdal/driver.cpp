@@ -17,11 +17,12 @@ namespace vemrado::gdal {
 namespace {
 
 constexpr const char* openOptions = R"(<OpenOptionList>
-  <Option name='ENCODING' type='string-select' default='windows-1250' description='Encoding of the texts in the file'>
+  <Option name='ENCODING' type='string-select' default='windows-1250' description='Encoding of the texts in the file; auto guesses it'>
     <Value>windows-1250</Value>
     <Value>cp852</Value>
     <Value>iso-8859-2</Value>
     <Value>utf-8</Value>
+    <Value>auto</Value>
   </Option>
   <Option name='ORIENTATION' type='string' default='-y,-x' description="What a point (x, y) of the file, x to the south and y to the west, becomes: x,y x,-y -x,y -x,-y y,x -y,x y,-x or -y,-x, or its code 1 2 4 8 16 32 64 128. The default gives east and north"/>
   <Option name='SYMBOLOGY' type='string' description='Directory that holds VKMSym with the symbology tables for the styles of features; NO for none. By default the sample symbology, where it is installed'/>
@@ -98,7 +99,9 @@ bool ReadReference(const char* name, OpenSettings& settings) {
 
 bool ReadOpenOptions(const char* const* options, OpenSettings& settings) {
     const std::string encoding = CSLFetchNameValueDef(options, "ENCODING", "windows-1250");
-    const std::optional<client::Encoding> found = client::FindEncoding(encoding);
+    settings.guessEncoding = EQUAL(encoding.c_str(), "auto");
+    const std::optional<client::Encoding> found =
+        client::FindEncoding(settings.guessEncoding ? "windows-1250" : encoding);
     if (!found) {
         CPLError(CE_Failure, CPLE_IllegalArg, "ENCODING: '%s' is no encoding", encoding.c_str());
         return false;

@@ -132,6 +132,11 @@ void ElementReader::EndFile(ModuleSession& session) {
                        source.names[nextFile - 1] + ", line " + std::to_string(importer->GetLineCount()) +
                            ": the file ends without its closing record; its last element is lost");
     }
+    const std::string advice =
+        client::EncodingAdvice(decoder.ReplacedBytes(), decoder.Evidence(), source.encoding, "ENCODING=");
+    if (!advice.empty() && !std::exchange(source.states[nextFile - 1].encodingTold, true))
+        session.Report(CE_Warning, CPLE_AppDefined, source.names[nextFile - 1] + ": " + advice);
+    decoder = client::TextDecoder(source.encoding);  // what it counted belongs to this file
     importer.reset();
 }
 

@@ -18,9 +18,10 @@ class ModuleSession;
 
 // What readers found in a file, so that it is reported once.
 struct FileState {
-    bool truncated = false;  // no closing record: its last element is lost
-    bool leftOut = false;    // points without a place were left out
-    bool failed = false;     // it could not be opened or read to its end
+    bool truncated = false;     // no closing record: its last element is lost
+    bool leftOut = false;       // points without a place were left out
+    bool encodingTold = false;  // that texts look like another encoding
+    bool failed = false;        // it could not be opened or read to its end
 };
 
 // What the layers of a dataset read, and how.

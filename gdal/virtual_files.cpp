@@ -107,10 +107,11 @@ std::optional<std::string> StartOfFile(const std::string& name) {
 
 }  // namespace
 
-bool CheckMapFile(const std::string& file, const std::string& shownName) {
+bool CheckMapFile(const std::string& file, const std::string& shownName, client::EncodingEvidence& evidence) {
     const std::optional<std::string> read = StartOfFile(file);
     if (!read) return true;  // the module says why
     const std::string& start = *read;
+    evidence.Add(start);
     const std::string_view foreign = client::ForeignKind(start);
     if (!foreign.empty()) {
         CPLError(CE_Failure, CPLE_OpenFailed, "%s", client::ForeignFileMessage(shownName, foreign).c_str());

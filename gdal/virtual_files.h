@@ -5,6 +5,7 @@
 
 #include <string>
 
+#include "client/text_encoding.h"
 #include "framework/framework.h"
 
 namespace vemrado::gdal {
@@ -15,7 +16,7 @@ namespace vemrado::gdal {
 extern const FrameworkFileProvider virtualFiles;
 
 // Looks at a map file's start. What is no map is reported to GDAL as a failure, and the result is false then;
-// a byte order mark, which these files pass over, is a warning.
-bool CheckMapFile(const std::string& file, const std::string& shownName);
+// a byte order mark, which these files pass over, is a warning. What the start says of the encoding is added.
+bool CheckMapFile(const std::string& file, const std::string& shownName, client::EncodingEvidence& evidence);
 
 }  // namespace vemrado::gdal

@@ -35,9 +35,11 @@ std::unique_ptr<VkmDataset> VkmDataset::Open(const std::vector<std::string>& fil
     state.source.axisOrientation = settings.axisOrientation;
     state.source.withSourceField = settings.withSourceField;
     state.dataDirectory = settings.dataDirectory;
+    client::EncodingEvidence evidence;
     for (const std::string& file : files) {
-        if (!dataset->AddFile(file)) return nullptr;
+        if (!dataset->AddFile(file, evidence)) return nullptr;
     }
+    if (settings.guessEncoding) state.source.encoding = evidence.Guess().value_or(settings.encoding);
     const OGRSpatialReference* layerReference = settings.reference ? &*settings.reference : nullptr;
     for (const LayerKind kind : {lineLayer, pointLayer, textLayer})
         dataset->layers.push_back(std::make_unique<VkmLayer>(state, kind, layerReference));
@@ -58,14 +60,14 @@ OGRLayer* VkmDataset::GetLayer(int index) {
     return layers[static_cast<size_t>(index)].get();
 }
 
-bool VkmDataset::AddFile(const std::string& file) {
+bool VkmDataset::AddFile(const std::string& file, client::EncodingEvidence& evidence) {
     Source& source = state.source;
     const bool isStandardInput = file == standardInput;
     if (isStandardInput && !SpoolStandardInput()) return false;
     source.files.push_back(isStandardInput ? spooledInput : file);
     source.names.push_back(isStandardInput ? "standard input" : file);
     source.states.emplace_back();
-    if (!CheckMapFile(source.files.back(), source.names.back())) return false;
+    if (!CheckMapFile(source.files.back(), source.names.back(), evidence)) return false;
     const std::optional<Header> header = ReadHeader(source, source.files.size() - 1);
     if (!header) return false;
     if (source.files.size() == 1) {

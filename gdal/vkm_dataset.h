@@ -19,6 +19,7 @@ namespace vemrado::gdal {
 // What the open options and their defaults come to.
 struct OpenSettings {
     client::Encoding encoding = client::Encoding::windows1250;
+    bool guessEncoding = false;  // from the starts of the files
     int axisOrientation = 128;
     std::string dataDirectory;  // holds VKMSym; empty: no styles
     std::optional<OGRSpatialReference> reference;
@@ -50,7 +51,7 @@ class VkmDataset : public GDALDataset {
     void StopWhen(std::function<bool()> requested) { state.source.stopRequested = std::move(requested); }
 
   private:
-    bool AddFile(const std::string& file);
+    bool AddFile(const std::string& file, client::EncodingEvidence& evidence);
     bool SpoolStandardInput();
 
     SharedState state;

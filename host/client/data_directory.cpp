@@ -1,5 +1,7 @@
 #include "client/data_directory.h"
 
+#include <filesystem>
+
 #include "client/system.h"
 #include "framework/framework.h"
 
@@ -19,6 +21,15 @@ bool HoldsSymbology(const std::string& directory) {
 
 void UseDataDirectory(const std::string& directory) {
     FrameworkSetDataDirectory(directory.empty() ? nullptr : directory.c_str());
+}
+
+std::string DataDirectoryOf(const std::string& directory) {
+    const std::filesystem::path path =
+        std::filesystem::path(directory + "/").lexically_normal().parent_path();
+    std::string name = path.filename().string();
+    for (char& c : name) c = c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
+    if (name != "vkmsym") return directory;
+    return path.has_parent_path() ? path.parent_path().string() : ".";
 }
 
 std::string FindSampleSymbology(const std::string& programPath) {

@@ -39,8 +39,11 @@ class Stream {
     bool Provided() const { return provided != nullptr; }
 
     // Reads on until the start tells what it is. A slow writer is not waited for longer than that.
-    std::string_view Start() {
-        while (start.size() < lookedAtBytes && (start.empty() || !ForeignKind(start).empty())) {
+    std::string_view Start(size_t wanted) {
+        const auto undecided = [&] {
+            return start.size() < lookedAtBytes && (start.empty() || !ForeignKind(start).empty());
+        };
+        while (start.size() < wanted || undecided()) {
             const size_t before = start.size();
             constexpr size_t step = 4096;
             start.resize(before + step);
@@ -51,7 +54,7 @@ class Stream {
         return start;
     }
 
-    void Skip(size_t count) { used += count; }
+    void Skip(size_t count) { used = count; }
 
     int64_t Read(void* destination, size_t count) {
         if (used == start.size()) return ReadSource(destination, count);
@@ -99,6 +102,16 @@ void* OpenOffered(void*, const char* path) {
     return stream;
 }
 
+// The stream of a name that still waits; null when there is none.
+std::unique_ptr<Stream> TakeBack(const std::string& name) {
+    const std::lock_guard hold(offersLock);
+    const auto found = std::ranges::find(offers, name, &Offer::name);
+    if (found == offers.end()) return nullptr;
+    std::unique_ptr<Stream> stream = std::move(found->stream);
+    offers.erase(found);
+    return stream;
+}
+
 void OfferStream(const std::string& name, std::unique_ptr<Stream> stream) {
     static const FrameworkFileProvider provider = {
         nullptr, OpenOffered,
@@ -106,22 +119,24 @@ void OfferStream(const std::string& name, std::unique_ptr<Stream> stream) {
         [](void* opened) { return static_cast<Stream*>(opened)->length; },
         [](void* opened) { delete static_cast<Stream*>(opened); }};
     const std::lock_guard hold(offersLock);
-    std::erase_if(offers, [&](const Offer& offer) { return offer.name == name; });
     offers.push_back({name, std::move(stream)});
     AddFileProvider(provider);
 }
 
 }  // namespace
 
-InputFile LookAtInput(const std::string& name) {
-    InputFile input{ShownName(name.c_str())};
+InputFile LookAtInput(const std::string& name, size_t wanted) {
+    InputFile input;
+    input.name = ShownName(name.c_str());
     const FileKind kind = name == standardInputName ? FileKind::other : KindOfFile(name);
     if (kind == FileKind::directory) return input;
-    auto stream = std::make_unique<Stream>(name);
+    std::unique_ptr<Stream> stream = TakeBack(input.name);
+    if (!stream) stream = std::make_unique<Stream>(name);
     if (!stream->Usable()) return input;
     const bool opensAgain = kind == FileKind::regular || stream->Provided();
 
-    const std::string_view start = stream->Start();
+    input.start = stream->Start(wanted);
+    const std::string_view start = input.start;
     const std::string_view foreign = ForeignKind(start);
     if (!foreign.empty()) throw ForeignFile(ForeignFileMessage(SystemTextToUtf8(input.name), foreign));
     input.markSkipped = start.starts_with(byteOrderMark);

@@ -17,13 +17,15 @@ class ForeignFile : public std::runtime_error {
 
 struct InputFile {
     std::string name;          // what the module's next open takes
+    std::string start;         // its first bytes, as far as they were looked at
     bool markSkipped = false;  // a byte order mark stood before the first record
 };
 
 // Looks at the start of a file, or of standard input (standardInputName). Throws ForeignFile; a file that
 // cannot be read is left to the module, which says why. What has been read of a stream, and a file with a
-// mark, is handed to the module's next open of the name by a file provider.
-InputFile LookAtInput(const std::string& name);
+// mark, is handed to the module's next open of the name by a file provider. A stream can be looked at again
+// before that. More than what tells a map may be looked at.
+InputFile LookAtInput(const std::string& name, size_t wanted = 0);
 
 // The sentence that tells of a skipped mark.
 std::string SkippedMarkMessage(const std::string& shownName);

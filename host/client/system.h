@@ -40,8 +40,9 @@ void WriteStandardError(std::string_view utf8);
 
 // --- Interrupt from the keyboard ---
 
-// The first interrupt of the process becomes a stop request from now on; the second ends the process.
-// A process that ignores interrupts, as one in the background may, goes on ignoring them.
+// The first interrupt of the process becomes a stop request from now on, as a polite end from outside and the
+// end of the terminal do; the second ends the process. A process that ignores interrupts, as one in the
+// background may, goes on ignoring them.
 void CatchInterrupt();
 
 // True once the interrupt came. Any thread may call it.

@@ -4,6 +4,7 @@
 #include <locale.h>
 #include <poll.h>
 #include <signal.h>
+#include <sys/auxv.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -22,6 +23,9 @@ namespace vemrado::client {
 namespace {
 
 volatile sig_atomic_t interruptCaught = 0;
+
+// Ctrl-C, a polite end from outside, and the terminal's end.
+constexpr std::array stopSignals = {SIGINT, SIGTERM, SIGHUP};
 
 void OnInterrupt(int) {
     interruptCaught = 1;
@@ -92,11 +96,11 @@ WriteResult WriteAll(int file, std::string_view bytes) {
 
 // Waits until standard input has data or an interrupt comes, without a gap in which one could be missed.
 void WaitForStandardInput() {
-    sigset_t interrupt;
+    sigset_t stops;
     sigset_t before;
-    sigemptyset(&interrupt);
-    sigaddset(&interrupt, SIGINT);
-    sigprocmask(SIG_BLOCK, &interrupt, &before);
+    sigemptyset(&stops);
+    for (const int stop : stopSignals) sigaddset(&stops, stop);
+    sigprocmask(SIG_BLOCK, &stops, &before);
     if (!StopRequested()) {
         pollfd input = {STDIN_FILENO, POLLIN, 0};
         ppoll(&input, 1, nullptr, &before);
@@ -138,12 +142,14 @@ void WriteStandardError(std::string_view utf8) {
 }
 
 void CatchInterrupt() {
-    struct sigaction before = {};
-    if (sigaction(SIGINT, nullptr, &before) != 0 || before.sa_handler == SIG_IGN) return;
-    struct sigaction action = {};
-    action.sa_handler = OnInterrupt;
-    action.sa_flags = static_cast<int>(SA_RESETHAND);  // a second interrupt ends a program that does not stop
-    sigaction(SIGINT, &action, nullptr);
+    for (const int stop : stopSignals) {
+        struct sigaction before = {};
+        if (sigaction(stop, nullptr, &before) != 0 || before.sa_handler == SIG_IGN) continue;
+        struct sigaction action = {};
+        action.sa_handler = OnInterrupt;
+        action.sa_flags = static_cast<int>(SA_RESETHAND);  // a second one ends a program that does not stop
+        sigaction(stop, &action, nullptr);
+    }
 }
 
 bool InterruptCaught() {
@@ -174,7 +180,12 @@ bool PutInPlace(const std::string& from, const std::string& to) {
 }
 
 std::string ProgramPath() {
-    return FollowLinks("/proc/self/exe");
+    const std::string link = "/proc/self/exe";
+    const std::string path = FollowLinks(link);
+    if (path != link) return path;
+    // Without /proc the program's name as it was started, which the kernel hands over.
+    const auto* started = reinterpret_cast<const char*>(getauxval(AT_EXECFN));
+    return started != nullptr ? FollowLinks(started) : std::string();
 }
 
 unsigned long ProcessNumber() {

@@ -84,7 +84,10 @@ TextDecoder::TextDecoder(Encoding textEncoding) : encoding(textEncoding), sequen
 void TextDecoder::Append(std::string_view bytes, std::string& utf8) {
     if (std::all_of(bytes.begin(), bytes.end(), IsAscii)) {
         utf8.append(bytes);
-    } else if (encoding == Encoding::utf8) {
+        return;
+    }
+    evidence.Add(bytes);
+    if (encoding == Encoding::utf8) {
         AppendCheckedUtf8(bytes, utf8);
     } else {
         AppendSingleBytes(bytes, utf8);
@@ -120,6 +123,25 @@ void TextDecoder::AppendCheckedUtf8(std::string_view bytes, std::string& utf8) {
         }
         bytes.remove_prefix(std::max<size_t>(length, 1));
     }
+}
+
+std::string Printable(std::string_view utf8) {
+    constexpr std::string_view digits = "0123456789ABCDEF";
+    std::string shown;
+    for (size_t i = 0; i < utf8.size(); ++i) {
+        const auto byte = static_cast<unsigned char>(utf8[i]);
+        const bool simple = (byte < 0x20 && byte != '\n') || byte == 0x7F;
+        // U+0080 to U+009F have two bytes.
+        const bool wide =
+            byte == 0xC2 && i + 1 < utf8.size() && static_cast<unsigned char>(utf8[i + 1]) < 0xA0;
+        if (!simple && !wide) {
+            shown += utf8[i];
+            continue;
+        }
+        const auto control = static_cast<unsigned char>(wide ? utf8[++i] : utf8[i]);
+        shown += {'\\', 'x', digits[control >> 4], digits[control & 15]};
+    }
+    return shown;
 }
 
 std::string MessageToUtf8(std::string_view message) {

@@ -26,6 +26,32 @@ size_t Utf8SequenceLength(std::string_view text);
 // Appends a character in UTF-8.
 void AppendUtf8(char32_t character, std::string& text);
 
+// Gathers what bytes past ASCII say of the encoding that they are in.
+class EncodingEvidence {
+  public:
+    void Add(std::string_view text);
+
+    // The encoding in which the texts make most sense as Czech, Slovak or German; none without a byte past
+    // ASCII.
+    std::optional<Encoding> Guess() const;
+
+    // The guess, when the texts make much less sense in the encoding that was taken.
+    std::optional<Encoding> BetterThan(Encoding taken) const;
+
+  private:
+    int64_t Sense(Encoding encoding) const;
+
+    std::array<uint32_t, 128> counts{};  // of the bytes from 0x80 on
+    uint64_t utf8Sequences = 0;
+    uint64_t otherBytes = 0;  // past ASCII and no part of a UTF-8 sequence
+};
+
+// What the user should know of bytes that were no characters, or of a better encoding; empty when all is
+// well. The option is what the caller's users write before the name of another encoding, such as "--encoding
+// ".
+std::string EncodingAdvice(uint64_t replacedBytes, const EncodingEvidence& evidence, Encoding taken,
+                           const std::string& option);
+
 // Turns texts of one encoding into UTF-8. A byte without a character becomes U+FFFD and is counted.
 class TextDecoder {
   public:
@@ -36,6 +62,8 @@ class TextDecoder {
 
     // Bytes replaced since the decoder was made.
     uint64_t ReplacedBytes() const { return replacedBytes; }
+    // What the bytes past ASCII say of their encoding.
+    const EncodingEvidence& Evidence() const { return evidence; }
 
   private:
     struct Sequence {
@@ -49,7 +77,12 @@ class TextDecoder {
     Encoding encoding;
     std::array<Sequence, 256> sequences;  // of single-byte encodings
     uint64_t replacedBytes = 0;
+    EncodingEvidence evidence;
 };
+
+// A text for people's terminals: control characters, which would move the cursor or worse, become \x1B and so
+// on. Line feeds stay.
+std::string Printable(std::string_view utf8);
 
 // A message of the module as UTF-8. The module's own words are Windows-1250 while file names and the system's
 // messages may be UTF-8: what makes a UTF-8 sequence stays, every other byte counts as Windows-1250.

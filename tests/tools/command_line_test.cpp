@@ -3,8 +3,10 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <csignal>
 #include <sstream>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "program_run.h"
@@ -44,6 +46,7 @@ TEST(CommandLine, EndsAndSpeaksAsDocumented) {
     const std::string map = folder.Add("map.vkm", smallMap);
     const std::string cut = folder.Add("cut.vkm", cutMap);
     const std::string marked = folder.Add("marked.vkm", "\xEF\xBB\xBF" + std::string(smallMap));
+    const std::string utf8 = folder.Add("utf8.vkm", "&T 12 22 'Žluťoučký kůň' H=2\n&K\n");
     folder.Add("marked.vkm.zip", "PK\3\4 not a map");
     const std::string missing = folder.Path("missing.vkm");
     const std::string lost =
@@ -76,7 +79,34 @@ TEST(CommandLine, EndsAndSpeaksAsDocumented) {
          "zip: it is no whole zip archive: it is too short"},
         // Usage.
         {{}, "", 2, "", "Try 'vkm --help'."},
-        {{"nonsense"}, "", 2, "", "Try 'vkm --help'."},
+        {{"nonsense"}, "", 2, "", "no command 'nonsense'; the commands are help, "},
+        {{"rendr", map}, "", 2, "", "no command 'rendr'; did you mean 'render'?"},
+        {{"help", "dmup"}, "", 2, "", "did you mean 'dump'?"},
+        {{"help"}, "", 0, "info ", ""},
+        {{"help", "dump"}, "", 0, "Examples:", ""},
+        {{"version"}, "", 0, "vkm 1.", ""},
+        {{"-V"}, "", 0, "vkm 1.", ""},
+        {{"info", "a\x1B[31mb.vkm"}, "", 1, "a\\x1B[31mb.vkm", "No such file"},
+        // Outputs.
+        {{"render", map, "-o", "-"}, "", 2, "", "--format png, svg or pdf"},
+        {{"render", "-", "-o", "-", "-f", "svg"}, smallMap, 0, "<svg ", ""},
+        {{"render", map, "-o", map, "-f", "png"}, "", 2, "", "an input cannot be the output"},
+        {{"shapes", "unpack", map, map}, "", 2, "", "an input cannot be the output"},
+        {{"shapes", "pack", "-", "-"}, "height 7\n", 0, "HEIGHT", ""},
+        {{"shapes", "pack", "-", "/dev/full"}, "height 7\n", 3, "", "/dev/full: cannot be written: No space"},
+        {{"shapes", "pack", "-", "/no/where"}, "height 7\n", 3, "", "/no/where: cannot be written: No such"},
+        {{"symbology", "-o", "-"}, "", 2, "", "the sheet needs a file"},
+        {{"render", "-", "-o", "-", "-f", "svg", "--data", DATA_FOLDER "/symbology/VKMSym/"},
+         "&L P 1 2 S=101\n&K\n",
+         0,
+         "#symbol-101",
+         ""},
+        {{"render", map, "-o", "-", "-f", "svg", "--layers", "1-6,8"}, "", 1, "", "nothing to draw"},
+        {{"render", map, "-o", "-", "-f", "svg", "--layers", "6-1"}, "", 2, "", "'6-1' is no layer number"},
+        // Encodings.
+        {{"render", utf8, "-o", "-", "-f", "svg"}, "", 0, "<svg ", "the texts look like utf-8"},
+        {{"dump", "-", "-e", "auto"}, FileBytes(utf8), 0, "Žluťoučký kůň", ""},
+        {{"dump", utf8, "-e", "auto"}, "", 0, "Žluťoučký kůň", ""},
         {{"info"}, "", 2, "", "Try 'vkm info --help'."},
         {{"info", "-", "-"}, smallMap, 2, "", "standard input can be read only once"},
         {{"dump", map, map}, "", 2, "", "Try 'vkm dump --help'."},
@@ -141,8 +171,9 @@ TEST(CommandLine, FullDiskIsSaid) {
 TEST(CommandLine, InterruptStopsCleanly) {
     std::string map = LargeMap();
     map.resize(map.size() - 3);  // more is to come
-    for (const char* command : {"dump", "info"}) {
-        const RunResult result = RunVkm({command, "-"}, {.input = map, .interrupt = true});
+    const std::pair<const char*, int> cases[] = {{"dump", SIGINT}, {"info", SIGTERM}, {"dump", SIGHUP}};
+    for (const auto& [command, signal] : cases) {
+        const RunResult result = RunVkm({command, "-"}, {.input = map, .interrupt = signal});
         EXPECT_EQ(result.exitCode, 1) << command;
         EXPECT_EQ(result.errors, "vkm: standard input: stopped on request; the output is partial\n")
             << command;

@@ -66,15 +66,15 @@ void Feed(Pipe& pipe, std::string_view& rest, bool closeAtEnd) {
 }
 
 // Interrupts the program once its standard input holds nothing more.
-void InterruptWhenRead(pid_t process, const Pipe& input) {
+void InterruptWhenRead(pid_t process, int signal, const Pipe& input) {
     for (int waiting = 1; waiting > 0; usleep(10'000)) ioctl(input.ends[0], FIONREAD, &waiting);
-    kill(process, SIGINT);
+    kill(process, signal);
 }
 
 void Exchange(pid_t process, const RunSetting& setting, Pipe& input, Pipe& output, Pipe& errors,
               RunResult& result) {
     std::string_view rest = setting.input;
-    bool interrupted = !setting.interrupt;
+    bool interrupted = setting.interrupt == 0;
     fcntl(input.ends[1], F_SETFL, O_NONBLOCK);
     while (output.ends[0] >= 0 || errors.ends[0] >= 0) {
         std::array<pollfd, 3> files = {{{output.ends[0], POLLIN, 0},
@@ -83,9 +83,9 @@ void Exchange(pid_t process, const RunSetting& setting, Pipe& input, Pipe& outpu
         poll(files.data(), files.size(), 10'000);
         if (files[0].revents != 0) Drain(output, result.output);
         if (files[1].revents != 0) Drain(errors, result.errors);
-        if (files[2].revents != 0) Feed(input, rest, !setting.interrupt);
+        if (files[2].revents != 0) Feed(input, rest, setting.interrupt == 0);
         if (rest.empty() && !interrupted) {
-            InterruptWhenRead(process, input);
+            InterruptWhenRead(process, setting.interrupt, input);
             interrupted = true;
         }
     }
@@ -100,7 +100,7 @@ RunResult RunVkm(const std::vector<std::string>& arguments, const RunSetting& se
     Pipe errors;
     const pid_t process = fork();
     if (process == 0) BecomeVkm(arguments, setting, input, output, errors);
-    if (!setting.interrupt) input.Close(0);
+    if (setting.interrupt == 0) input.Close(0);
     output.Close(1);
     errors.Close(1);
     if (setting.closeOutputEarly) output.Close(0);

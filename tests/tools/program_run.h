@@ -19,7 +19,7 @@ struct RunSetting {
     std::string outputFile{};       // standard output goes to this file instead of the result
     std::string environment{};      // NAME=VALUE, in place of the variable
     bool closeOutputEarly = false;  // the reader of standard output goes away at once
-    bool interrupt = false;  // standard input stays open; the program is interrupted once it has read it all
+    int interrupt = 0;  // a signal: standard input stays open; the program gets it once it has read it all
 };
 
 RunResult RunVkm(const std::vector<std::string>& arguments, const RunSetting& setting = {});

@@ -8,6 +8,11 @@ void AddCommands(Program& program) {
     AddRenderCommand(program);
 #if VEMRADO_CONVERTER
     AddConvertCommand(program);
+#else
+    program.LeaveOut(
+        "convert",
+        "convert is not part of this build, which has no GDAL: "
+        "the packages vemrado and vemrado-gdal have it, or a build with -DVEMRADO_BUILD_GDAL=ON");
 #endif
     AddSymbologyCommand(program);
     AddShapesCommand(program);

@@ -1,11 +1,21 @@
 #include "common_options.h"
 
+#include <filesystem>
 #include <vector>
 
 #include "client/axis_orientation.h"
+#include "client/input_file.h"
+#include "client/standard_input.h"
+#include "client/system.h"
 #include "program.h"
+#include "translations.h"
 
 namespace vemrado::tools {
+namespace {
+
+constexpr const char* guessedEncoding = "auto";
+
+}  // namespace
 
 void AddFileArgument(CLI::App& command, std::string& file) {
     command.add_option("FILE", file, "The VKM file, or an archive that holds one; - is standard input")
@@ -13,16 +23,58 @@ void AddFileArgument(CLI::App& command, std::string& file) {
         ->required();
 }
 
-void AddEncodingOption(Program& program, CLI::App& command, client::Encoding& encoding) {
-    const auto choose = [&encoding](const std::string& name) {
+void RefuseInputAsOutput(const std::string& input, const std::string& output) {
+    std::error_code none;
+    if (input == client::standardInputName || output.empty() || output == client::standardInputName) return;
+    if (!std::filesystem::equivalent(input, output, none)) return;
+    throw Failure(exitUsage, client::SystemTextToUtf8(input) + ": an input cannot be the output as well");
+}
+
+void AddEncodingOption(Program& program, CLI::App& command, EncodingChoice& choice) {
+    const auto choose = [&choice](const std::string& name) {
+        choice.guess = name == guessedEncoding;
+        if (choice.guess) return;
         const auto found = client::FindEncoding(name);
-        if (!found) throw CLI::ValidationError("--encoding", "there is no encoding '" + name + "'");
-        encoding = *found;
+        if (!found) throw CLI::ValidationError("--encoding", Filled("there is no encoding '{}'", {name}));
+        choice.encoding = *found;
     };
     CLI::Option* option = command.add_option_function<std::string>(
-        "-e,--encoding", choose, "Encoding of the file's texts: windows-1250, cp852, iso-8859-2 or utf-8");
-    option->type_name("NAME")->default_str(std::string(client::encodingNames[static_cast<size_t>(encoding)]));
-    program.SetChoices(*option, {client::encodingNames.begin(), client::encodingNames.end()});
+        "-e,--encoding", choose,
+        "Encoding of the file's texts: windows-1250, cp852, iso-8859-2, utf-8, or auto to guess it");
+    option->type_name("NAME")->default_str(
+        std::string(client::encodingNames[static_cast<size_t>(choice.encoding)]));
+    std::vector<std::string> names = {client::encodingNames.begin(), client::encodingNames.end()};
+    names.emplace_back(guessedEncoding);
+    program.SetChoices(*option, names);
+}
+
+std::string NameOf(const EncodingChoice& choice) {
+    return choice.guess ? guessedEncoding
+                        : std::string(client::encodingNames[static_cast<size_t>(choice.encoding)]);
+}
+
+bool ChooseEncoding(const EncodingChoice& choice, const std::string& file, Environment& environment,
+                    client::Encoding& encoding) {
+    encoding = choice.encoding;
+    if (!choice.guess) return true;
+    try {
+        constexpr size_t enough = 1 << 20;
+        client::EncodingEvidence evidence;
+        evidence.Add(client::LookAtInput(file, enough).start);
+        encoding = evidence.Guess().value_or(encoding);
+        return true;
+    } catch (const client::ForeignFile& foreign) {
+        environment.Error(foreign.what());
+        return false;
+    }
+}
+
+void WarnOfEncoding(const std::string& file, const client::TextDecoder& decoder, client::Encoding taken,
+                    Environment& environment) {
+    const std::string advice =
+        client::EncodingAdvice(decoder.ReplacedBytes(), decoder.Evidence(), taken, "--encoding ");
+    const std::string name = client::SystemTextToUtf8(client::ShownName(file.c_str()));
+    if (!advice.empty()) environment.Warn(name + ": " + advice);
 }
 
 void AddOrientationOption(Program& program, CLI::App& command, int& code) {

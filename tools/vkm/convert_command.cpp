@@ -31,7 +31,7 @@ struct ConvertOptions {
     bool parcels = false;
     int jobs = 1;
     int axisOrientation = 128;
-    client::Encoding encoding = client::Encoding::windows1250;
+    EncodingChoice encoding;
 };
 
 // The info window's bar of a conversion.
@@ -61,7 +61,7 @@ class Progress {
 std::vector<std::string> DriverOptions(const ConvertOptions& options) {
     const char* data = FrameworkGetDataDirectory();
     std::vector<std::string> list = {
-        "ENCODING=" + std::string(client::encodingNames[static_cast<size_t>(options.encoding)]),
+        "ENCODING=" + NameOf(options.encoding),
         "ORIENTATION=" + std::to_string(options.axisOrientation),
         "SYMBOLOGY=" + std::string(data != nullptr ? data : "NO"),
         std::string("PARCELS=") + (options.parcels ? "YES" : "NO"),

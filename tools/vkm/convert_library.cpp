@@ -17,7 +17,8 @@ void* LoadEntry(const char* entryName) {
     if (entry != nullptr) return entry;
     const char* reason = dlerror();
     throw Failure(exitInternal, std::string("convert needs ") + name +
-                                    ", which comes with the GDAL driver, and it cannot be loaded: " +
+                                    ", which comes with the GDAL driver (Debian: the package vemrado-gdal), "
+                                    "and it cannot be loaded: " +
                                     (reason != nullptr ? reason : "no reason given"));
 }
 

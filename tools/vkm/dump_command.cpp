@@ -19,7 +19,7 @@ namespace {
 
 struct DumpOptions {
     std::string file;
-    client::Encoding encoding = client::Encoding::windows1250;
+    EncodingChoice encoding;
     int axisOrientation = 1;
 };
 
@@ -29,7 +29,7 @@ class ElementListing {
 
     void WriteLine(const client::LineElement& line);
     void WriteText(const client::TextElement& text);
-    uint64_t ReplacedBytes() const { return decoder.ReplacedBytes(); }
+    const client::TextDecoder& Decoder() const { return decoder; }
 
   private:
     void WriteVertex(const client::ElementVertex& vertex);
@@ -118,8 +118,10 @@ void ElementListing::PutType(std::string_view before, int type) {
 int RunDump(const DumpOptions& options, Environment& environment) {
     // A progress bar would run through the listing when both go to one terminal.
     if (client::StandardOutputIsTerminal()) InfoSetVisible(0);
+    client::Encoding encoding = client::Encoding::windows1250;
+    if (!ChooseEncoding(options.encoding, options.file, environment, encoding)) return exitInput;
     client::Importer importer;
-    ElementListing listing(environment.output, options.encoding);
+    ElementListing listing(environment.output, encoding);
     client::OpenOptions open;
     open.fileName = FindOneInput(options.file);
     open.axisOrientation = options.axisOrientation;
@@ -130,11 +132,7 @@ int RunDump(const DumpOptions& options, Environment& environment) {
             listing.WriteText(importer.Text());
         }
     });
-    if (listing.ReplacedBytes() > 0) {
-        const std::string_view encoding = client::encodingNames[static_cast<size_t>(options.encoding)];
-        environment.Warn(std::to_string(listing.ReplacedBytes()) + " bytes are no characters of " +
-                         std::string(encoding) + " and were replaced by U+FFFD; try --encoding");
-    }
+    WarnOfEncoding(options.file, listing.Decoder(), encoding, environment);
     return result.outcome == ReadOutcome::complete ? exitDone : exitInput;
 }
 

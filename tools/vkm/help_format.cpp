@@ -1,5 +1,7 @@
 #include "help_format.h"
 
+#include "translations.h"
+
 namespace vemrado::tools {
 
 std::string ValueName(const CLI::Option& option) {
@@ -10,14 +12,17 @@ std::string ValueName(const CLI::Option& option) {
 
 std::string OptionDescription(const CLI::Option& option) {
     const std::string& preset = option.get_default_str();
-    return option.get_description() + (preset.empty() ? "" : " (default: " + preset + ")");
+    std::string text(Translated(option.get_description()));
+    if (!preset.empty()) text += " (" + Filled("default: {}", {preset}) + ")";
+    return text;
 }
 
 HelpFormat::HelpFormat() {
     constexpr size_t descriptionColumn = 28;
     column_width(descriptionColumn);
-    label("SUBCOMMAND", "COMMAND");
-    label("Positionals", "Arguments");
+    label("SUBCOMMAND", std::string(Translated("COMMAND")));
+    label("Positionals", std::string(Translated("Arguments")));
+    for (const char* word : {"Usage", "OPTIONS"}) label(word, std::string(Translated(word)));
 }
 
 std::string HelpFormat::make_option_opts(const CLI::Option* option) const {

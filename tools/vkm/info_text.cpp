@@ -123,7 +123,7 @@ std::string ExtentsText(const std::array<Range, 2>& extents) {
 }  // namespace
 
 std::string ReportText(const FileReport& report) {
-    std::string text = report.file + '\n';
+    std::string text = client::Printable(report.file) + '\n';
     if (!report.opened) return text + "  not readable\n";
     text += "  Map scale    1:" + Real(report.scale) + '\n';
     text += std::string("  Coordinates  ") +

@@ -3,8 +3,13 @@
 #include <algorithm>
 
 #include "client/atomic_output.h"
+#include "client/standard_input.h"
+#include "client/stop_request.h"
 #include "client/system.h"
 #include "program.h"
+#include "progress_bar.h"
+#include "translations.h"
+#include "watched_canvas.h"
 
 namespace vemrado::tools {
 namespace {
@@ -14,27 +19,47 @@ constexpr double pixelsPerInch = 96;  // of SVG and PDF pictures on screens
 
 draw::Format FormatOfFile(const PictureOptions& options) {
     draw::Format format = draw::Format::png;
+    if (!options.format.empty()) {
+        if (draw::FormatOf("." + options.format, format)) return format;
+        throw Failure(exitUsage, Filled("--format: there is no kind of picture '{}'; take png, svg or pdf",
+                                        {client::SystemTextToUtf8(options.format)}));
+    }
+    if (options.file == client::standardInputName) {
+        throw Failure(exitUsage,
+                      std::string(Translated(
+                          "--output: a picture for standard output needs --format png, svg or pdf")));
+    }
     if (!draw::FormatOf(options.file, format)) {
-        throw Failure(exitUsage, "--output: the name of a picture ends in .png, .svg or .pdf, not as in " +
-                                     client::SystemTextToUtf8(options.file));
+        throw Failure(exitUsage,
+                      Filled("--output: the name of a picture ends in .png, .svg or .pdf, not as in {}",
+                             {client::SystemTextToUtf8(options.file)}));
     }
     return format;
 }
 
 }  // namespace
 
-void AddPictureOptions(CLI::App& command, PictureOptions& options, bool required) {
-    CLI::Option* output =
-        command.add_option("-o,--output", options.file, "The picture; its name ends in .png, .svg or .pdf");
+void AddPictureOptions(Program& program, CLI::App& command, PictureOptions& options, bool required) {
+    CLI::Option* output = command.add_option(
+        "-o,--output", options.file,
+        "The picture; its name ends in .png, .svg or .pdf, or is - for standard output with --format");
     output->type_name("FILE")->required(required);
-    command
-        .add_option("--width", options.width, "Width of the picture in pixels (default: the size on paper)")
-        ->type_name("N")
-        ->check(CLI::Range(1, 32767));
-    command.add_option("--dpi", options.dotsPerInch, "Pixels per inch of a PNG picture without --width")
-        ->type_name("N")
-        ->capture_default_str()
-        ->check(CLI::Range(10.0, 2400.0));
+    CLI::Option* format =
+        command.add_option("-f,--format", options.format, "Kind of the picture: png, svg or pdf");
+    format->type_name("FORMAT");
+    program.SetChoices(*format, {"png", "svg", "pdf"});
+    CLI::Option* width = command
+                             .add_option("--width", options.width,
+                                         "Width of the picture in pixels (default: the size on paper)")
+                             ->type_name("N")
+                             ->check(CLI::Range(1, 32767));
+    program.SetChoices(*width, {"800", "1600", "3200"});
+    CLI::Option* dots =
+        command.add_option("--dpi", options.dotsPerInch, "Pixels per inch of a PNG picture without --width")
+            ->type_name("N")
+            ->capture_default_str()
+            ->check(CLI::Range(10.0, 2400.0));
+    program.SetChoices(*dots, {"96", "150", "300", "600"});
 }
 
 void AddAngleUnitOption(Program& program, CLI::App& command, draw::AngleUnit& unit) {
@@ -59,32 +84,60 @@ void CheckPicture(const PictureOptions& options) {
     }
 }
 
-void MakePicture(const PictureOptions& options, draw::PageSize page, const std::string& title,
-                 const std::function<void(draw::Canvas&)>& drawPage) {
+namespace {
+
+// Sets the page's size for the wanted width and returns the pixels per inch of a PNG picture.
+double Resize(const PictureOptions& options, draw::Format format, draw::PageSize& page) {
+    if (options.width <= 0) return options.dotsPerInch;
+    // The pixels of a PNG picture have no size of their own.
+    if (format == draw::Format::png) return options.width / page.width * millimetresPerInch;
+    page.zoom = options.width / pixelsPerInch * millimetresPerInch / page.width;
+    return options.dotsPerInch;
+}
+
+void DrawTo(const draw::ByteSink& sink, const PictureOptions& options, const Picture& picture) {
     const draw::Format format = FormatOfFile(options);
-    double dotsPerInch = options.dotsPerInch;
-    if (options.width > 0) {
-        // The pixels of a PNG picture have no size of their own.
-        if (format == draw::Format::png) {
-            dotsPerInch = options.width / page.width * millimetresPerInch;
-        } else {
-            page.zoom = options.width / pixelsPerInch * millimetresPerInch / page.width;
-        }
-    }
-    const std::string name = client::SystemTextToUtf8(options.file);
+    draw::PageSize page = picture.page;
+    const double dotsPerInch = Resize(options, format, page);
+    const auto things = static_cast<double>(std::max<uint64_t>(picture.things, 1));
+    ProgressBar bar("Drawing");
+    const auto canvas =
+        draw::MakeCanvas(format, page, dotsPerInch, picture.title, [&](std::string_view bytes) {
+            if (client::StopRequested()) throw DrawingStopped();
+            sink(bytes);
+        });
+    WatchedCanvas watched(*canvas, [&](uint64_t drawn) {
+        return bar.Draw(std::min(1.0, static_cast<double>(drawn) / things));
+    });
+    picture.draw(watched);
+    watched.Finish();
+}
+
+}  // namespace
+
+void MakePicture(const PictureOptions& options, const Picture& picture, Environment& environment) {
+    const bool streams = options.file == client::standardInputName;
+    const std::string name = streams ? "standard output" : client::SystemTextToUtf8(options.file);
     try {
+        if (streams) {
+            DrawTo([&](std::string_view bytes) { environment.output.Write(bytes); }, options, picture);
+            return;
+        }
         client::AtomicOutput output(options.file);
-        const auto canvas = draw::MakeCanvas(format, page, dotsPerInch, title,
-                                             [&](std::string_view bytes) { output.Write(bytes); });
-        drawPage(*canvas);
-        canvas->Finish();
+        DrawTo([&](std::string_view bytes) { output.Write(bytes); }, options, picture);
         output.Commit();
     } catch (const client::OutputError& error) {
         throw Failure(exitInternal, error.what());
+    } catch (const DrawingStopped&) {
+        throw Failure(exitInput, Filled(streams ? "{}: stopped on request; the picture is partial"
+                                                : "{}: stopped on request; no picture was made",
+                                        {name}));
     } catch (const draw::TooLarge& error) {
         throw Failure(exitUsage, name + ": " + error.what());
     } catch (const draw::Unsupported& error) {
         throw Failure(exitUsage, name + ": " + error.what());
+    } catch (const Failure&) {
+        throw;
     } catch (const std::runtime_error& error) {
         throw Failure(exitInternal, name + ": " + error.what());
     }

@@ -5,11 +5,15 @@
 #include <new>
 #include <utility>
 
+#include "client/atomic_output.h"
 #include "client/data_directory.h"
 #include "client/message_boxes.h"
 #include "client/system.h"
+#include "client/text_encoding.h"
 #include "help_format.h"
 #include "inputs.h"
+#include "translations.h"
+#include "unknown_command.h"
 #include "zrvDX320/zrvDX320.h"
 
 namespace vemrado::tools {
@@ -18,14 +22,14 @@ namespace {
 constexpr std::string_view programName = "vkm";
 
 void Say(const std::string& text) {
-    client::WriteStandardError(std::string(programName) + ": " + text + "\n");
+    client::WriteStandardError(std::string(programName) + ": " + client::Printable(text) + "\n");
 }
 
 std::string ExamplesText(const std::vector<Example>& examples) {
     if (examples.empty()) return {};
-    std::string text = "Examples:";
+    std::string text(Translated("Examples:"));
     for (const Example& example : examples) {
-        text.append("\n  ").append(example.command).append("\n      ").append(example.says);
+        text.append("\n  ").append(example.command).append("\n      ").append(Translated(example.says));
     }
     return text;
 }
@@ -41,19 +45,20 @@ void Environment::Warn(const std::string& sentence) {
 }
 
 Program::Program()
-    : app("Reads VKM files, the text exchange format of digital cadastral maps.", std::string(programName)) {
-    app.set_version_flag("--version", std::string(programName) + " " + VEMRADO_VERSION,
+    : app(std::string(Translated("Reads VKM files, the text exchange format of digital cadastral maps.")),
+          std::string(programName)) {
+    app.set_version_flag("-V,--version", std::string(programName) + " " + VEMRADO_VERSION,
                          "Print the version and exit");
     app.set_help_flag("-h,--help", "Print this help and exit");
     app.allow_windows_style_options(false);  // "/data/map.vkm" is a file there too
     app.require_subcommand(1);
     app.formatter(std::make_shared<HelpFormat>());
-    app.footer("'vkm COMMAND --help' explains a command and gives examples.");
+    app.footer(std::string(Translated("'vkm help COMMAND' explains a command and gives examples.")));
 }
 
 CLI::App& Program::Add(const CommandText& text, CommandRun run) {
-    CLI::App* command =
-        app.add_subcommand(std::string(text.name), std::string(text.summary))->group("Commands");
+    CLI::App* command = app.add_subcommand(std::string(text.name), std::string(Translated(text.summary)))
+                            ->group(std::string(Translated("Commands")));
     command->add_flag("-q,--quiet", environment.quiet, "No progress bar and no warnings, errors only");
     constexpr const char* dataText =
         "Directory that holds VKMSym, the symbology\n(default: the sample symbology of this program)";
@@ -90,6 +95,8 @@ int Program::Run(int argumentCount, const char* const* arguments) {
     } catch (const Failure& failure) {
         Say(failure.what());
         return failure.Code();
+    } catch (const client::OutputError& error) {
+        Say(error.what());
     } catch (const std::bad_alloc&) {
         Say("there is not enough memory");
     } catch (const std::exception& exception) {
@@ -99,6 +106,10 @@ int Program::Run(int argumentCount, const char* const* arguments) {
 }
 
 int Program::RunGuarded(int argumentCount, const char* const* arguments) {
+    if (const auto answered = AnswerFirstWord({arguments + 1, arguments + argumentCount})) {
+        environment.output.Flush();
+        return *answered;
+    }
     int exitCode = exitDone;
     try {
         app.parse(argumentCount, arguments);
@@ -114,11 +125,49 @@ int Program::RunGuarded(int argumentCount, const char* const* arguments) {
     return exitCode;
 }
 
+const CLI::App* Program::FindCommand(const std::string& name) const {
+    for (const std::vector<Command>* list : {&commands, &hiddenCommands}) {
+        for (const Command& command : *list) {
+            if (command.text.name == name) return command.options;
+        }
+    }
+    return nullptr;
+}
+
+std::optional<int> Program::AnswerFirstWord(const std::vector<std::string>& words) {
+    if (words.empty() || words.front().starts_with('-') || FindCommand(words.front()) != nullptr)
+        return std::nullopt;
+    if (words.front() == "help") return Help(words);
+    if (words.front() != "version") return ReportUnknown(words.front());
+    environment.output.Write(app.version() + "\n");
+    return exitDone;
+}
+
+int Program::Help(const std::vector<std::string>& words) {
+    const CLI::App* about = words.size() > 1 ? FindCommand(words[1]) : &app;
+    if (about == nullptr) return ReportUnknown(words[1]);
+    environment.output.Write(about->help());
+    return exitDone;
+}
+
+int Program::ReportUnknown(const std::string& word) {
+    const auto absent = leftOut.find(word);
+    if (absent != leftOut.end()) {
+        Say(std::string(Translated(absent->second)));
+        return exitUsage;
+    }
+    std::vector<std::string_view> names = {"help", "version"};
+    for (const Command& command : commands) names.push_back(command.text.name);
+    Say(UnknownCommandMessage(client::SystemTextToUtf8(word), names));
+    client::WriteStandardError(Filled("Try '{}'.", {"vkm --help"}) + "\n");
+    return exitUsage;
+}
+
 int Program::ReportUsage(const CLI::ParseError& error) {
     const std::vector<CLI::App*> chosen = app.get_subcommands();
     const std::string command = chosen.empty() ? std::string() : " " + chosen.front()->get_name();
     Say(error.what());
-    client::WriteStandardError("Try '" + std::string(programName) + command + " --help'.\n");
+    client::WriteStandardError(Filled("Try '{}'.", {std::string(programName) + command + " --help"}) + "\n");
     return exitUsage;
 }
 
@@ -131,7 +180,7 @@ int Program::RunChosen() {
     client::CatchInterrupt();
     PrepareInputFiles();
     client::UseDataDirectory(dataDirectory.empty() ? client::FindSampleSymbology(client::ProgramPath())
-                                                   : dataDirectory);
+                                                   : client::DataDirectoryOf(dataDirectory));
     if (environment.quiet) InfoSetVisible(0);
     for (const std::vector<Command>* list : {&commands, &hiddenCommands}) {
         for (const Command& command : *list) {

@@ -5,6 +5,7 @@
 #include <CLI/CLI.hpp>
 #include <functional>
 #include <map>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -61,6 +62,9 @@ class Program {
     // Adds a command of the build that people need not see.
     CLI::App& AddHidden(std::string_view name, CommandRun run);
 
+    // A command that this build does not have, with the sentence that says what brings it.
+    void LeaveOut(std::string_view name, std::string_view reason) { leftOut[name] = reason; }
+
     // Values that an option takes, for completion.
     void SetChoices(const CLI::Option& option, std::vector<std::string> names);
     const std::vector<std::string>& Choices(const CLI::Option& option) const;
@@ -73,6 +77,12 @@ class Program {
 
   private:
     int RunGuarded(int argumentCount, const char* const* arguments);
+    // Answers "vkm help", "vkm help COMMAND" and "vkm version", and words that are no command; none for the
+    // rest.
+    std::optional<int> AnswerFirstWord(const std::vector<std::string>& words);
+    const CLI::App* FindCommand(const std::string& name) const;
+    int Help(const std::vector<std::string>& words);
+    int ReportUnknown(const std::string& word);
     int ReportUsage(const CLI::ParseError& error);
     int RunChosen();
 
@@ -81,6 +91,7 @@ class Program {
     CLI::App app;
     std::vector<Command> commands;
     std::vector<Command> hiddenCommands;
+    std::map<std::string_view, std::string_view> leftOut;
     std::map<const CLI::Option*, std::vector<std::string>> choices;
 };
 

@@ -1,5 +1,6 @@
 // vkm render: draws a file as a map.
 
+#include <charconv>
 #include <cmath>
 #include <memory>
 #include <optional>
@@ -17,6 +18,7 @@
 #include "picture.h"
 #include "program.h"
 #include "reading.h"
+#include "translations.h"
 
 namespace vemrado::tools {
 namespace {
@@ -26,7 +28,8 @@ struct RenderOptions {
     PictureOptions picture;
     draw::SceneOptions scene;
     draw::SheetOptions sheet;
-    std::vector<int> layers;
+    EncodingChoice encoding;
+    std::vector<std::string> layers;
     std::vector<double> box;
     bool noSymbols = false;
     int axisOrientation = 128;
@@ -39,6 +42,26 @@ draw::Box BoxOf(const std::vector<double>& corners) {
         throw Failure(exitUsage, "--bbox: the box has no area");
     }
     return box;
+}
+
+// Layers of a list such as 1,4-7.
+std::set<int> LayersOf(const std::vector<std::string>& items) {
+    constexpr int mostInARange = 1'000'000;
+    std::set<int> layers;
+    for (const std::string& item : items) {
+        const char* const end = item.data() + item.size();
+        int first = 0;
+        auto read = std::from_chars(item.data(), end, first);
+        int last = first;
+        if (read.ec == std::errc() && read.ptr != end && *read.ptr == '-')
+            read = std::from_chars(read.ptr + 1, end, last);
+        if (read.ec != std::errc() || read.ptr != end || last < first || last - first > mostInARange) {
+            throw Failure(exitUsage, Filled("--layers: '{}' is no layer number and no range such as 1-4",
+                                            {client::SystemTextToUtf8(item)}));
+        }
+        for (int layer = first; layer <= last; ++layer) layers.insert(layer);
+    }
+    return layers;
 }
 
 std::string Counted(uint64_t count, const char* what) {
@@ -69,9 +92,13 @@ std::string TitleOf(const std::string& name) {
 
 int RunRender(RenderOptions options, Environment& environment) {
     if (!options.box.empty()) options.scene.box = options.sheet.box = BoxOf(options.box);
-    options.scene.layers = {options.layers.begin(), options.layers.end()};
+    options.scene.layers = LayersOf(options.layers);
     options.scene.symbols = !options.noSymbols;
     CheckPicture(options.picture);
+    RefuseInputAsOutput(options.file, options.picture.file);
+
+    if (!ChooseEncoding(options.encoding, options.file, environment, options.scene.encoding))
+        return exitInput;
 
     const char* data = FrameworkGetDataDirectory();
     const client::SymbologyIndex index(data ? data : "");
@@ -86,6 +113,7 @@ int RunRender(RenderOptions options, Environment& environment) {
     const ReadOutcome outcome =
         ReadElements(importer, open, environment, take, "no picture was made").outcome;
     if (outcome != ReadOutcome::complete && outcome != ReadOutcome::incomplete) return exitInput;
+    WarnOfEncoding(options.file, builder.Decoder(), options.scene.encoding, environment);
     const draw::Scene scene = builder.Finish();
 
     const std::string name = client::SystemTextToUtf8(client::ShownName(open.fileName.c_str()));
@@ -95,8 +123,9 @@ int RunRender(RenderOptions options, Environment& environment) {
     }
     if (options.sheet.title.empty()) options.sheet.title = TitleOf(name);
     const draw::MapSheet sheet(scene, index, options.sheet);
-    MakePicture(options.picture, sheet.Page(), options.sheet.title,
-                [&](draw::Canvas& canvas) { sheet.Draw(canvas); });
+    const Picture picture{sheet.Page(), options.sheet.title, sheet.Count(),
+                          [&](draw::Canvas& canvas) { sheet.Draw(canvas); }};
+    MakePicture(options.picture, picture, environment);
     return outcome == ReadOutcome::complete ? exitDone : exitInput;
 }
 
@@ -122,15 +151,17 @@ void AddRenderCommand(Program& program) {
     CLI::App& command =
         program.Add(text, [options](Environment& environment) { return RunRender(*options, environment); });
     AddFileArgument(command, options->file);
-    AddPictureOptions(command, options->picture, true);
+    AddPictureOptions(program, command, options->picture, true);
     command.add_flag("--legend", options->sheet.legend,
                      "Add frame, title, grid, scale bar, north arrow and legend");
     command.add_option("--title", options->sheet.title, "Title (default: from the file's name)")
         ->type_name("TEXT");
-    command.add_option("--layers", options->layers, "Draw only these layers, by number")
-        ->type_name("N,...")
-        ->delimiter(',')
-        ->allow_extra_args(false);
+    CLI::Option* layers =
+        command.add_option("--layers", options->layers, "Draw only these layers, by number; 1-4 is a range")
+            ->type_name("N,...")
+            ->delimiter(',')
+            ->allow_extra_args(false);
+    program.SetChoices(*layers, {"1", "2", "3", "4", "5", "6", "7", "8", "9"});
     command.add_option("--bbox", options->box, "Draw only this box, in coordinates of the picture")
         ->type_name("X,Y,X,Y")
         ->delimiter(',')
@@ -139,7 +170,7 @@ void AddRenderCommand(Program& program) {
     command.add_flag("--no-symbols", options->noSymbols, "Leave the symbols out");
     AddAngleUnitOption(program, command, options->scene.angleUnit);
     AddOrientationOption(program, command, options->axisOrientation);
-    AddEncodingOption(program, command, options->scene.encoding);
+    AddEncodingOption(program, command, options->encoding);
 }
 
 }  // namespace vemrado::tools

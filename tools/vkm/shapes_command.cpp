@@ -11,6 +11,7 @@
 #include "client/standard_input.h"
 #include "client/system.h"
 #include "commands.h"
+#include "common_options.h"
 #include "program.h"
 #include "shape_source.h"
 
@@ -74,9 +75,10 @@ std::string Unpack(const std::string& path) {
 int RunShapes(const ShapesOptions& options, Environment& environment) {
     const bool pack = options.action == "pack";
     if (pack && options.output.empty())
-        throw Failure(exitUsage, "shapes pack needs the name of the file to write");
+        throw Failure(exitUsage, "shapes pack needs the name of the file to write, or - for standard output");
+    RefuseInputAsOutput(options.input, options.output);
     const std::string result = pack ? Pack(options.input) : Unpack(options.input);
-    if (options.output.empty()) {
+    if (options.output.empty() || options.output == client::standardInputName) {
         environment.output.Write(result);
         return exitDone;
     }
@@ -106,7 +108,7 @@ void AddShapesCommand(Program& program) {
     action->required()->check(CLI::IsMember({"pack", "unpack"}));
     program.SetChoices(*action, {"pack", "unpack"});
     command.add_option("IN", options->input, "File to read; - is standard input")->required();
-    command.add_option("OUT", options->output, "File to write");
+    command.add_option("OUT", options->output, "File to write; - is standard output");
 }
 
 }  // namespace vemrado::tools

@@ -1,9 +1,10 @@
 // vkm symbology: what a symbology directory holds, and what is wrong with it.
 
 #include <cstdio>
-#include <filesystem>
 #include <memory>
 
+#include "client/data_directory.h"
+#include "client/standard_input.h"
 #include "client/system.h"
 #include "commands.h"
 #include "draw/words.h"
@@ -20,16 +21,6 @@ struct SymbologyOptions {
     std::string directory;
     PictureOptions picture;
 };
-
-// The directory that holds VKMSym, for one that is VKMSym itself too.
-std::string DataDirectoryOf(const std::string& directory) {
-    const std::filesystem::path path =
-        std::filesystem::path(directory + "/").lexically_normal().parent_path();
-    std::string name = path.filename().string();
-    for (char& c : name) c = c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
-    if (name != "vkmsym") return directory;
-    return path.has_parent_path() ? path.parent_path().string() : ".";
-}
 
 template <typename... Values>
 std::string Row(const char* format, Values... values) {
@@ -72,8 +63,11 @@ void PrintSymbols(const CheckedSymbology& checked, StandardOutput& output) {
 int RunSymbology(const SymbologyOptions& options, Environment& environment) {
     const char* inForce = FrameworkGetDataDirectory();
     const std::string directory =
-        DataDirectoryOf(options.directory.empty() && inForce ? inForce : options.directory);
+        client::DataDirectoryOf(options.directory.empty() && inForce ? inForce : options.directory);
     if (directory.empty()) throw Failure(exitUsage, "there is no sample symbology here: name a DIR");
+    if (options.picture.file == client::standardInputName)
+        throw Failure(exitUsage, "--output: standard output takes the list, so the sheet needs a file");
+    if (!options.picture.file.empty()) CheckPicture(options.picture);
     const CheckedSymbology checked = CheckSymbology(directory);
     PrintLines(checked, environment.output);
     PrintSymbols(checked, environment.output);
@@ -82,7 +76,9 @@ int RunSymbology(const SymbologyOptions& options, Environment& environment) {
         const std::string source = client::SystemTextToUtf8(directory);
         const SymbologySheet sheet(checked, source);
         const std::string title = draw::HostWords().symbology + (" " + source);
-        MakePicture(options.picture, sheet.Page(), title, [&](draw::Canvas& canvas) { sheet.Draw(canvas); });
+        const Picture picture{sheet.Page(), title, checked.symbols.size(),
+                              [&](draw::Canvas& canvas) { sheet.Draw(canvas); }};
+        MakePicture(options.picture, picture, environment);
     }
     for (const std::string& problem : checked.problems) environment.Error(problem);
     return checked.problems.empty() ? exitDone : exitInput;
@@ -109,7 +105,7 @@ void AddSymbologyCommand(Program& program) {
     command.add_option("DIR", options->directory, "The symbology")
         ->type_name("")
         ->check(CLI::ExistingDirectory);
-    AddPictureOptions(command, options->picture, false);
+    AddPictureOptions(program, command, options->picture, false);
 }
 
 }  // namespace vemrado::tools
