@@ -1,10 +1,10 @@
-// The reader against the naive reading of the same bytes.
+// The reader against the checked reading of the same bytes.
 
 #include <string>
 
 #include "memory_files.h"
 #include "targets.h"
-#include "vkm/naive_reader.h"
+#include "vkm/readings.h"
 
 namespace vemrado_fuzz {
 namespace {
@@ -16,7 +16,7 @@ void CompareReadings(std::string_view bytes) {
     vemrado_test::MemoryFiles files;
     files["map.vkm"] = file;
     Require(
-        vemrado_test::ReadByModule("map.vkm", orientation) == vemrado_test::ReadNaively(file, orientation),
+        vemrado_test::ReadByModule("map.vkm", orientation) == vemrado_test::ReadChecked(file, orientation),
         "both readings see the same");
 }
 

@@ -1,8 +1,8 @@
-// The module's side of the comparison with the naive reading.
+// The module's side of the comparison with the checked reading.
 
 #include "interface/importer.h"
 #include "vemrado/vkm_details.h"
-#include "vkm/naive_reader.h"
+#include "vkm/readings.h"
 
 namespace vemrado_test {
 

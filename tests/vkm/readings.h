@@ -1,17 +1,18 @@
-// A second reading of VKM files, written for plainness: whole file in memory, one character at a time, zero
-// characters written into a copy of each line, numbers by the C library. The module must agree with it on any
-// bytes.
+// The module beside the checked reading of the same bytes, both in one form. They must agree on any bytes.
 
 #pragma once
 
+#include <cstddef>
+#include <cstdint>
 #include <string>
 #include <vector>
 
 namespace vemrado_test {
 
-// Everything that a host can see of a file, one line of text for each element and a last one for the
-// settings.
-std::vector<std::string> ReadNaively(const std::string& bytes, int orientation);
+// Everything that a host can see of a file, one line of text for each element and one for the settings, as
+// the checked reading has it. A finding that does not lie in the file adds a line more.
+std::vector<std::string> ReadChecked(const std::string& bytes, int orientation,
+                                     size_t mostPerRead = SIZE_MAX);
 
 // The same of the module, through the exported interface. name must be a file that it can open.
 std::vector<std::string> ReadByModule(const char* name, int orientation);

@@ -1,0 +1,150 @@
+#include "map/findings.h"
+
+#include <algorithm>
+
+namespace vemrado::map {
+namespace {
+
+constexpr Severity note = Severity::note;
+constexpr Severity warning = Severity::warning;
+constexpr Severity error = Severity::error;
+
+// In the order of Rule.
+constexpr std::array<RuleText, ruleCount> rules = {{
+    {"not-vkm", error, "The file is no VKM file: no line of it opens a record.",
+     "this is no VKM file: no line opens a record"},
+    {"no-closing-record", error, "The file ends without its closing record &K, so its last element is lost.",
+     "the file ends without its closing record &K; the element before the end is lost"},
+    {"after-closing-record", warning, "Something stands behind the closing record &K; nobody reads it.",
+     "the file goes on behind its closing record &K; nothing from here on is read"},
+    {"byte-order-mark", note, "The file begins with a UTF-8 byte order mark, which belongs to no record.",
+     "a UTF-8 byte order mark stands before the first line"},
+    {"mixed-line-ends", note, "Some lines end in a line feed, others in a carriage return and a line feed.",
+     "this line ends otherwise than the lines before it"},
+
+    {"zero-byte", error, "A zero byte ends its line; what follows it there is lost.",
+     "a zero byte ends the line; what follows it is lost"},
+    {"end-character", error, "The character 0x1A ends the file wherever it stands.",
+     "the character 0x1A ends the file here"},
+    {"bad-byte", warning, "The encoding has no character for a byte.",
+     "the byte %1 is no character of the encoding"},
+    {"lone-carriage-return", warning,
+     "A carriage return that no line feed follows ends no line and is a part of its field.",
+     "a carriage return without a line feed is a part of its field"},
+    {"line-too-long", error,
+     "A line has more than 1023 characters with its line feed; the rest is read as a line of its own.",
+     "the line is longer than 1023 characters; from here on it is read as a line of its own"},
+
+    {"unknown-record", warning,
+     "A record has a letter that the format does not know; its line is passed over.",
+     "there is no record '%f'; the line is passed over"},
+    {"mark-run-on", note, "More than its letter stands in a record's mark; only the letter is read.",
+     "'%1' behind the letter of the record is not read; is a blank missing?"},
+    {"header-missing", warning,
+     "The header has no record V (origin) or R (scale and kind of coordinates), so defaults hold.",
+     "the file has no header record &%1"},
+    {"header-late", warning,
+     "A header record stands behind the header, so what comes before it was read without.",
+     "the header record &%1 comes after the header; what stands before it was read without it"},
+    {"header-doubled", warning, "A header record stands there twice; the later one holds from its place on.",
+     "there is a record &%1 already; this one replaces it for what follows"},
+    {"relative-without-origin", error,
+     "Coordinates are relative, but no record V before them says to which origin.",
+     "coordinates are relative, but no record &V says to which origin"},
+    {"stray-continuation", warning,
+     "A line that opens no record stands where no record can go on; it is lost.",
+     "this line opens no record and there is none that it could go on with; it is lost"},
+    {"record-read-again", error,
+     "A line behind a record V, R or U is read as that record again, with defaults for what it lacks.",
+     "this line is read as the record &%1 before it once more, with defaults for what it lacks"},
+    {"unknown-layer", warning, "A layer is not one of 1 to 11, or no record U has named one.",
+     "there is no layer %1; layers are 1 to 11"},
+    {"scale-range", error, "The map scale number is not positive.", "a map scale of 1:%f makes no map"},
+
+    {"element-without-type", error, "An element of a line has no type letter before its point.",
+     "an element needs a type letter, C, K, L, P or R, before its point"},
+    {"unknown-type", error, "The type of an element is none of the letters C, K, L, P and R.",
+     "'%f' is none of the element types C, K, L, P and R"},
+    {"long-type", warning, "Only the first letter of an element's type counts.",
+     "only the %1 of the element type '%f' is read; is a blank missing?"},
+    {"key-as-type", error,
+     "A line that begins with a key field such as K= begins a new element of that type letter.",
+     "'%f' at the start of the line begins a new element of type %1; its point is read from what follows"},
+    {"phantom-element", error,
+     "A line right behind the record of a line goes on with no element and makes an empty one at 0 0.",
+     "this line comes too late for the element of the record before it and makes another one at 0 0"},
+    {"missing-coordinate", error, "A point lacks a coordinate, which counts as 0.",
+     "a coordinate is missing here and counts as 0"},
+    {"surplus-coordinate", warning, "A point has more than two coordinates; the rest is passed over.",
+     "a point has two coordinates; '%f' is not read"},
+
+    {"no-number", error, "A field that should be a number is none and counts as 0.",
+     "'%1' is no number and counts as 0"},
+    {"number-cut", warning, "A number ends before its field does; the rest of the field is lost.",
+     "'%1' is read as %2"},
+    {"number-range", warning, "A number is too large; the largest possible one takes its place.",
+     "the number %1 is out of range"},
+    {"number-not-finite", warning, "A number is infinite or not a number.", "'%1' is no finite number"},
+
+    {"unknown-key", warning, "A key field has a key that its record does not know; it is passed over.",
+     "the key of '%f' is unknown here; the field is passed over"},
+    {"repeated-key", warning, "A key stands twice with one element; the later value holds.",
+     "this key was given already; only '%f' holds"},
+    {"key-without-value", error, "A key field has no value; it takes the next key field for one, or nothing.",
+     "the key field '%f' has no value"},
+    {"key-without-equals", error,
+     "A key letter has no equals sign behind it; it is passed over, and the field behind it too.",
+     "the key '%f' has no equals sign; it is passed over with its value"},
+    {"leading-key", error,
+     "The first field of a line that goes on with an element is used up, key fields too.",
+     "'%f' is lost: the first field of a line that goes on with an element is no key field"},
+    {"unread-field", warning, "A field belongs to nothing that its record reads.", "nobody reads '%f'"},
+
+    {"text-without-quotes", error,
+     "A text record has no quoted text; the text is empty and its keys are lost.",
+     "the text stands in no quotes; it is empty, and no key field is read"},
+    {"text-unclosed", error,
+     "A quoted text is not closed and runs to the end of its line, key fields and all.",
+     "the closing %1 is missing; the text runs to the end of the line"},
+    {"text-too-long", warning, "A text has more than 255 characters and is cut.",
+     "a text of %1 characters is cut to 255"},
+    {"keys-before-text", error, "Key fields between the point and the text are lost.",
+     "the key field '%f' before the text is lost"},
+}};
+
+// A forgotten row would leave the last ones empty.
+static_assert(std::all_of(rules.begin(), rules.end(),
+                          [](const RuleText& rule) { return !rule.name.empty(); }));
+
+}  // namespace
+
+const RuleText& TextOf(Rule rule) {
+    return rules[static_cast<size_t>(rule)];
+}
+
+std::optional<Rule> FindRule(std::string_view name) {
+    const auto found =
+        std::find_if(rules.begin(), rules.end(), [&](const RuleText& rule) { return rule.name == name; });
+    if (found == rules.end()) return std::nullopt;
+    return static_cast<Rule>(found - rules.begin());
+}
+
+std::string MessageOf(const Finding& finding, std::string_view field) {
+    const std::string_view pattern = TextOf(finding.rule).message;
+    std::string message;
+    for (size_t i = 0; i < pattern.size(); ++i) {
+        const char next = pattern[i] == '%' && i + 1 < pattern.size() ? pattern[i + 1] : '\0';
+        if (next == 'f') {
+            message += field;
+        } else if (next == '1' || next == '2') {
+            message += finding.arguments[next == '1' ? 0 : 1];
+        } else {
+            message += pattern[i];
+            continue;
+        }
+        ++i;
+    }
+    return message;
+}
+
+}  // namespace vemrado::map
