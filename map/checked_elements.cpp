@@ -45,8 +45,7 @@ void CheckedReading::StartLine() {
 
 void CheckedReading::StartVertex(Field type) {
     CheckType(type);
-    vertex = {};
-    keysSeen = 0;
+    ResetVertex();
     vertex.place = line.PlaceOf(IsNone(type) ? line.text.data() : type.data());
     vertex.type = IsNone(type) ? 0 : elementTypes.Has(type[0]) ? type[0] : 1;
     vertex.point = ReadPoint();
@@ -54,6 +53,21 @@ void CheckedReading::StartVertex(Field type) {
     place = vertex.point;
     ReadKeys(lineKeys, true);
     vertexPending = true;
+}
+
+// The code keeps its memory.
+void CheckedReading::ResetVertex() {
+    static const CheckedVertex defaults;
+    vertex.place = defaults.place;
+    vertex.point = defaults.point;
+    vertex.hasPoint = defaults.hasPoint;
+    vertex.type = defaults.type;
+    vertex.code.clear();
+    vertex.valueM = defaults.valueM;
+    vertex.valueR = defaults.valueR;
+    vertex.symbolCode = defaults.symbolCode;
+    vertex.valueU = defaults.valueU;
+    keysSeen = 0;
 }
 
 void CheckedReading::CheckType(Field type) {
@@ -80,7 +94,7 @@ void CheckedReading::ContinueVertex() {
     if (!vertexPending) {
         Report(Rule::phantomElement, IsNone(first) ? line.text.substr(0, 0) : first);
         quiet = true;
-        keysSeen = 0;
+        ResetVertex();
         vertex.place = line.PlaceOf(line.text.data());
     } else {
         place = vertex.point;

@@ -202,11 +202,11 @@ void CheckedReading::CheckEnd() {
         }
         SendFindings();
     } else if (!recordSeen && firstStray) {
-        findings.Take({Rule::notVkm, {}, {}, {}, std::nullopt});
+        findings.Take({Rule::notVkm, {}, {}, {"not a VKM file (no line opens a record)", {}}, std::nullopt});
         return;
+    } else if (const auto stop = lines.EndCharacter()) {
+        findings.Take({Rule::endCharacter, *stop, {}, {}, std::nullopt});
     } else {
-        if (const auto stop = lines.EndCharacter())
-            findings.Take({Rule::endCharacter, *stop, {}, {}, std::nullopt});
         findings.Take({Rule::noClosingRecord, lines.LastPlace(), {}, {}, std::nullopt});
     }
     header.FileEnd();

@@ -12,7 +12,6 @@ namespace {
 constexpr size_t longestLine = 1023;
 constexpr char endCharacter = 0x1A;
 constexpr size_t bufferSize = size_t{1} << 18;
-constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF";
 
 std::string Hexadecimal(char c) {
     constexpr char digits[] = "0123456789ABCDEF";
@@ -85,7 +84,9 @@ void CheckedLines::Fill() {
         return;
     }
     const void* const stop = std::memchr(filled, endCharacter, count);
-    endCharacterMet = ended = stop != nullptr;
+    ended = stop != nullptr;
+    readEnd = filled + count;
+    if (ended) behindEndCharacter = static_cast<const char*>(stop) + 1;
     filled = ended ? buffer.get() + (static_cast<const char*>(stop) - buffer.get()) : filled + count;
     hasOddBytes = HasOddBytes(buffer.get(), static_cast<size_t>(filled - buffer.get()));
 }
@@ -107,12 +108,14 @@ bool CheckedLines::Next(CheckedLine& line) {
         NoteLineEnd(hasReturn ? LineEnd::carriageReturn : LineEnd::lineFeed, line);
         ++lineNumber;
         column = 1;
+        lineGoesOn = false;
     } else {
         const size_t most = std::min(available, longestLine);
         TakePiece(most, most, line);
         column += static_cast<int64_t>(most);
-        if (most == longestLine && column == longestLine + 1 && (available > most || !ended))
-            Report(Rule::lineTooLong, {lineNumber, column});
+        const bool isCut = most == longestLine && (available > most || !ended);
+        if (isCut && !lineGoesOn) Report(Rule::lineTooLong, {lineNumber, column});
+        lineGoesOn = isCut;
     }
     return true;
 }
@@ -158,17 +161,24 @@ void CheckedLines::CheckCharacters(const CheckedLine& line) {
     }
 }
 
-void CheckedLines::SkipByteOrderMark() {
-    while (!ended && static_cast<size_t>(filled - cursor) < byteOrderMark.size()) Fill();
-    if (!std::string_view(cursor, static_cast<size_t>(filled - cursor)).starts_with(byteOrderMark)) return;
+void CheckedLines::NoteByteOrderMark() {
+    constexpr int64_t length = 3;
     Report(Rule::byteOrderMark, {lineNumber, column});
-    cursor += byteOrderMark.size();
-    column += static_cast<int64_t>(byteOrderMark.size());
+    column += length;
 }
 
-std::optional<Place> CheckedLines::EndCharacter() const {
-    if (!endCharacterMet || cursor != filled) return std::nullopt;
-    return Place{lineNumber, column};
+std::optional<Place> CheckedLines::EndCharacter() {
+    const auto isNothing = [](char c) {
+        return c == endCharacter || c == ' ' || c == '\t' || c == '\r' || c == '\n';
+    };
+    while (behindEndCharacter != nullptr) {
+        if (!std::all_of(behindEndCharacter, readEnd, isNothing)) return Place{lineNumber, column};
+        const size_t count = source(buffer.get(), bufferSize);
+        if (count == 0) break;
+        behindEndCharacter = buffer.get();
+        readEnd = behindEndCharacter + count;
+    }
+    return std::nullopt;
 }
 
 void CheckedLines::Report(Rule rule, Place place, std::string_view field, std::string argument) {

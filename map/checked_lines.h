@@ -37,11 +37,12 @@ class CheckedLines {
     // The next line; false at the end of the file.
     bool Next(CheckedLine& line);
 
-    // Passes over a byte order mark at the start of the file.
-    void SkipByteOrderMark();
+    // Before the first line: a byte order mark stood before what the source gives.
+    void NoteByteOrderMark();
 
-    // Where a character 0x1A ended the file; none when it ended of itself.
-    std::optional<Place> EndCharacter() const;
+    // Where a character 0x1A ended the file before its end; none when it ended of itself, or nothing stands
+    // behind the character. After the last line.
+    std::optional<Place> EndCharacter();
 
     // The last place that was read.
     Place LastPlace() const { return lastPlace; }
@@ -65,14 +66,15 @@ class CheckedLines {
     std::unique_ptr<char[]> buffer;
     char* cursor;
     char* filled;
-    bool sourceEnded = false;
-    bool ended = false;  // at the end of the source or at a character 0x1A
-    bool endCharacterMet = false;
+    bool ended = false;                        // at the end of the source or at a character 0x1A
+    const char* behindEndCharacter = nullptr;  // what was read of it, up to readEnd
+    const char* readEnd = nullptr;
     bool hasOddBytes = false;  // somewhere in the buffer
     LineEnd firstLineEnd = LineEnd::none;
     bool mixedReported = false;
     int64_t lineNumber = 1;
     int64_t column = 1;
+    bool lineGoesOn = false;  // a piece of the line has been given
     Place lastPlace;
 };
 

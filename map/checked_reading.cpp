@@ -96,7 +96,6 @@ void CheckedReading::HandOver(RecordClass completed, const CheckedText& complete
 void CheckedReading::FlushVertex() {
     if (!vertexPending) return;
     if (elements != nullptr) vertices.push_back(vertex);
-    vertex = {};
     vertexPending = false;
 }
 
@@ -108,7 +107,7 @@ void CheckedReading::StartRecord(RecordClass letter) {
     }
     recordSeen = true;
     if (first.size() > 2 && letter != '*') Report(Rule::markRunOn, first, std::string(first.substr(2)));
-    header.Record(letter, line.PlaceOf(first.data()), first);
+    header.Record(letter, line.PlaceOf(first.data()), first, relative);
     if (letter == 'L' || letter == 'T') CheckLayer();
     Dispatch(letter);
     if (letter == 'K') CheckUnread();

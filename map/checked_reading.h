@@ -62,9 +62,8 @@ class CheckedReading {
     CheckedReading(ByteSource source, client::Encoding encoding, FindingSink& findings,
                    ElementSink* elements);
 
-    // A byte order mark before the first record is what the module takes for a part of the first line; hosts
-    // skip it.
-    void SkipByteOrderMark() { lines.SkipByteOrderMark(); }
+    // Says that a byte order mark stood before what the source gives.
+    void NoteByteOrderMark() { lines.NoteByteOrderMark(); }
 
     // Reads the whole file. What the source throws leaves it.
     void Run();
@@ -99,6 +98,7 @@ class CheckedReading {
     void StartLine();
     void StartVertex(Field type);
     void ContinueVertex();
+    void ResetVertex();
     void StartText();
     void ReadQuoted();
     void ContinueText();

@@ -11,8 +11,7 @@ constexpr Severity error = Severity::error;
 
 // In the order of Rule.
 constexpr std::array<RuleText, ruleCount> rules = {{
-    {"not-vkm", error, "The file is no VKM file: no line of it opens a record.",
-     "this is no VKM file: no line opens a record"},
+    {"not-vkm", error, "The file is no VKM file: no line of it opens a record.", "%1"},
     {"no-closing-record", error, "The file ends without its closing record &K, so its last element is lost.",
      "the file ends without its closing record &K; the element before the end is lost"},
     {"after-closing-record", warning, "Something stands behind the closing record &K; nobody reads it.",
@@ -25,7 +24,7 @@ constexpr std::array<RuleText, ruleCount> rules = {{
     {"zero-byte", error, "A zero byte ends its line; what follows it there is lost.",
      "a zero byte ends the line; what follows it is lost"},
     {"end-character", error, "The character 0x1A ends the file wherever it stands.",
-     "the character 0x1A ends the file here"},
+     "the character 0x1A ends the file here; what follows is lost"},
     {"bad-byte", warning, "The encoding has no character for a byte.",
      "the byte %1 is no character of the encoding"},
     {"lone-carriage-return", warning,

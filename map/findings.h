@@ -3,6 +3,7 @@
 #pragma once
 
 #include <array>
+#include <bitset>
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -70,6 +71,7 @@ enum class Rule : uint8_t {
 };
 
 inline constexpr size_t ruleCount = static_cast<size_t>(Rule::count);
+using RuleSet = std::bitset<ruleCount>;
 
 struct RuleText {
     std::string_view name;

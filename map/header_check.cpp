@@ -4,13 +4,15 @@
 
 namespace vemrado::map {
 
-void HeaderCheck::Record(unsigned char letter, Place place, Field mark) {
+// Sheets of relative coordinates in one file have an origin each.
+void HeaderCheck::Record(unsigned char letter, Place place, Field mark, bool relativeCoordinates) {
     const size_t number = letters.find(static_cast<char>(letter));
     if (number == std::string_view::npos) return;
     const std::string argument(1, letters[number]);
-    if (seen[number]) {
+    const bool isSheet = letter == 'V' && relativeCoordinates;
+    if (seen[number] && !isSheet) {
         Report(Rule::headerDoubled, place, mark, argument);
-    } else if (end) {
+    } else if (end && !isSheet) {
         Report(Rule::headerLate, place, mark, argument);
     }
     seen[number] = true;
@@ -22,10 +24,11 @@ void HeaderCheck::UseOrigin() {
     Report(Rule::relativeWithoutOrigin, relative.place, relative.field, {});
 }
 
-// A map needs no date.
+// A map needs no date. Where an origin was missed that has been told.
 void HeaderCheck::FileEnd() {
     for (const char letter : {'V', 'R'}) {
-        if (!seen[letters.find(letter)])
+        const bool told = letter == 'V' && originMissed;
+        if (!seen[letters.find(letter)] && !told)
             Report(Rule::headerMissing, end.value_or(Place{}), {}, std::string(1, letter));
     }
 }

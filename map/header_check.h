@@ -16,7 +16,8 @@ class HeaderCheck {
     explicit HeaderCheck(FindingSink& findingSink) : sink(findingSink) {}
 
     // A record of any letter. Those that are no header records are passed over.
-    void Record(unsigned char letter, Place place, Field mark);
+    // relativeCoordinates: of what was read before it.
+    void Record(unsigned char letter, Place place, Field mark, bool relativeCoordinates);
     // The first line that is none of the header.
     void End(Place place) { end = place; }
     // The field that makes coordinates relative.

@@ -5,6 +5,7 @@ namespace vemrado::tools {
 void AddCommands(Program& program) {
     AddInfoCommand(program);
     AddDumpCommand(program);
+    AddCheckCommand(program);
     AddRenderCommand(program);
 #if VEMRADO_CONVERTER
     AddConvertCommand(program);

@@ -1,0 +1,166 @@
+// vkm check: what is wrong with maps, with its place in the file. The rules are described in docs/check.md.
+
+#include <algorithm>
+#include <limits>
+#include <memory>
+
+#include "check_pages.h"
+#include "client/input_file.h"
+#include "client/standard_input.h"
+#include "client/system.h"
+#include "commands.h"
+#include "common_options.h"
+#include "finding_report.h"
+#include "map/map_check.h"
+#include "map_source.h"
+#include "program.h"
+
+namespace vemrado::tools {
+namespace {
+
+constexpr uint64_t defaultMost = 10;
+
+struct CheckOptions {
+    std::vector<std::string> files;
+    bool json = false;
+    bool strict = false;
+    bool listRules = false;
+    std::string explained;
+    std::vector<std::string> ignored;
+    std::vector<std::string> only;
+    std::optional<uint64_t> most;
+    client::Encoding encoding = client::Encoding::windows1250;
+};
+
+map::Rule RuleOf(const std::string& name) {
+    const auto rule = map::FindRule(name);
+    if (!rule) throw Failure(exitUsage, "there is no rule '" + name + "'; 'vkm check --rules' lists them");
+    return *rule;
+}
+
+map::RuleSet SelectedRules(const CheckOptions& options) {
+    map::RuleSet rules;
+    if (options.only.empty()) rules.set();
+    for (const std::string& name : options.only) rules.set(static_cast<size_t>(RuleOf(name)));
+    for (const std::string& name : options.ignored) rules.reset(static_cast<size_t>(RuleOf(name)));
+    return rules;
+}
+
+int ListRules(Environment& environment) {
+    for (size_t i = 0; i < map::ruleCount; ++i) {
+        const map::RuleText& rule = map::TextOf(static_cast<map::Rule>(i));
+        constexpr size_t nameWidth = 24;
+        constexpr size_t severityWidth = 9;
+        std::string row(rule.name);
+        row.resize(std::max(row.size() + 1, nameWidth), ' ');
+        row += map::severityNames[static_cast<size_t>(rule.severity)];
+        row.resize(std::max(row.size() + 1, nameWidth + severityWidth), ' ');
+        environment.output.Write(row + std::string(rule.summary) + "\n");
+    }
+    return exitDone;
+}
+
+int ExplainRule(const std::string& name, Environment& environment) {
+    environment.output.Write(PageOfRule(map::TextOf(RuleOf(name)).name));
+    return exitDone;
+}
+
+// What is no map is a finding too.
+map::Finding ForeignFinding(const client::ForeignFile& foreign, const std::string& shownName) {
+    std::string sentence = foreign.what();
+    if (sentence.starts_with(shownName + ": ")) sentence.erase(0, shownName.size() + 2);
+    return {map::Rule::notVkm, {}, {}, {sentence, {}}, std::nullopt};
+}
+
+// False when the file could not be read to its end, which has been said.
+bool CheckFile(const std::string& name, const map::CheckSettings& settings, FindingReport& report,
+               Environment& environment) {
+    const std::string shownName = client::SystemTextToUtf8(client::ShownName(name.c_str()));
+    report.BeginFile(shownName);
+    try {
+        MapSource source(name);
+        map::CheckMap(source.Bytes(), source.MarkSkipped(), settings, report);
+        return true;
+    } catch (const client::ForeignFile& foreign) {
+        if (settings.rules[static_cast<size_t>(map::Rule::notVkm)])
+            report.Take(ForeignFinding(foreign, shownName));
+        return true;
+    } catch (const client::UnreadableFile& unreadable) {
+        environment.output.Flush();
+        environment.Error(unreadable.what());
+    } catch (const Stopped&) {
+        environment.output.Flush();
+        environment.Error(shownName + ": stopped on request; the findings are not complete");
+    }
+    return false;
+}
+
+int RunCheck(const CheckOptions& options, Environment& environment) {
+    if (options.listRules) return ListRules(environment);
+    if (!options.explained.empty()) return ExplainRule(options.explained, environment);
+    if (options.files.empty()) throw Failure(exitUsage, "FILE is required");
+    if (std::ranges::count(options.files, client::standardInputName) > 1)
+        throw Failure(exitUsage, "standard input can be read only once");
+
+    const map::CheckSettings settings = {options.encoding, SelectedRules(options)};
+    // Programs get everything unless they ask for less.
+    const uint64_t most = options.json ? std::numeric_limits<uint64_t>::max() : defaultMost;
+    FindingReport report(environment.output, {options.json, options.most.value_or(most), options.encoding});
+    bool allRead = true;
+    for (const std::string& file : options.files) {
+        if (client::StopRequested()) break;
+        allRead = CheckFile(file, settings, report, environment) && allRead;
+    }
+    report.WriteSummary();
+    const bool faulty = report.Count(map::Severity::error) + report.Count(map::Severity::warning) > 0 ||
+                        (options.strict && report.Count(map::Severity::note) > 0);
+    return allRead && !faulty ? exitDone : exitInput;
+}
+
+}  // namespace
+
+void AddCheckCommand(Program& program) {
+    const auto options = std::make_shared<CheckOptions>();
+    const CommandText text = {
+        "check",
+        "Say what is wrong with files, with line and column",
+        "The reader of a map passes over what it does not understand. This command tells it: each finding "
+        "has "
+        "its place in the file, its severity and its rule, in the form in which compilers report, so that "
+        "editors jump there. A summary by rule stands at the end.\n\n"
+        "The exit code is 0 without errors and warnings and 1 with them.",
+        {{"vkm check map.vkm", "what is wrong with a map"},
+         {"vkm check --json sheets/*.vkm > findings.jsonl", "for programs, one object a line"},
+         {"vkm check --only number-cut,number-range map.vkm", "two rules only"},
+         {"vkm check --explain number-cut", "what a rule means, with an example"},
+         {"zcat map.vkm.gz | vkm check --strict -", "a compressed file; notes count too"}}};
+    CLI::App& command =
+        program.Add(text, [options](Environment& environment) { return RunCheck(*options, environment); });
+    command.add_option("FILE", options->files, "The VKM files; - is standard input")->type_name("");
+    command.add_flag("--json", options->json, "Write findings as JSON Lines");
+    command
+        .add_option("--max", options->most,
+                    "Show so many findings of each rule in a file (default: 10, with --json all)")
+        ->type_name("N");
+    command.add_flag("--strict", options->strict, "Notes count for the exit code too");
+    std::vector<std::string> names;
+    for (size_t i = 0; i < map::ruleCount; ++i)
+        names.emplace_back(map::TextOf(static_cast<map::Rule>(i)).name);
+    const auto addRules = [&](const char* name, std::vector<std::string>& rules, const char* says) {
+        CLI::Option* option = command.add_option(name, rules, says)
+                                  ->type_name("RULE,...")
+                                  ->delimiter(',')
+                                  ->allow_extra_args(false);
+        program.SetChoices(*option, names);
+    };
+    addRules("--only", options->only, "Look for these rules only");
+    addRules("--ignore", options->ignored, "Leave these rules out");
+    command.add_flag("--rules", options->listRules, "List the rules and exit");
+    CLI::Option* explain =
+        command.add_option("--explain", options->explained, "Explain a rule with an example and exit")
+            ->type_name("RULE");
+    program.SetChoices(*explain, names);
+    AddEncodingOption(program, command, options->encoding);
+}
+
+}  // namespace vemrado::tools

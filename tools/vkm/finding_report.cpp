@@ -1,0 +1,105 @@
+#include "finding_report.h"
+
+#include <algorithm>
+#include <cstdio>
+
+namespace vemrado::tools {
+namespace {
+
+std::string Counted(uint64_t count, std::string_view thing) {
+    return std::to_string(count) + " " + std::string(thing) + (count == 1 ? "" : "s");
+}
+
+}  // namespace
+
+FindingReport::FindingReport(StandardOutput& standardOutput, const FindingReportSettings& reportSettings)
+    : output(standardOutput),
+      json(standardOutput),
+      settings(reportSettings),
+      decoder(reportSettings.encoding) {}
+
+void FindingReport::BeginFile(const std::string& name) {
+    file = name;
+    ++files;
+    countsOfFile = {};
+}
+
+void FindingReport::Take(const map::Finding& finding) {
+    const auto rule = static_cast<size_t>(finding.rule);
+    ++counts[rule];
+    if (++countsOfFile[rule] > settings.most) return;
+    field.clear();
+    decoder.Append(finding.field, field);
+    if (settings.json) {
+        WriteJson(finding);
+    } else {
+        WriteText(finding);
+    }
+}
+
+void FindingReport::WriteText(const map::Finding& finding) {
+    const map::RuleText& rule = map::TextOf(finding.rule);
+    const std::string place =
+        ":" + std::to_string(finding.place.line) + ":" + std::to_string(finding.place.column);
+    std::string message = map::MessageOf(finding, field);
+    // A finding has one line, whatever its field holds.
+    std::replace_if(
+        message.begin(), message.end(), [](char c) { return static_cast<unsigned char>(c) < ' '; }, '?');
+    output.Write(file + place + ": " + std::string(map::severityNames[static_cast<size_t>(rule.severity)]) +
+                 ": " + message + " [" + std::string(rule.name) + "]\n");
+}
+
+void FindingReport::WriteJson(const map::Finding& finding) {
+    const map::RuleText& rule = map::TextOf(finding.rule);
+    json.Raw(R"({"rule":")");
+    json.Raw(rule.name);
+    json.Raw(R"(","severity":")");
+    json.Raw(map::severityNames[static_cast<size_t>(rule.severity)]);
+    json.Raw(R"(","file":)");
+    json.String(file);
+    json.Raw(R"(,"line":)" + std::to_string(finding.place.line));
+    json.Raw(R"(,"column":)" + std::to_string(finding.place.column));
+    json.Raw(R"(,"message":)");
+    json.String(map::MessageOf(finding, field));
+    if (!finding.field.empty()) {
+        json.Raw(R"(,"field":)");
+        json.String(field);
+    }
+    if (finding.point) {
+        json.Raw(R"(,"point":[)");
+        json.Real(finding.point->x);
+        json.Raw(",");
+        json.Real(finding.point->y);
+        json.Raw("]");
+    }
+    json.Raw("}\n");
+}
+
+uint64_t FindingReport::Count(map::Severity severity) const {
+    uint64_t sum = 0;
+    for (size_t rule = 0; rule < counts.size(); ++rule) {
+        if (map::TextOf(static_cast<map::Rule>(rule)).severity == severity) sum += counts[rule];
+    }
+    return sum;
+}
+
+void FindingReport::WriteSummary() {
+    if (settings.json) return;
+    bool first = true;
+    for (size_t rule = 0; rule < counts.size(); ++rule) {
+        if (counts[rule] == 0) continue;
+        const map::RuleText& text = map::TextOf(static_cast<map::Rule>(rule));
+        char row[160];
+        std::snprintf(row, sizeof row, "%s%10llu  %-8s %.*s\n", first ? "\n" : "",
+                      static_cast<unsigned long long>(counts[rule]),
+                      map::severityNames[static_cast<size_t>(text.severity)].data(),
+                      static_cast<int>(text.name.size()), text.name.data());
+        output.Write(row);
+        first = false;
+    }
+    output.Write(Counted(Count(map::Severity::error), "error") + ", " +
+                 Counted(Count(map::Severity::warning), "warning") + ", " +
+                 Counted(Count(map::Severity::note), "note") + " in " + Counted(files, "file") + "\n");
+}
+
+}  // namespace vemrado::tools
