@@ -11,6 +11,8 @@
 #include "commands.h"
 #include "common_options.h"
 #include "finding_report.h"
+#include "input_progress.h"
+#include "inputs.h"
 #include "map/map_check.h"
 #include "map_source.h"
 #include "program.h"
@@ -21,7 +23,7 @@ namespace {
 constexpr uint64_t defaultMost = 10;
 
 struct CheckOptions {
-    std::vector<std::string> files;
+    InputOptions inputs;
     bool json = false;
     bool strict = false;
     bool listRules = false;
@@ -73,12 +75,16 @@ map::Finding ForeignFinding(const client::ForeignFile& foreign, const std::strin
 }
 
 // False when the file could not be read to its end, which has been said.
-bool CheckFile(const std::string& name, const map::CheckSettings& settings, FindingReport& report,
+bool CheckFile(const Input& input, const map::CheckSettings& settings, FindingReport& report,
                Environment& environment) {
-    const std::string shownName = client::SystemTextToUtf8(client::ShownName(name.c_str()));
+    if (!input.problem.empty()) {
+        environment.Error(input.problem);
+        return false;
+    }
+    const std::string shownName = client::SystemTextToUtf8(client::ShownName(input.name.c_str()));
     report.BeginFile(shownName);
     try {
-        MapSource source(name);
+        MapSource source(input.name);
         map::CheckMap(source.Bytes(), source.MarkSkipped(), settings, report);
         return true;
     } catch (const client::ForeignFile& foreign) {
@@ -98,18 +104,17 @@ bool CheckFile(const std::string& name, const map::CheckSettings& settings, Find
 int RunCheck(const CheckOptions& options, Environment& environment) {
     if (options.listRules) return ListRules(environment);
     if (!options.explained.empty()) return ExplainRule(options.explained, environment);
-    if (options.files.empty()) throw Failure(exitUsage, "FILE is required");
-    if (std::ranges::count(options.files, client::standardInputName) > 1)
-        throw Failure(exitUsage, "standard input can be read only once");
-
+    const std::vector<Input> inputs = FindInputs(options.inputs);
     const map::CheckSettings settings = {options.encoding, SelectedRules(options)};
     // Programs get everything unless they ask for less.
     const uint64_t most = options.json ? std::numeric_limits<uint64_t>::max() : defaultMost;
     FindingReport report(environment.output, {options.json, options.most.value_or(most), options.encoding});
     bool allRead = true;
-    for (const std::string& file : options.files) {
+    InputProgress progress(inputs);
+    for (const Input& input : inputs) {
         if (client::StopRequested()) break;
-        allRead = CheckFile(file, settings, report, environment) && allRead;
+        allRead = CheckFile(input, settings, report, environment) && allRead;
+        progress.Finish(input);
     }
     report.WriteSummary();
     const bool faulty = report.Count(map::Severity::error) + report.Count(map::Severity::warning) > 0 ||
@@ -136,7 +141,12 @@ void AddCheckCommand(Program& program) {
          {"zcat map.vkm.gz | vkm check --strict -", "a compressed file; notes count too"}}};
     CLI::App& command =
         program.Add(text, [options](Environment& environment) { return RunCheck(*options, environment); });
-    command.add_option("FILE", options->files, "The VKM files; - is standard input")->type_name("");
+    AddInputOptions(command, options->inputs);
+    command.parse_complete_callback([options] {  // in place of that of the inputs
+        const bool needsInput = !options->listRules && options->explained.empty();
+        if (needsInput && options->inputs.names.empty() && options->inputs.list.empty())
+            throw CLI::RequiredError("FILE, --files-from, --rules or --explain");
+    });
     command.add_flag("--json", options->json, "Write findings as JSON Lines");
     command
         .add_option("--max", options->most,
