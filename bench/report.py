@@ -90,6 +90,14 @@ def measure_commands(times):
             times[size] / taken)
 
 
+def measure_threads(size):
+    """Two importers side by side against one, in wall time: the best of the pairs, the median beside it."""
+    result = json.loads(run(programs / "bench_threads", generated(size)))
+    row(f"two importers on two threads, {size_text(size)} each (median of the pairs {result['median_speedup']:.2f})",
+        f"{result['two'] * 1e3:.0f} ms", "one importer, times two", f"{2 * result['one'] * 1e3:.0f} ms",
+        result["speedup"])
+
+
 def benchmarked(program):
     """The least processor time of each benchmark of a program, in seconds."""
     report = json.loads(run(programs / program, "--benchmark_format=json", "--benchmark_min_time=0.3",
@@ -166,6 +174,7 @@ def main():
     if "--full" in sys.argv[1:]:
         sizes += [1 << 32, 5 << 30]
     times = measure_import(sizes)
+    measure_threads(1 << 26)
     measure_commands(times)
     measure_sample()
     measure_parts()

@@ -3,7 +3,8 @@
 #include <algorithm>
 #include <string>
 
-#include "messages/messages.h"
+#include "messages/collected_messages.h"
+#include "messages/message_table.h"
 #include "symbols/shape_bytes.h"
 #include "tables/kokes_tables.h"
 #include "tables/naive_tables.h"
@@ -116,7 +117,8 @@ void CompareColors(std::string_view bytes) {
     vemrado_test::MessageBoxes boxes;
     files["colors"] = bytes;
     const vemrado_test::NaiveTables naive(texts);
-    vemrado::CKokesColorTable table;
+    vemrado::CollectedMessages warnings;
+    vemrado::CKokesColorTable table(warnings);
     const int complete = table.ReadColorFile("colors");
     Require(complete == (naive.missing.find_first_of("cw") == std::string::npos), "both sections are there");
     const auto colors = static_cast<int32_t>(naive.colors.size());
@@ -131,7 +133,6 @@ void CompareColors(std::string_view bytes) {
     Require(table.GetColor(-1) == 0 && table.GetColor(colors) == 0, "no colour outside the table");
     Require(table.GetWidth(-1) == 0 && table.GetWidth(widths) == 0, "no width outside the table");
     Require(files.openFiles == 0, "every file is closed");
-    vemrado::ClearMessages();
 }
 
 const Target colorTarget("color_table", CompareColors);

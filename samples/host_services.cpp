@@ -61,6 +61,20 @@ int CountElements(const char* name) {
     return count;
 }
 
+int ShowBoxOfJob(void* job, const char* text, unsigned int) {
+    std::fprintf(stderr, "job %d: %s\n", *static_cast<int*>(job), text);
+    return 1;
+}
+
+// What a thread of several runs: the boxes of its imports name its job.
+int CountInJob(int job, const char* name) {
+    const FrameworkThreadServices own = {ShowBoxOfJob, &job, nullptr, nullptr};  // null: the process's
+    const FrameworkThreadServices* before = FrameworkSetThreadServices(&own);
+    const int count = CountElements(name);
+    FrameworkSetThreadServices(before);
+    return count;
+}
+
 int main() {
     FrameworkSetMessageBoxHandler(ShowBox, nullptr);
     const FrameworkFileProvider provider = {nullptr, OpenMemoryFile, ReadMemoryFile, MemoryFileLength,
@@ -70,6 +84,8 @@ int main() {
     memoryFiles["garden.vkm"] = "&L P 0 0\nL 10 0\nL 10 10\n&T 5 5 \"garden\"\n&K\n";
     std::printf("garden.vkm: %d\n", CountElements("garden.vkm"));
     std::printf("absent.vkm: %d\n", CountElements("absent.vkm"));
+
+    std::printf("job 1: %d\n", CountInJob(1, "garden.vkm"));
 
     CVKMInterface* vkm = CreateVKMInterface();
     try {

@@ -1,8 +1,9 @@
-// Stand-in of the host's application framework: what the module needs of it, and the handlers by which a host of
-// our own gives each service its shape.
+// Stand-in of the host's application framework: what the module needs of it, and the handlers by which a host
+// of our own gives each service its shape.
 //
 // Host and module share this library in one process, so what is thrown here has one type for both.
-// All functions are for one thread at a time unless said otherwise; handlers are process-wide.
+// Any thread may call. Handlers are process-wide and are set while no other thread is in the framework or the
+// module; a thread may have services of its own besides.
 
 #pragma once
 
@@ -57,23 +58,23 @@ constexpr unsigned int frameworkExclamationOk = 48;  // MB_OK | MB_ICONEXCLAMATI
 // Shows a box through the handler; without one as text on standard error (Linux) or by MessageBoxA (Windows).
 FRAMEWORK_API int AfxMessageBox(const char* text, unsigned int style, unsigned int helpContext);
 
-// The text is in Windows-1250 where it comes from the module's message table; file names in it are in the system's
-// code page. The handler returns the button's number (1: OK).
+// The text is in Windows-1250 where it comes from the module's message table; file names in it are in the
+// system's code page. The handler returns the button's number (1: OK).
 typedef int (*FrameworkMessageBoxHandler)(void* context, const char* text, unsigned int style);
 FRAMEWORK_API void FrameworkSetMessageBoxHandler(FrameworkMessageBoxHandler handler, void* context);
 
 // --- Message pump ---
 
-// Called whenever the module pumps the thread's messages; on Linux this hook is the pump, on Windows it runs after
-// the window messages.
+// Called whenever the module pumps the thread's messages; on Linux this hook is the pump, on Windows it runs
+// after the window messages.
 typedef void (*FrameworkPumpHook)(void* context);
 FRAMEWORK_API void FrameworkSetPumpHook(FrameworkPumpHook hook, void* context);
 FRAMEWORK_API void FrameworkPumpMessages();
 
 // --- File provider ---
 
-// Where one is set, every file that the module opens is asked for here first; a file that the provider does not
-// open is then looked for on disk.
+// Where one is set, every file that the module opens is asked for here first; a file that the provider does
+// not open is then looked for on disk.
 struct FrameworkFileProvider {
     void* context;
     // A file of the provider's own, or null when it has none by that name. The path is as the module has it.
@@ -91,11 +92,25 @@ FRAMEWORK_API const FrameworkFileProvider* FrameworkGetFileProvider();
 
 // --- Registry override ---
 
-// A text that stands for the registry values "LocalPath" and "SharedPath" of the host's data directories, in place
-// of the registry; null goes back to the registry. Copied.
+// A text that stands for the registry values "LocalPath" and "SharedPath" of the host's data directories, in
+// place of the registry; null goes back to the registry. Copied.
 FRAMEWORK_API void FrameworkSetDataDirectory(const char* directory);
 // The directory in force, or null.
 FRAMEWORK_API const char* FrameworkGetDataDirectory();
+
+// --- Services of one thread ---
+
+// What a thread has in place of the process's services; a null member leaves that one as it is.
+struct FrameworkThreadServices {
+    FrameworkMessageBoxHandler messageBoxHandler;
+    void* messageBoxContext;
+    const FrameworkFileProvider* fileProvider;
+    const char* dataDirectory;
+};
+// Sets the calling thread's services; null: none of its own. Not copied: they stay the caller's and must live
+// as long as they are set. Returns what was set before, to be set again afterwards.
+FRAMEWORK_API const FrameworkThreadServices* FrameworkSetThreadServices(
+    const FrameworkThreadServices* services);
 }
 
 // --- Exceptions ---

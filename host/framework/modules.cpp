@@ -1,12 +1,16 @@
 // The chain of extension modules.
 
 #include "framework/framework.h"
+#include "lock.h"
 
 namespace {
 
+// Around the chain.
+standin::Lock chainLock;
 CDynLinkLibrary* firstLibrary = nullptr;
 
 void Unlink(const CDynLinkLibrary* library) {
+    const standin::Holding holding(chainLock);
     for (CDynLinkLibrary** place = &firstLibrary; *place != nullptr; place = &(*place)->next) {
         if (*place == library) {
             *place = library->next;
@@ -17,8 +21,12 @@ void Unlink(const CDynLinkLibrary* library) {
 
 }  // namespace
 
-CDynLinkLibrary::CDynLinkLibrary(AFX_EXTENSION_MODULE* record) : next(firstLibrary), module(record) {
-    firstLibrary = this;
+CDynLinkLibrary::CDynLinkLibrary(AFX_EXTENSION_MODULE* record) : module(record) {
+    {
+        const standin::Holding holding(chainLock);
+        next = firstLibrary;
+        firstLibrary = this;
+    }
     if (record != nullptr) record->library = this;
 }
 
@@ -44,6 +52,7 @@ void AfxTermExtensionModule(AFX_EXTENSION_MODULE* record, int terminateAll) {
 }
 
 int FrameworkModuleCount() {
+    const standin::Holding holding(chainLock);
     int count = 0;
     for (const CDynLinkLibrary* library = firstLibrary; library != nullptr; library = library->next) ++count;
     return count;

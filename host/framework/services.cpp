@@ -3,6 +3,7 @@
 
 #include <cstdio>
 #include <string>
+#include <utility>
 
 #include "framework/framework.h"
 #include "windows1250.h"
@@ -22,6 +23,8 @@ bool hasFileProvider = false;
 std::string dataDirectory;
 bool hasDataDirectory = false;
 
+constinit thread_local const FrameworkThreadServices* threadServices = nullptr;
+
 // The box of a process without a handler. Returns the button's number.
 int ShowBox(const char* text, unsigned int style) {
 #if defined(_WIN32)
@@ -38,6 +41,8 @@ int ShowBox(const char* text, unsigned int style) {
 
 int AfxMessageBox(const char* text, unsigned int style, unsigned int) {
     if (text == nullptr) text = "";
+    if (threadServices != nullptr && threadServices->messageBoxHandler != nullptr)
+        return threadServices->messageBoxHandler(threadServices->messageBoxContext, text, style);
     return boxHandler != nullptr ? boxHandler(boxContext, text, style) : ShowBox(text, style);
 }
 
@@ -61,6 +66,8 @@ void FrameworkSetFileProvider(const FrameworkFileProvider* provider) {
 }
 
 const FrameworkFileProvider* FrameworkGetFileProvider() {
+    if (threadServices != nullptr && threadServices->fileProvider != nullptr)
+        return threadServices->fileProvider;
     return hasFileProvider ? &fileProvider : nullptr;
 }
 
@@ -70,5 +77,11 @@ void FrameworkSetDataDirectory(const char* directory) {
 }
 
 const char* FrameworkGetDataDirectory() {
+    if (threadServices != nullptr && threadServices->dataDirectory != nullptr)
+        return threadServices->dataDirectory;
     return hasDataDirectory ? dataDirectory.c_str() : nullptr;
+}
+
+const FrameworkThreadServices* FrameworkSetThreadServices(const FrameworkThreadServices* services) {
+    return std::exchange(threadServices, services);
 }

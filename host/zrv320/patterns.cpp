@@ -3,8 +3,10 @@
 #include <deque>
 #include <new>
 #include <string>
+#include <utility>
 #include <vector>
 
+#include "lock.h"
 #include "zrv320/zrv320.h"
 
 namespace {
@@ -17,23 +19,30 @@ struct Pattern {
     std::string name;
 };
 
+// Around the lists; what was handed out is not changed any more.
+standin::Lock patternLock;
+
 // A deque: what was handed out stays where it is while more patterns come.
 std::deque<Pattern> linePatterns;
 std::deque<Pattern> pointPatterns;
 
 int16_t Register(std::deque<Pattern>& patterns, const PatternElement* elements, const char* name) {
-    if (elements == nullptr || patterns.size() == largestNumber) return 0;
+    if (elements == nullptr) return 0;
     try {
         const PatternElement* end = elements;
         while (end->code != endCode) ++end;
-        patterns.push_back({std::vector<PatternElement>(elements, end + 1), name != nullptr ? name : ""});
+        Pattern pattern{std::vector<PatternElement>(elements, end + 1), name != nullptr ? name : ""};
+        const standin::Holding holding(patternLock);
+        if (patterns.size() == largestNumber) return 0;
+        patterns.push_back(std::move(pattern));
+        return static_cast<int16_t>(patterns.size());
     } catch (const std::bad_alloc&) {
         return 0;
     }
-    return static_cast<int16_t>(patterns.size());
 }
 
 const Pattern* Find(const std::deque<Pattern>& patterns, int number) {
+    const standin::Holding holding(patternLock);
     if (number < 1 || static_cast<size_t>(number) > patterns.size()) return nullptr;
     return &patterns[static_cast<size_t>(number) - 1];
 }
@@ -75,6 +84,7 @@ const char* ZrvPointPatternName(int number) {
 }
 
 void ZrvClearPatterns(void) {
+    const standin::Holding holding(patternLock);
     linePatterns.clear();
     pointPatterns.clear();
 }

@@ -1,5 +1,6 @@
-// Stand-in of the host's drawing library. The module calls setextpattline, setextpattpoint and GetZrvCountry and
-// nothing else of it; the rest is for hosts of our own, which draw with the registered patterns.
+// Stand-in of the host's drawing library. The module calls setextpattline, setextpattpoint and GetZrvCountry
+// and nothing else of it; the rest is for hosts of our own, which draw with the registered patterns. Any
+// thread may call.
 
 #pragma once
 
@@ -44,6 +45,6 @@ ZRV320_API const PatternElement* ZrvPointPattern(int number);
 // The name under which a number was registered, or null.
 ZRV320_API const char* ZrvLinePatternName(int number);
 ZRV320_API const char* ZrvPointPatternName(int number);
-// Forgets every pattern; numbers begin at 1 again.
+// Forgets every pattern; numbers begin at 1 again. Not while another thread draws with one.
 ZRV320_API void ZrvClearPatterns(void);
 }

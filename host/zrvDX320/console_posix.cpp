@@ -3,6 +3,7 @@
 #include <sys/ioctl.h>
 #include <unistd.h>
 
+#include <atomic>
 #include <csignal>
 #include <cstdio>
 
@@ -10,12 +11,14 @@
 
 namespace {
 
-volatile std::sig_atomic_t interrupts = 0;
+// The signal may come to any thread.
+std::atomic<int> interrupts = 0;
+static_assert(std::atomic<int>::is_always_lock_free);
 struct sigaction previousAction;
 bool watching = false;
 
 void OnInterrupt(int) {
-    interrupts = interrupts + 1;
+    ++interrupts;
 }
 
 }  // namespace

@@ -1,9 +1,11 @@
 // The info window as a progress bar in one line of the terminal.
 
 #include <algorithm>
+#include <atomic>
 #include <new>
 #include <string>
 
+#include "lock.h"
 #include "windows1250.h"
 #include "zrvDX320/console.h"
 #include "zrvDX320/zrvDX320.h"
@@ -18,9 +20,13 @@ struct InfoWindow {
     int percent;           // what the last call showed or would have shown; -1 before the first
 };
 
+// Around what follows, and the terminal's line.
+standin::Lock windowLock;
 int openWindows = 0;
-int interruptsForgotten = 0;
+const InfoWindow* windowOnTerminal = nullptr;
 bool visible = true;
+
+std::atomic<int> interruptsForgotten = 0;
 
 size_t CharacterCount(const std::string& utf8) {
     return static_cast<size_t>(
@@ -47,9 +53,11 @@ void Draw(InfoWindow& window, int maximum, int position) {
     // Some hosts call far more often than the number changes.
     if (percent == window.percent) return;
     window.percent = percent;
+    if (windowOnTerminal != nullptr && windowOnTerminal != &window) return;
     const int columns = visible && window.onTerminal ? TerminalColumns() : 0;
     if (columns == 0) return;
     const std::string line = BarLine(window.text, columns, percent);
+    windowOnTerminal = &window;
     WriteTerminal(("\r" + line).c_str());
     window.drawn = CharacterCount(line);
 }
@@ -68,6 +76,7 @@ void* create_info_ext(const char* const* lines, int count, const char* text, con
     try {
         auto* window = new InfoWindow{windows1250::ToUtf8(caption != nullptr ? caption : ""),
                                       InterruptCount(), TerminalColumns() != 0, 0, -1};
+        const standin::Holding holding(windowLock);
         if (openWindows++ == 0) WatchInterrupts();
         return window;
     } catch (const std::bad_alloc&) {
@@ -79,6 +88,7 @@ int draw_info(void* handle, int maximum, int position, int) {
     if (handle == nullptr) return 0;
     auto& window = *static_cast<InfoWindow*>(handle);
     if (InterruptCount() != window.interruptsBefore) return 1;
+    const standin::Holding holding(windowLock);
     try {
         Draw(window, maximum, position);
     } catch (const std::bad_alloc&) {
@@ -90,6 +100,8 @@ int draw_info(void* handle, int maximum, int position, int) {
 void close_info(void* handle) {
     if (handle == nullptr) return;
     auto* window = static_cast<InfoWindow*>(handle);
+    const standin::Holding holding(windowLock);
+    if (windowOnTerminal == window) windowOnTerminal = nullptr;
     try {
         Erase(*window);
     } catch (const std::bad_alloc&) {
@@ -108,5 +120,6 @@ void InfoResetStop(void) {
 }
 
 void InfoSetVisible(int value) {
+    const standin::Holding holding(windowLock);
     visible = value != 0;
 }

@@ -1,6 +1,7 @@
 // Stand-in of the host's info-window library. The module calls create_info_ext, draw_info and close_info and
 // nothing else of it. The stand-in draws a progress bar on standard error when that is a terminal and stays
-// silent otherwise; an interrupt from the keyboard while a window is open is the user's request to stop.
+// silent otherwise; an interrupt from the keyboard while a window is open is the user's request to stop. Any
+// thread may call, each with windows of its own; of several windows the one that drew first has the terminal.
 
 #pragma once
 

@@ -1,7 +1,7 @@
 // Vemrado: reads VKM files, the text exchange format of digital cadastral maps.
 //
-// This is the whole public interface of the module. A host makes an importer, opens a file with it, takes the
-// elements one by one and gives the importer back:
+// This is the interface that hosts of the module's own kind use; vkm_details.h adds to it. A host makes an importer,
+// opens a file with it, takes the elements one by one and gives the importer back:
 //
 //     CVKMInterface* vkm = CreateVKMInterface();
 //     if (vkm && vkm->Open("map.vkm", 0, "", 1, 0.0, CVKMInterface::flgSymbolsNone)) {
@@ -22,8 +22,9 @@
 //                 GetElementCount() - 1. Any other index throws the framework's invalid-argument exception, which
 //                 derives from std::invalid_argument; the importer is unchanged then.
 //
-// Threads: one importer serves one thread at a time and takes no locks. Two importers must not run Open with
-// symbology at the same time. Open and ReadNext pump the calling thread's window messages every 50 lines.
+// Threads: one importer serves one thread at a time; importers of different threads work side by side, symbology
+// included. Calls into the host's drawing and info-window libraries come one at a time. Open, ReadNext and GetExtents
+// pump the calling thread's window messages every 50 lines.
 //
 // Failures: a file that cannot be opened is shown to the user in a message box and Open returns 0. A read error in
 // the middle of a file leaves Open or ReadNext as the framework's file exception, which derives from

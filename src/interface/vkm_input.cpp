@@ -4,8 +4,9 @@
 #include <new>
 
 #include "framework/framework.h"
-#include "messages/messages.h"
+#include "messages/message_table.h"
 #include "platform/platform.h"
+#include "support/host_calls.h"
 #include "vkm/element_loop.h"
 #include "zrvDX320/zrvDX320.h"
 
@@ -66,13 +67,13 @@ void CVkmInput::OpenProgressWindow() {
     std::snprintf(text, sizeof text, "%s", msgReadingInputFile);
     std::snprintf(end, sizeof end, "%s", msgEnd);
     const char* lines[] = {text};
-    progressWindow = create_info_ext(lines, 1, text, end);
+    progressWindow = CallHost(create_info_ext, lines, 1, text, end);
 }
 
 void CVkmInput::Close() {
     if (fileOpen != 0) {
         reader.inputFile.Close();
-        if (progressWindow != nullptr) close_info(progressWindow);
+        if (progressWindow != nullptr) CallHost(close_info, progressWindow);
         progressWindow = nullptr;
         ++filesClosed;
     }
@@ -84,7 +85,8 @@ bool CVkmInput::UpdateProgress() {
     if (progressWindow != nullptr) {
         const uint32_t position = reader.bytesRead / progressStep;
         if (position > progressPosition) {
-            if (draw_info(progressWindow, progressUnits, static_cast<int>(position), 0) != 0) return false;
+            if (CallHost(draw_info, progressWindow, progressUnits, static_cast<int>(position), 0) != 0)
+                return false;
             progressPosition = position;
         }
     }

@@ -2,7 +2,7 @@
 // system stands in posix/ and windows/; what both share (provider files, text mode) stands beside this
 // header.
 //
-// Nothing here throws. One thread at a time.
+// Nothing here throws. Any thread may call; an object serves one thread at a time.
 
 #pragma once
 
@@ -58,7 +58,7 @@ void OpenFailureText(const char* path, int error, char* text, size_t capacity);
 // The reason alone, in the system's words, without a line end.
 void ErrorReason(int error, char* text, size_t capacity);
 
-// Keeps the system from showing dialogs about missing media while it lives.
+// Keeps the system from showing dialogs about missing media to the calling thread while it lives.
 class CriticalErrorGuard {
   public:
     CriticalErrorGuard();

@@ -10,6 +10,8 @@ namespace vemrado {
 
 using namespace pool;
 
+using Holding = platform::Holding<platform::Lock>;
+
 namespace {
 
 // A free part that splitting leaves has at least one word: n + 8 for the allocated part, 4 for the rest.
@@ -45,6 +47,7 @@ CMemoryPool::~CMemoryPool() {
 }
 
 void CMemoryPool::ReleaseAll() {
+    const Holding holding(lock);
     while (regionCount > 0) {
         const RegionEntry& last = regions[--regionCount];
         Unpoison(last.base, last.size);
@@ -60,6 +63,7 @@ void CMemoryPool::ReleaseAll() {
 void* CMemoryPool::Alloc(uint32_t size) {
     if (size == 0 || size > largestRequest) return nullptr;
     const uint32_t rounded = (size + wordSize - 1) & sizeMask;
+    const Holding holding(lock);
     const int32_t index = FindFreeBlock(rounded);
     char* block = index >= 0 ? TakeFreeBlock(index, rounded) : TakeFromNewRegion(rounded);
     if (block != nullptr) Unpoison(block, size);
@@ -135,6 +139,7 @@ char* CMemoryPool::TakeFromNewRegion(uint32_t size) {
 
 int CMemoryPool::Free(void* address) {
     if (address == nullptr || reinterpret_cast<uintptr_t>(address) % wordSize != 0) return 0;
+    const Holding holding(lock);
     char* block = static_cast<char*>(address);
     const uint32_t header = Load(HeaderOf(block));
     if ((header & freeBit) != 0) return 0;

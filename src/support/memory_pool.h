@@ -7,12 +7,15 @@
 // (-1: not listed). Free neighbours are merged at once, and a region without an allocated block goes back to
 // the system at once.
 //
-// Addresses are multiples of 4, not more. One thread at a time; nothing throws.
+// Addresses are multiples of 4, not more. Any thread may call: each call holds the pool's lock. Nothing
+// throws.
 
 #pragma once
 
 #include <cstddef>
 #include <cstdint>
+
+#include "platform/lock.h"
 
 namespace vemrado {
 
@@ -35,6 +38,7 @@ class CMemoryPool {
     static constexpr uint32_t largestRequest = 0xFFFEFFF8u;
 
     const char* Name() const { return name; }
+    // For tests, while no other thread uses the pool.
     int32_t RegionCount() const { return regionCount; }
     int32_t FreeCount() const { return freeCount; }
 
@@ -54,6 +58,7 @@ class CMemoryPool {
     };
     friend class PoolTestPeer;
 
+    // With the lock held.
     int32_t FindFreeBlock(uint32_t size);
     char* TakeFreeBlock(int32_t index, uint32_t size);
     char* TakeFromNewRegion(uint32_t size);
@@ -79,6 +84,7 @@ class CMemoryPool {
     int32_t lastFreeIndex = 0;
     int32_t freeCount = 0;
     int32_t freeCapacity = 0;
+    platform::Lock lock;
 };
 
 constexpr CMemoryPool::CMemoryPool(const char* poolName) {

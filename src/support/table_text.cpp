@@ -2,7 +2,6 @@
 
 #include <algorithm>
 
-#include "messages/messages.h"
 #include "platform/ascii_case.h"
 #include "support/numbers.h"
 
@@ -40,7 +39,7 @@ bool TableFile::Open(const String& path, const char* note) {
     file.FailureText(path.c_str(), reason, sizeof reason);
     String warning(reason);
     if (note != nullptr) warning.append("\n").append(note);
-    AddMessage(warning.c_str());
+    problems.AddMessage(warning.c_str());
     return false;
 }
 
@@ -52,7 +51,7 @@ void TableFile::ReportReadFailure() {
     readFailed = true;
     char reason[failureTextSize];
     file.FailureReason(reason, sizeof reason);
-    AddFileMessage(filePath.c_str(), reason);
+    problems.AddFileMessage(filePath.c_str(), reason);
 }
 
 bool TableFile::NextLine(std::string_view& line) {
@@ -89,7 +88,6 @@ std::string_view Fields::Next(std::string_view delimiters) {
     size_t from = position;
     while (from < text.size() && isDelimiter(text[from])) ++from;
     if (from >= text.size()) {
-        exhausted = true;
         position = text.size();
         return {};
     }

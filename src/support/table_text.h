@@ -13,17 +13,30 @@ namespace vemrado {
 
 // Without spaces, tabs, CR, LF, vertical tabs and form feeds at both ends.
 std::string_view Trimmed(std::string_view text);
-// A table file, read line by line. Problems become collected warnings, so a reader only asks for the next
-// line.
+
+// Where a table file reports what goes wrong with it.
+class TableProblems {
+  public:
+    virtual void AddMessage(const char* text) = 0;
+    virtual void AddFileMessage(const char* path, const char* text) = 0;
+
+  protected:
+    ~TableProblems() = default;
+};
+
+// A table file, read line by line. Its problems are reported as they are met, so a reader only asks for the
+// next line.
 class TableFile {
   public:
     // A longer line is cut to this many characters.
     static constexpr size_t longestLine = 1048576;
 
+    // The problems must outlive the file.
+    explicit TableFile(TableProblems& reportedProblems) : problems(reportedProblems) {}
+
     // False when the file cannot be opened. The one warning says why; note, if any, follows it on a line of
     // its own.
     bool Open(const String& path, const char* note = nullptr);
-    bool IsOpen() const { return file.IsOpen(); }
     void Close() { file.Close(); }
     // Back to the start. A failure is a warning, and no line follows.
     void Rewind();
@@ -38,6 +51,7 @@ class TableFile {
     void ReportReadFailure();
     bool DropRestOfLine();
 
+    TableProblems& problems;
     platform::TextFile file;
     String filePath;
     String longLine;  // the start of a line that was cut
@@ -66,15 +80,12 @@ class Fields {
     // Skips delimiters, takes the characters up to the next one and steps over that. Empty when no field is
     // left.
     std::string_view Next(std::string_view delimiters = fieldBlanks);
-    // False once Next has found no field; true right after the last field, too.
-    bool More() const { return !exhausted; }
     // What no field has taken yet.
     std::string_view Rest() const { return text.substr(position < text.size() ? position : text.size()); }
 
   private:
     std::string_view text;
     size_t position = 0;
-    bool exhausted = false;
 };
 
 // Two numbers joined by a comma, with or without blanks around it ("3,5", "3 , 5"), or one number alone.

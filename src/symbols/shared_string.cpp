@@ -46,7 +46,7 @@ void ReportFault(SharedStringError error) {
 
 }  // namespace
 
-SharedStringError sharedStringError = SharedStringError::none;
+std::atomic<SharedStringError> sharedStringError = SharedStringError::none;
 void (*sharedStringErrorHook)(SharedStringError error) = ClearError;
 
 CSharedString::CSharedString() : characters(emptyCharacters) {}

@@ -1,8 +1,10 @@
 // A short name shared by reference counting. The characters stand behind a header of a 16-bit count and a
-// 32-bit length, end in two zero bytes, and come from stringPool. Nothing throws.
+// 32-bit length, end in two zero bytes, and come from stringPool. The strings that share characters serve one
+// thread at a time. Nothing throws.
 
 #pragma once
 
+#include <atomic>
 #include <cstdint>
 #include <string_view>
 
@@ -11,7 +13,7 @@ namespace vemrado {
 // The faults of shared strings set sharedStringError and call the hook, which takes care of it; the one
 // installed sets the error back to none.
 enum class SharedStringError { none = 0, noMemory = 1, negativeLength = 2, alreadyReleased = 3 };
-extern SharedStringError sharedStringError;
+extern std::atomic<SharedStringError> sharedStringError;
 extern void (*sharedStringErrorHook)(SharedStringError error);
 
 class CSharedString {

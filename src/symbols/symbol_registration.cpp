@@ -1,27 +1,39 @@
 // Drawing and registration of the point symbols of CKokesSymbols.
 
+#include <atomic>
 #include <cstdio>
 #include <cstdlib>
 #include <utility>
 
 #include "framework/framework.h"
-#include "messages/messages.h"
+#include "messages/message_table.h"
+#include "platform/lock.h"
 #include "support/data_directories.h"
+#include "support/host_calls.h"
 #include "symbols/symbol_table.h"
 
 namespace vemrado {
 
 namespace {
 
-// One unreadable shape file is reported in the life of the module, whichever importer meets it.
-bool mayWarn = true;
+// One unreadable shape file is reported in the life of the module, whichever importer meets it: the thread
+// whose number stands here shows it. 0: none yet.
+std::atomic<uintptr_t> warningThread = 0;
+constexpr uintptr_t warned = ~uintptr_t{0};
+
+// True for the first thread that asks, until its box is closed.
+bool MayWarn() {
+    uintptr_t first = 0;
+    const uintptr_t self = platform::CurrentThread();
+    return warningThread.compare_exchange_strong(first, self) || first == self;
+}
 
 void WarnOfShapeFile(const String& path) {
-    if (!mayWarn) return;
     String text(path);
     text.append(": ").append(msgNoSymbolFile).append("\n").append(msgSymbolsNotImported);
+    if (!MayWarn()) return;
     AfxMessageBox(text.c_str(), frameworkExclamationOk, 0);
-    mayWarn = false;
+    warningThread = warned;
 }
 
 }  // namespace
@@ -41,7 +53,7 @@ int32_t CKokesSymbols::RegisterSymbol(const CSymbol& symbol) {
     if (!Draw(symbol)) return 0;
     char name[64];
     std::snprintf(name, sizeof name, "S_%lld", std::llabs(symbol.vkmCode));
-    return setextpattpoint(pattern.Elements(), name);
+    return CallHost(setextpattpoint, pattern.Elements(), name);
 }
 
 const CPointPattern* CKokesSymbols::GetDrawing(int32_t vkmCode) {

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "messages/messages.h"
+#include "messages/message_table.h"
 #include "platform/ascii_case.h"
 #include "support/data_directories.h"
 #include "support/numbers.h"
@@ -53,11 +53,11 @@ int CKokesSymbols::LoadSymbols(const String& dataDirectory) {
 }
 
 int CKokesSymbols::ReadSymbolCodes(const String& path) {
-    TableFile file;
+    TableFile file(messages);
     if (!file.Open(path)) return 0;
     vkmSymbols.Prepare();
     if (!FindCodeSection(file, 'S')) {
-        if (!file.ReadFailed()) AddFileMessage(path.c_str(), msgNoSymbolCodeTable);
+        if (!file.ReadFailed()) messages.AddFileMessage(path.c_str(), msgNoSymbolCodeTable);
         return 0;
     }
     CSymbol symbol;
@@ -71,7 +71,7 @@ int CKokesSymbols::ReadSymbolCodes(const String& path) {
 }
 
 int CKokesSymbols::ReadSymbolTable(const String& path) {
-    TableFile file;
+    TableFile file(messages);
     if (!file.Open(path, msgSymbolsNotImported)) return 0;
     kokesSymbols.Prepare();
     if (!ReadFileList(file)) return 0;

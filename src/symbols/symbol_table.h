@@ -10,6 +10,7 @@
 #include <string_view>
 #include <utility>
 
+#include "messages/collected_messages.h"
 #include "support/code_index.h"
 #include "support/code_names.h"
 #include "support/containers.h"
@@ -43,7 +44,8 @@ class CKokesSymbols {
         PoolPointer<CSymbolShapes> shapes;
     };
 
-    CKokesSymbols() = default;
+    // The warnings must outlive the symbols.
+    explicit CKokesSymbols(CollectedMessages& warnings) : messages(warnings) {}
     CKokesSymbols(const CKokesSymbols&) = delete;
     CKokesSymbols& operator=(const CKokesSymbols&) = delete;
     ~CKokesSymbols() { ClearSymbols(); }
@@ -82,6 +84,7 @@ class CKokesSymbols {
     bool Draw(const CSymbol& symbol);
     CSymbolShapes* GetShapes(int32_t fileIndex);
 
+    CollectedMessages& messages;
     CodeIndex<CSymbol> kokesSymbols;
     CodeIndex<CSymbol> vkmSymbols;
     CodeNames names;

@@ -1,5 +1,5 @@
-// The tagged binary file: a magic number, then named and typed records one after another; see "Shape files" in
-// docs/symbology-format.md.
+// The tagged binary file: a magic number, then named and typed records one after another; see "Shape files"
+// in docs/symbology-format.md.
 //
 // A reader never reads past what a record promises, and a fault in a record header ends the records there.
 

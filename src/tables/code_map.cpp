@@ -1,6 +1,6 @@
 #include "tables/code_map.h"
 
-#include "messages/messages.h"
+#include "messages/message_table.h"
 
 namespace vemrado {
 
@@ -16,7 +16,7 @@ int CKokesCodeMap::ReadCodeMap(const String& filePath) {
 int CKokesCodeMap::ReadSection(char letter) {
     file.Rewind();
     if (!FindCodeSection(file, letter)) {
-        if (!file.ReadFailed()) AddFileMessage(path.c_str(), msgNoLineCodeTable);
+        if (!file.ReadFailed()) messages.AddFileMessage(path.c_str(), msgNoLineCodeTable);
         return 0;
     }
     int32_t code = 0;

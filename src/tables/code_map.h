@@ -4,6 +4,7 @@
 
 #include <cstdint>
 
+#include "messages/collected_messages.h"
 #include "support/code_index.h"
 #include "support/code_names.h"
 #include "support/containers.h"
@@ -13,6 +14,9 @@ namespace vemrado {
 
 class CKokesCodeMap {
   public:
+    // The warnings must outlive the map.
+    explicit CKokesCodeMap(CollectedMessages& warnings) : messages(warnings), file(warnings) {}
+
     // 1 when the file has a line code section, else 0 with a collected warning. May throw std::bad_alloc;
     // what was read before stays.
     int ReadCodeMap(const String& filePath);
@@ -37,6 +41,7 @@ class CKokesCodeMap {
   private:
     int ReadSection(char letter);
 
+    CollectedMessages& messages;
     String path;
     TableFile file;
     CodeIndex<CMapping> map;

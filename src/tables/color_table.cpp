@@ -1,6 +1,6 @@
 #include "tables/color_table.h"
 
-#include "messages/messages.h"
+#include "messages/message_table.h"
 #include "platform/ascii_case.h"
 #include "support/numbers.h"
 #include "tables/indexed_insertion.h"
@@ -46,7 +46,8 @@ int CKokesColorTable::ReadColorSection(std::string_view section, Kind kind) {
     do {
         if (!file.NextLine(line)) {
             if (!file.ReadFailed()) {
-                AddFileMessage(path.c_str(), kind == Kind::colors ? msgNoColorTable : msgNoWidthTable);
+                messages.AddFileMessage(path.c_str(),
+                                        kind == Kind::colors ? msgNoColorTable : msgNoWidthTable);
             }
             return 0;
         }

@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <string_view>
 
+#include "messages/collected_messages.h"
 #include "support/containers.h"
 #include "support/table_text.h"
 
@@ -17,6 +18,9 @@ struct CLineWidth {
 
 class CKokesColorTable {
   public:
+    // The warnings must outlive the table.
+    explicit CKokesColorTable(CollectedMessages& warnings) : messages(warnings), file(warnings) {}
+
     // Reads the sections "white" (colours) and "width" (line widths). 1 when both were found; a file that
     // cannot be opened or lacks one becomes a collected warning. May throw std::bad_alloc; what was read
     // before stays.
@@ -35,6 +39,7 @@ class CKokesColorTable {
     template <class Value>
     void ReadEntries(Array<Value>& values);
 
+    CollectedMessages& messages;
     String path;
     TableFile file;
     Array<uint32_t> colors;

@@ -1,6 +1,5 @@
 #include "tables/kokes_tables.h"
 
-#include "messages/messages.h"
 #include "support/data_directories.h"
 
 namespace vemrado {
@@ -33,7 +32,7 @@ void CKokesTables::ClearTables() {
 
 int CKokesTables::Load(int withSymbols) {
     ClearTables();
-    ClearMessages();
+    messages.ClearMessages();
     WithinMemory([&] {
         const String directory = GetSymbolDirectory(dataDirectory);
         WithinMemory([&] { colorTable.ReadColorFile(directory + colorFileName); });
@@ -44,7 +43,7 @@ int CKokesTables::Load(int withSymbols) {
     WithinMemory([&] { layers.BuildLayers(); });
     ApplyLayerStyles();
     if (withSymbols != 0) WithinMemory([&] { symbols.LoadSymbols(dataDirectory); });
-    ShowMessages();
+    messages.ShowMessages();
     return 1;
 }
 

@@ -7,6 +7,7 @@
 #include <cstdint>
 #include <string_view>
 
+#include "messages/collected_messages.h"
 #include "support/code_index.h"
 #include "support/containers.h"
 #include "support/pool_pointer.h"
@@ -79,14 +80,15 @@ class CKokesTables {
     void ResolveLineColors();
     void ApplyLayerStyles();
 
+    CollectedMessages messages;
     String lineTypePath;
-    TableFile lineTypeFile;
-    CKokesColorTable colorTable;
+    TableFile lineTypeFile{messages};
+    CKokesColorTable colorTable{messages};
     Array<PoolPointer<DashPattern>> patterns;  // by pattern number; null: no such pattern
     CodeIndex<CLineDefinition> lineDefinitions;
     CKokesLayerTable layers;
-    CKokesCodeMap codeMap;
-    CKokesSymbols symbols;
+    CKokesCodeMap codeMap{messages};
+    CKokesSymbols symbols{messages};
     String dataDirectory;
 };
 

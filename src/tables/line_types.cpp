@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstdio>
 
+#include "support/host_calls.h"
 #include "support/numbers.h"
 #include "tables/indexed_insertion.h"
 #include "tables/kokes_tables.h"
@@ -115,7 +116,7 @@ int CKokesTables::GetLineStyle(int32_t vkmCode, uint32_t& colour, int32_t& patte
             ListStretches(*lengths, elements);
             char name[32];
             std::snprintf(name, sizeof name, "L_%d", -definition.lineStyle);
-            definition.pattern = setextpattline(elements, name);  // 0 is asked for again next time
+            definition.pattern = CallHost(setextpattline, elements, name);  // 0 is asked for again next time
         }
     }
     pattern = definition.pattern;

@@ -30,7 +30,7 @@ struct CVKMReaderState {
     int32_t elementLayerNumber = 0;  // the layer of the element just completed
     char elementLayerText[4] = {};
     CVKMLineElements lineElements;  // the line just completed
-    int32_t elementPending = 0;     // workingElement is not yet in lineElements
+    int32_t elementPending = 0;     // the element being read is not yet one of the line's
     uint32_t currentRecord = 1;     // letter of the record being read, or a class of the header's last line
     CVKMText workingText;
     int32_t textPending = 0;  // workingText is not yet in currentText

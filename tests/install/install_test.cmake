@@ -40,7 +40,7 @@ expect("" ${CMAKE_COMMAND} -S ${SOURCE}/samples -B ${WORK}/samples -G ${GENERATO
 expect("" ${CMAKE_COMMAND} --build ${WORK}/samples)
 expect("${read_map_output}" ${WORK}/samples/read_map ${small})
 expect("2 lines, 1 texts" ${WORK}/samples/load_module ${prefix}/lib/libVemrado.so ${small})
-expect("import: absent.vkm.*garden.vkm: 2\nabsent.vkm: -1\nno such element" ${WORK}/samples/host_services)
+expect("import: absent.vkm.*garden.vkm: 2\nabsent.vkm: -1\njob 1: 2\nno such element" ${WORK}/samples/host_services)
 
 expect("Map scale +1:1000" ${prefix}/bin/vkm info ${small})
 file(GLOB_RECURSE converter ${prefix}/lib*/vkm-convert.so)

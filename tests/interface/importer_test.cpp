@@ -5,8 +5,9 @@
 #include <stdexcept>
 
 #include "interface/importer.h"
-#include "messages/messages.h"
 #include "memory_files.h"
+#include "messages/collected_messages.h"
+#include "messages/message_table.h"
 #include "vemrado/vkm_details.h"
 
 namespace vemrado_test {
@@ -210,16 +211,17 @@ TEST_F(Importer, CanBeClosedFromThePump) {
 
 TEST(Messages, CollectedInOrderAndShownInOneBox) {
     MessageBoxes boxes;
-    vemrado::ClearMessages();
-    vemrado::ShowMessages();
-    vemrado::AddMessage("first");
-    vemrado::AddFileMessage("C:\\a.col", vemrado::msgNoColorTable);
-    vemrado::ShowMessages();
-    vemrado::ShowMessages();
+    vemrado::CollectedMessages messages;
+    messages.ShowMessages();
+    messages.AddMessage("first");
+    messages.AddFileMessage("C:\\a.col", vemrado::msgNoColorTable);
+    messages.ShowMessages();
+    messages.ShowMessages();
     const std::string shown =
         "first\nC:\\a.col: File does not contain color table.\nColors will not be imported.\n|";
+    messages.ClearMessages();
+    messages.ShowMessages();
     EXPECT_EQ(boxes.texts, shown + shown);
-    vemrado::ClearMessages();
 }
 
 TEST(Messages, LanguageByCountry) {

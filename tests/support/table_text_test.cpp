@@ -4,8 +4,8 @@
 
 #include <gtest/gtest.h>
 
-#include "messages/messages.h"
 #include "memory_files.h"
+#include "messages/collected_messages.h"
 #include "platform/memory_faults.h"
 
 namespace vemrado_test {
@@ -16,7 +16,8 @@ using namespace vemrado;
 std::string LinesOf(const std::string& text) {
     MemoryFiles files;
     files["t"] = text;
-    TableFile file;
+    CollectedMessages messages;
+    TableFile file(messages);
     EXPECT_TRUE(file.Open("t"));
     std::string lines;
     for (std::string_view line; file.NextLine(line);) lines.append(line).append("|");
@@ -50,7 +51,8 @@ TEST(TableFile, ReadsAFileThatGrows) {
     for (const int64_t memoryCalls : {-1, 0}) {
         MemoryFiles files;
         files["t"] = grown.substr(0, 3500);
-        TableFile file;
+        CollectedMessages messages;
+        TableFile file(messages);
         ASSERT_TRUE(file.Open("t"));
         files.beforeRead = [&files, &grown] { files["t"] = grown; };
         platform::memoryCallsLeft = memoryCalls;
@@ -59,17 +61,16 @@ TEST(TableFile, ReadsAFileThatGrows) {
         platform::memoryCallsLeft = -1;
         EXPECT_EQ(file.ReadFailed(), memoryCalls == 0);
         EXPECT_TRUE(lines == (memoryCalls == 0 ? grown.substr(0, 3001) : grown + "\n"));
-        ClearMessages();
     }
 }
 
 TEST(TableFile, ReportsFailures) {
     MemoryFiles files;
     MessageBoxes boxes;
-    ClearMessages();
+    CollectedMessages messages;
     files["t"] = std::string(5'000'000, '\n');
     files.readLimit = 4'000'000;
-    TableFile file;
+    TableFile file(messages);
     ASSERT_TRUE(file.Open("t"));
     int lines = 0;
     for (std::string_view line; file.NextLine(line);) ++lines;
@@ -84,11 +85,10 @@ TEST(TableFile, ReportsFailures) {
     EXPECT_FALSE(file.NextLine(line));
     EXPECT_TRUE(file.ReadFailed());
     EXPECT_FALSE(file.Open("gone", "note"));
-    ShowMessages();
+    messages.ShowMessages();
     EXPECT_EQ(boxes.texts.find("t: "), 0u);
     EXPECT_NE(boxes.texts.find("\ngone: "), std::string::npos);
     EXPECT_EQ(boxes.texts.substr(boxes.texts.size() - 7), "\nnote\n|") << boxes.texts;
-    ClearMessages();
 }
 
 TEST(Fields, PairsOfNumbers) {
@@ -132,9 +132,8 @@ TEST(Fields, KnowWhenNoneIsLeft) {
     Fields fields(" a\tb ");
     EXPECT_EQ(fields.Next(), "a");
     EXPECT_EQ(fields.Next(), "b");
-    EXPECT_TRUE(fields.More());
     EXPECT_EQ(fields.Next(), "");
-    EXPECT_FALSE(fields.More());
+    EXPECT_EQ(fields.Rest(), "");
 }
 
 }  // namespace

@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "messages/messages.h"
+#include "messages/message_table.h"
 #include "shape_bytes.h"
 #include "symbols/symbol_table.h"
 #include "tables/symbology_files.h"
@@ -33,7 +33,8 @@ class Symbols : public testing::Test {
     }
 
     SymbologyFiles files;
-    CKokesSymbols symbols;
+    vemrado::CollectedMessages messages;
+    CKokesSymbols symbols{messages};
 };
 
 TEST_F(Symbols, CodesLeadToDrawings) {

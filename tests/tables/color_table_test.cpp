@@ -14,6 +14,7 @@ namespace vemrado_test {
 namespace {
 
 using vemrado::CKokesColorTable;
+using vemrado::CollectedMessages;
 
 class ColorTable : public testing::Test {
   protected:
@@ -24,7 +25,8 @@ class ColorTable : public testing::Test {
     }
 
     SymbologyFiles files;
-    CKokesColorTable table;
+    CollectedMessages messages;
+    CKokesColorTable table{messages};
 };
 
 TEST_F(ColorTable, ReadsColours) {

@@ -4,7 +4,7 @@
 
 #include <gtest/gtest.h>
 
-#include "messages/messages.h"
+#include "messages/message_table.h"
 #include "symbology_files.h"
 
 namespace vemrado_test {

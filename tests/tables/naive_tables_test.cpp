@@ -5,7 +5,7 @@
 
 #include <random>
 
-#include "messages/messages.h"
+#include "messages/message_table.h"
 #include "naive_tables.h"
 #include "symbology_files.h"
 #include "symbols/shape_bytes.h"

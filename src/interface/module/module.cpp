@@ -3,7 +3,8 @@
 #include <new>
 
 #include "framework/framework.h"
-#include "messages/messages.h"
+#include "messages/message_table.h"
+#include "support/host_calls.h"
 #include "support/memory_pool.h"
 #include "zrv320/zrv320.h"
 
@@ -34,7 +35,7 @@ AFX_EXTENSION_MODULE extensionModule;
 bool attached = false;
 
 // The host's drawing library is loaded before this module, so its language is known while the module loads.
-[[maybe_unused]] const bool languageSelected = (SelectLanguage(GetZrvCountry()), true);
+[[maybe_unused]] const bool languageSelected = (SelectLanguage(CallHost(GetZrvCountry)), true);
 
 }  // namespace
 

@@ -30,9 +30,14 @@ void ErrorReason(int error, char* text, size_t capacity) {
     text[copied] = '\0';
 }
 
-CriticalErrorGuard::CriticalErrorGuard() : previousMode(SetErrorMode(SEM_FAILCRITICALERRORS)) {}
+// The calling thread's mode: the process's is everybody's.
+CriticalErrorGuard::CriticalErrorGuard() {
+    DWORD mode = 0;
+    SetThreadErrorMode(SEM_FAILCRITICALERRORS, &mode);
+    previousMode = mode;
+}
 CriticalErrorGuard::~CriticalErrorGuard() {
-    SetErrorMode(previousMode);
+    SetThreadErrorMode(previousMode, nullptr);
 }
 
 void PumpMessages() {

@@ -1,5 +1,7 @@
+#include <atomic>
 #include <cstdio>
 #include <string>
+#include <thread>
 #include <utility>
 
 #include "recording.h"
@@ -11,8 +13,11 @@ std::string recording;
 std::string taken;
 int16_t nextResult = 1;
 int16_t resultStep = 1;
+std::atomic<bool> inside = false;
 
 int16_t Record(const char* kind, const PatternElement* element, const char* name) {
+    if (inside.exchange(true)) recording += "overlap ";
+    std::this_thread::yield();  // the longer, the likelier that another call comes
     recording.append(kind).append(" ").append(name).append(":");
     char record[96];
     for (; element->code != '@'; ++element) {
@@ -20,6 +25,7 @@ int16_t Record(const char* kind, const PatternElement* element, const char* name
         recording += record;
     }
     recording += element->x == 0 && element->y == 0 ? " @\n" : " unclean end\n";
+    inside = false;
     return std::exchange(nextResult, static_cast<int16_t>(nextResult + resultStep));
 }
 

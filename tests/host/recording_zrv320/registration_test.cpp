@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include "memory_files.h"
+#include "on_threads.h"
 #include "recording.h"
 #include "symbols/shape_bytes.h"
 #include "vemrado/vkm_interface.h"
@@ -119,6 +120,30 @@ TEST_F(Registration, ListsHoldAtMost1001Records) {
     importer->GetElementSymbol(0);
     list = takeRecording();
     EXPECT_EQ(std::count(list.begin(), list.end(), ' '), 1 + 1001 + 1);
+}
+
+// The recording library keeps what it records without a lock.
+TEST_F(Registration, CallsOfSeveralThreadsComeOneAtATime) {
+    FrameworkSetFileProvider(nullptr);
+    FrameworkSetDataDirectory(VEMRADO_SAMPLE_SYMBOLOGY);
+    OnThreads(8, [](int) {
+        CVKMInterface* own = CVKMInterface::CreateVKMInterface();
+        own->Open(VEMRADO_SAMPLE_MAP, 1, "", 1, 0, 1);
+        while (const int kind = own->ReadNext()) {
+            for (int i = 0; kind == 1 && i < own->GetElementCount(); ++i) {
+                unsigned int colour;
+                int pattern;
+                own->GetElementLineStyle(i, &colour, &pattern);
+                own->GetElementSymbol(i);
+            }
+        }
+        CVKMInterface::DestroyVKMInterface(own);
+    });
+    const std::string list = takeRecording();
+    EXPECT_EQ(std::count(list.begin(), list.end(), '@'), std::count(list.begin(), list.end(), '\n'));
+    EXPECT_EQ(list.find("overlap"), list.npos);
+    EXPECT_EQ(std::count(list.begin(), list.end(), '\n') % 8, 0);
+    EXPECT_NE(list.find("point"), list.npos);
 }
 
 }  // namespace

@@ -1,11 +1,7 @@
-#include "messages/messages.h"
+#include "messages/message_table.h"
 
 #include <cstddef>
 #include <iterator>
-#include <new>
-
-#include "framework/framework.h"
-#include "support/containers.h"
 
 namespace vemrado {
 
@@ -51,21 +47,6 @@ constexpr Texts messageTexts[] = {
      "Grafick\xE9 symboly nebudou importov\xE1ny."},
 };
 
-String messages;
-int haveMessages = 0;
-
-void Append(const char* path, const char* text) {
-    try {
-        String line;
-        if (path != nullptr) line.append(path).append(": ");
-        line.append(text).append("\n");
-        messages.append(line);
-        haveMessages = 1;
-    } catch (const std::bad_alloc&) {
-        // A warning without memory to keep it is dropped; the import goes on.
-    }
-}
-
 }  // namespace
 
 const char* msgReadingInputFile = messageTexts[0][english];
@@ -84,23 +65,6 @@ void SelectLanguage(int country) {
     static_assert(std::size(entries) == std::size(messageTexts));
     const Language language = country == 0 ? czech : country == 2 ? german : english;
     for (size_t i = 0; i < std::size(entries); ++i) *entries[i] = messageTexts[i][language];
-}
-
-void ClearMessages() {
-    haveMessages = 0;
-    String().swap(messages);  // with its memory
-}
-
-void AddMessage(const char* text) {
-    Append(nullptr, text);
-}
-
-void AddFileMessage(const char* path, const char* text) {
-    Append(path, text);
-}
-
-void ShowMessages() {
-    if (haveMessages == 1) AfxMessageBox(messages.c_str(), frameworkExclamationOk, 0);
 }
 
 }  // namespace vemrado
