@@ -53,7 +53,8 @@ int CVkmInput::GetLineCount() {
 }
 
 int CVkmInput::CopyElements(int first, int count, VkmElement* elements) {
-    const int last = std::min<int64_t>(GetElementCount(), int64_t{first} + std::max(count, 0));
+    const auto last =
+        static_cast<int>(std::min<int64_t>(GetElementCount(), int64_t{first} + std::max(count, 0)));
     if (first < 0 || first >= last) return 0;
     for (int i = first; i < last; ++i, ++elements) {
         const CVKMLineElement& element = state.lineElements[static_cast<size_t>(i)];
