@@ -31,7 +31,7 @@ struct CheckOptions {
     std::vector<std::string> ignored;
     std::vector<std::string> only;
     std::optional<uint64_t> most;
-    client::Encoding encoding = client::Encoding::windows1250;
+    EncodingChoice encoding;
 };
 
 map::Rule RuleOf(const std::string& name) {
@@ -75,15 +75,16 @@ map::Finding ForeignFinding(const client::ForeignFile& foreign, const std::strin
 }
 
 // False when the file could not be read to its end, which has been said.
-bool CheckFile(const Input& input, const map::CheckSettings& settings, FindingReport& report,
-               Environment& environment) {
+bool CheckFile(const Input& input, const EncodingChoice& encoding, map::CheckSettings settings,
+               FindingReport& report, Environment& environment) {
     if (!input.problem.empty()) {
         environment.Error(input.problem);
         return false;
     }
     const std::string shownName = client::SystemTextToUtf8(client::ShownName(input.name.c_str()));
-    report.BeginFile(shownName);
     try {
+        if (!ChooseEncoding(encoding, input.name, environment, settings.encoding)) return false;
+        report.BeginFile(shownName, settings.encoding);
         MapSource source(input.name);
         map::CheckMap(source.Bytes(), source.MarkSkipped(), settings, report);
         return true;
@@ -105,15 +106,15 @@ int RunCheck(const CheckOptions& options, Environment& environment) {
     if (options.listRules) return ListRules(environment);
     if (!options.explained.empty()) return ExplainRule(options.explained, environment);
     const std::vector<Input> inputs = FindInputs(options.inputs);
-    const map::CheckSettings settings = {options.encoding, SelectedRules(options)};
+    const map::CheckSettings settings = {.rules = SelectedRules(options)};
     // Programs get everything unless they ask for less.
     const uint64_t most = options.json ? std::numeric_limits<uint64_t>::max() : defaultMost;
-    FindingReport report(environment.output, {options.json, options.most.value_or(most), options.encoding});
+    FindingReport report(environment.output, {options.json, options.most.value_or(most)});
     bool allRead = true;
     InputProgress progress(inputs);
     for (const Input& input : inputs) {
         if (client::StopRequested()) break;
-        allRead = CheckFile(input, settings, report, environment) && allRead;
+        allRead = CheckFile(input, options.encoding, settings, report, environment) && allRead;
         progress.Finish(input);
     }
     report.WriteSummary();

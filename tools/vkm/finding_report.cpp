@@ -13,12 +13,10 @@ std::string Counted(uint64_t count, std::string_view thing) {
 }  // namespace
 
 FindingReport::FindingReport(StandardOutput& standardOutput, const FindingReportSettings& reportSettings)
-    : output(standardOutput),
-      json(standardOutput),
-      settings(reportSettings),
-      decoder(reportSettings.encoding) {}
+    : output(standardOutput), json(standardOutput), settings(reportSettings) {}
 
-void FindingReport::BeginFile(const std::string& name) {
+void FindingReport::BeginFile(const std::string& name, client::Encoding encoding) {
+    decoder.emplace(encoding);
     file = name;
     ++files;
     countsOfFile = {};
@@ -29,7 +27,7 @@ void FindingReport::Take(const map::Finding& finding) {
     ++counts[rule];
     if (++countsOfFile[rule] > settings.most) return;
     field.clear();
-    decoder.Append(finding.field, field);
+    decoder->Append(finding.field, field);
     if (settings.json) {
         WriteJson(finding);
     } else {

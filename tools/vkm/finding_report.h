@@ -4,6 +4,7 @@
 
 #include <array>
 #include <cstdint>
+#include <optional>
 #include <string>
 
 #include "client/text_encoding.h"
@@ -16,7 +17,6 @@ namespace vemrado::tools {
 struct FindingReportSettings {
     bool json = false;
     uint64_t most = 10;  // shown of each rule in a file
-    client::Encoding encoding = client::Encoding::windows1250;
 };
 
 // Writes findings as they come, the first ones of each rule in a file, and counts all.
@@ -25,7 +25,7 @@ class FindingReport : public map::FindingSink {
     FindingReport(StandardOutput& standardOutput, const FindingReportSettings& settings);
 
     // The findings that follow are those of a file; its name is as people see it, in UTF-8.
-    void BeginFile(const std::string& name);
+    void BeginFile(const std::string& name, client::Encoding encoding);
     void Take(const map::Finding& finding) override;
     void WriteSummary();
 
@@ -38,7 +38,7 @@ class FindingReport : public map::FindingSink {
     StandardOutput& output;
     JsonWriter json;
     FindingReportSettings settings;
-    client::TextDecoder decoder;
+    std::optional<client::TextDecoder> decoder;
     std::string file;
     std::string field;  // of the finding being written, in UTF-8
     uint64_t files = 0;
