@@ -1,6 +1,8 @@
 #include "legend.h"
 
+#include <algorithm>
 #include <array>
+#include <cmath>
 #include <set>
 #include <span>
 
@@ -19,21 +21,16 @@ constexpr double gap = 3;
 constexpr double headingText = 2.6;
 constexpr double nameText = 1.9;
 
-const Pen& Ink() {
-    static const Pen pen = [] {
-        Pen ink;
-        ink.id = "legend-ink";
-        ink.width = 0.18;
-        return ink;
-    }();
-    return pen;
-}
+constexpr double smallestShare = 0.6;  // of its place that a symbol of a small picture takes
+constexpr double inkWidth = 0.18;
 
-// How much smaller a symbol is drawn in the legend.
-double LegendScale(const SymbolShape& shape) {
-    const double largest =
-        std::max(shape.bounds.Width() / sampleWidth, shape.bounds.Height() / tallestSymbol);
-    return largest > 1 ? 1 / largest : 1;
+Pen Enlarged(const Pen& pen, double by) {
+    Pen larger = pen;
+    larger.id = "legend-" + pen.id;
+    larger.width *= by;
+    for (double& length : larger.dashes) length *= by;
+    larger.dashOffset *= by;
+    return larger;
 }
 
 std::set<uint32_t> UsedLineStyles(const Scene& scene, const Box& box) {
@@ -101,14 +98,29 @@ void Legend::AddSymbols(const client::SymbologyIndex& index, const Box& box) {
     }
 }
 
+// Enlarged, but no larger than its place. In a small picture a symbol must also be large enough to be seen.
+double Legend::SampleScale(const SymbolShape& shape) const {
+    const double larger = std::max(1.0, enlargement);
+    const double largest = std::max(shape.bounds.Width() / (sampleWidth * larger),
+                                    shape.bounds.Height() / (tallestSymbol * larger));
+    if (largest <= 0) return enlargement;
+    const double wanted = enlargement > 1 ? std::max(enlargement, smallestShare / largest) : 1;
+    return std::min(wanted, 1 / largest);
+}
+
 double Legend::RowHeight(const Row& row) const {
     if (!row.pen && !row.shape) return headingHeight * size;
-    const double drawn = row.shape ? row.shape->bounds.Height() * LegendScale(*row.shape) + 1.5 : 0;
+    const double drawn = row.shape ? row.shape->bounds.Height() * SampleScale(*row.shape) + 1.5 * size : 0;
     return std::max(rowHeight * size, drawn);
 }
 
-void Legend::LayOut(double available, double sheetSize) {
+void Legend::LayOut(double available, double sheetSize, double sampleEnlargement) {
     size = sheetSize;
+    enlargement = sampleEnlargement;
+    ink.id = "legend-ink";
+    ink.width = inkWidth * enlargement;
+    pens.clear();
+    for (const Row& row : rows) pens.push_back(row.pen ? Enlarged(*row.pen, enlargement) : Pen());
     columns = 1;
     height = 0;
     double y = 0;
@@ -128,6 +140,17 @@ void Legend::LayOut(double available, double sheetSize) {
     }
 }
 
+void Legend::LayOutInWidth(double available, double sheetSize, double sampleEnlargement) {
+    const double column = (columnWidth + gap) * sheetSize;
+    const auto most = static_cast<size_t>(std::max(1.0, std::floor((available + gap * sheetSize) / column)));
+    constexpr double endless = 1e12;
+    LayOut(endless, sheetSize, sampleEnlargement);
+    constexpr double step = 1.05;
+    double tallest = height / static_cast<double>(most);
+    for (LayOut(tallest, sheetSize, sampleEnlargement); columns > most; tallest *= step)
+        LayOut(tallest, sheetSize, sampleEnlargement);
+}
+
 double Legend::Width() const {
     return (static_cast<double>(columns) * (columnWidth + gap) - gap) * size;
 }
@@ -137,7 +160,10 @@ double Legend::Height() const {
 }
 
 void Legend::DefineStyles(Canvas& canvas) const {
-    canvas.DefinePen(Ink());
+    canvas.DefinePen(ink);
+    for (const Pen& pen : pens) {
+        if (enlargement > 1 && !pen.id.empty()) canvas.DefinePen(pen);
+    }
 }
 
 void Legend::Draw(Canvas& canvas, Point corner) const {
@@ -159,15 +185,15 @@ void Legend::DrawRow(Canvas& canvas, const Row& row, Point corner) const {
     }
     if (row.pen) {
         const std::array<Point, 2> line{Point{x, middle}, Point{x + sampleWidth * size, middle}};
-        canvas.Line(line, *row.pen, 0);
+        canvas.Line(line, enlargement > 1 ? pens[static_cast<size_t>(&row - rows.data())] : *row.pen, 0);
     } else {
         // In the middle of its place, wherever its insertion point is.
-        const double scale = LegendScale(*row.shape);
+        const double scale = SampleScale(*row.shape);
         const Box& bounds = row.shape->bounds;
         canvas.Symbol(*row.shape,
                       {x + sampleWidth * size / 2 - (bounds.minX + bounds.maxX) / 2 * scale,
                        middle + (bounds.minY + bounds.maxY) / 2 * scale},
-                      scale, 0, Ink());
+                      scale, 0, ink);
     }
     const double textLeft = (sampleWidth + gap) * size;
     style.height = nameText * size;

@@ -17,8 +17,10 @@ class Legend {
     Legend(const Scene& scene, const client::SymbologyIndex& index, const Box& box);
 
     // Breaks the legend into columns no higher than this. The size is the one of map_frame.h: texts grow with
-    // it, symbols stay as they are on the map.
-    void LayOut(double available, double sheetSize);
+    // it. Samples of lines and symbols are as on the map times the enlargement.
+    void LayOut(double available, double sheetSize, double sampleEnlargement);
+    // Breaks it into as many columns of one height as fit the width.
+    void LayOutInWidth(double available, double sheetSize, double sampleEnlargement);
     double Width() const;   // mm
     double Height() const;  // of the highest column
 
@@ -37,6 +39,7 @@ class Legend {
     void AddLineTypes(const client::SymbologyIndex& index, const Box& box);
     void AddSymbols(const client::SymbologyIndex& index, const Box& box);
     double RowHeight(const Row& row) const;  // mm
+    double SampleScale(const SymbolShape& shape) const;
     void DrawRow(Canvas& canvas, const Row& row, Point corner) const;
 
     const Scene& scene;
@@ -44,6 +47,9 @@ class Legend {
     size_t columns = 1;
     double height = 0;
     double size = 1;
+    double enlargement = 1;
+    std::vector<Pen> pens;  // of the samples when they are enlarged, by row
+    Pen ink;
 };
 
 // Cuts a text that is wider than a space for it, and shows that it was cut.

@@ -11,9 +11,11 @@
 namespace vemrado::draw {
 namespace {
 
-constexpr double gridSpacing = 100;  // mm on paper, at most
-constexpr double crossArm = 2;
-constexpr double tickLength = 2;
+constexpr double gridSpacing = 100;   // mm on paper on a small sheet, at most
+constexpr double mostGridLines = 24;  // each way, however large the sheet
+constexpr double labelGap = 2;        // between grid labels, times the sheet's size
+constexpr double crossArmLength = 2;
+constexpr double tickLengthOutside = 2;
 constexpr double coordinateHeight = 1.5;
 constexpr double titleHeight = 4.2;
 constexpr double subtitleHeight = 2.2;
@@ -58,6 +60,24 @@ void FillBar(Canvas& canvas, double left, double top, double width, double heigh
     canvas.Fill(outline, 0);
 }
 
+// S-JTSK has positive coordinates; a picture with east to the right and north up has them with the other
+// sign.
+std::string Label(double coordinate, bool allNegative) {
+    return Formatted("%.0f", allNegative ? std::abs(coordinate) : coordinate);
+}
+
+// Distance of grid lines on the ground: round, and wide enough for the labels and for what a picture can
+// show.
+double GridStep(const Box& area, const Box& ground, double enlargement, double longestLabel) {
+    const double metresPerMillimetre = ground.Width() / area.Width();
+    const double widest = std::min(area.Width(), area.Height()) / 2;
+    const double spacing = std::min(gridSpacing * enlargement, widest);
+    const double narrowest = std::max(longestLabel, std::max(area.Width(), area.Height()) / mostGridLines);
+    double step = RoundDown(spacing * metresPerMillimetre * (1 + 1e-9));
+    while (step < narrowest * metresPerMillimetre) step = RoundDown(2.5 * step);
+    return step;
+}
+
 // Round coordinates between two limits, with their places on paper.
 struct GridLine {
     double coordinate;
@@ -86,21 +106,28 @@ void DrawFrame(Canvas& canvas, const Box& area) {
     canvas.Line(outline, framePen, 0);
 }
 
-void DrawGrid(Canvas& canvas, const Box& area, const Box& ground, double size) {
-    const double spacing = std::min({gridSpacing, area.Width() / 2, area.Height() / 2});
-    const double step = RoundDown(spacing * ground.Width() / area.Width() * (1 + 1e-9));
-    const auto columns = GridLines(ground.minX, ground.maxX, step, area.minX, area.maxX);
-    const auto lines = GridLines(ground.minY, ground.maxY, step, area.maxY, area.minY);
-    const Box inside = area.Grown(-crossArm);
+void DrawGrid(Canvas& canvas, const Box& area, const Box& ground, double size, double enlargement) {
     TextStyle style;
     style.height = coordinateHeight * size;
     style.across = Across::middle;
+    const bool negativeX = ground.maxX <= 0;
+    const bool negativeY = ground.maxY <= 0;
+    double longest = 0;
+    for (const double end : {ground.minX, ground.maxX, ground.minY, ground.maxY})
+        longest = std::max(longest, TextWidth(Label(end, false), style.font, style.height));
+    const double step = GridStep(area, ground, enlargement, longest + labelGap * size);
+    const auto columns = GridLines(ground.minX, ground.maxX, step, area.minX, area.maxX);
+    const auto lines = GridLines(ground.minY, ground.maxY, step, area.maxY, area.minY);
+    const double crossArm = crossArmLength * enlargement;
+    const double tickLength = tickLengthOutside * size;
+    const Box inside = area.Grown(-crossArm);
     canvas.BeginGroup("grid", "");
     for (const GridLine& column : columns) {
         DrawSegment(canvas, finePen, {column.place, area.maxY}, {column.place, area.maxY + tickLength});
         DrawSegment(canvas, finePen, {column.place, area.minY}, {column.place, area.minY - tickLength});
         style.upright = Upright::top;
-        canvas.Text(Formatted("%.0f", column.coordinate), {column.place, area.maxY + tickLength + 1}, style);
+        canvas.Text(Label(column.coordinate, negativeX), {column.place, area.maxY + tickLength + size},
+                    style);
         for (const GridLine& line : lines) {
             if (!inside.Contains({column.place, line.place})) continue;
             DrawSegment(canvas, gridPen, {column.place - crossArm, line.place},
@@ -114,7 +141,7 @@ void DrawGrid(Canvas& canvas, const Box& area, const Box& ground, double size) {
     for (const GridLine& line : lines) {
         DrawSegment(canvas, finePen, {area.minX, line.place}, {area.minX - tickLength, line.place});
         DrawSegment(canvas, finePen, {area.maxX, line.place}, {area.maxX + tickLength, line.place});
-        canvas.Text(Formatted("%.0f", line.coordinate), {area.minX - tickLength - 1, line.place}, style);
+        canvas.Text(Label(line.coordinate, negativeY), {area.minX - tickLength - size, line.place}, style);
     }
     canvas.EndGroup();
 }

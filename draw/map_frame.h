@@ -14,8 +14,10 @@ void DefineFramePens(Canvas& canvas);
 
 void DrawFrame(Canvas& canvas, const Box& area);
 
-// Crosses at round coordinates at most 100 mm apart, and the coordinates outside the frame.
-void DrawGrid(Canvas& canvas, const Box& area, const Box& ground, double size);
+// Crosses at round coordinates, and the coordinates outside the frame, without the sign of a map that lies
+// below 0 altogether. They are at most 100 mm apart times the enlargement of what stands on the map, but no
+// more than can be told apart on the sheet.
+void DrawGrid(Canvas& canvas, const Box& area, const Box& ground, double size, double enlargement);
 
 // The corner is the upper left one.
 void DrawTitle(Canvas& canvas, Point corner, double width, const std::string& title, double mapScale,

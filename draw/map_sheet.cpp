@@ -19,14 +19,21 @@ constexpr double pageMargin = 12;  // mm around the frame, times the sheet's siz
 constexpr double titleHeight = 16;
 constexpr double footHeight = 16;
 constexpr double legendGap = 8;
-constexpr double lowestLegend = 120;  // mm that a column of the legend may take beside a smaller map
-constexpr double symbolWidth = 0.18;  // mm of the strokes of symbols
-constexpr double clipMargin = 2;      // mm beyond the map to which strokes go on, more than any line is wide
+constexpr double lowestLegend = 120;   // mm that a column of the legend may take beside a smaller map
+constexpr double legendText = 1.9;     // mm; height of a capital letter in the legend
+constexpr double readablePixels = 7;   // of a capital letter
+constexpr double largestShare = 0.02;  // keeps the margins below half the page
+constexpr double symbolWidth = 0.18;   // mm of the strokes of symbols
+constexpr double clipMargin = 2;       // mm beyond the map to which strokes go on, more than any line is wide
 
 Box AtLeast(const Box& box, double side) {
     const double x = std::max(0.0, (side - box.Width()) / 2);
     const double y = std::max(0.0, (side - box.Height()) / 2);
     return {box.minX - x, box.minY - y, box.maxX + x, box.maxY + y};
+}
+
+bool Holds(const Box& box, const Box& part) {
+    return box.Contains({part.minX, part.minY}) && box.Contains({part.maxX, part.maxY});
 }
 
 // What the map shows.
@@ -62,13 +69,37 @@ void MapSheet::LayOut() {
         return;
     }
     // Titles grow with the sheet, as people look at a large one from farther away.
-    size = std::clamp(std::sqrt(width * height) / smallSheet, 1.0, largestSize);
-    legend.LayOut(std::max(height + footHeight * size, lowestLegend), size);
+    const double usual = std::clamp(std::sqrt(width * height) / smallSheet, 1.0, largestSize);
+    LayOutAround(width, height, usual);
+    if (options.pixels <= 0) return;
+    // A picture of few pixels: what stands around the map grows until it can be read, and the legend goes
+    // below the map.
+    const double readable = readablePixels * page.width / (options.pixels * legendText);
+    if (readable <= size) return;
+    const double share =
+        readablePixels / (options.pixels * legendText);  // of the page's width, for each unit of size
+    const double needed = share * width / (1 - 2 * pageMargin * std::min(share, largestShare));
+    enlargement = needed / usual;
+    LayOutAround(width, height, needed);
+}
+
+void MapSheet::LayOutAround(double width, double height, double wantedSize) {
+    size = wantedSize;
     const double margin = pageMargin * size;
     const double top = margin + titleHeight * size;
     area = {margin, top, margin + width, top + height};
-    page.width = area.maxX + legendGap * size + legend.Width() + margin;
-    page.height = top + std::max(height + footHeight * size, legend.Height()) + margin;
+    const double foot = footHeight * size;
+    if (enlargement > 1) {
+        legend.LayOutInWidth(width, size, enlargement);
+        legendCorner = {area.minX, area.maxY + foot + legendGap * size};
+        page.width = margin + std::max(width, legend.Width()) + margin;
+        page.height = legendCorner.y + legend.Height() + margin;
+        return;
+    }
+    legend.LayOut(std::max(height + foot, lowestLegend), size, enlargement);
+    legendCorner = {area.maxX + legendGap * size, area.minY};
+    page.width = legendCorner.x + legend.Width() + margin;
+    page.height = top + std::max(height + foot, legend.Height()) + margin;
 }
 
 Point MapSheet::OnPaper(Point point) const {
@@ -78,7 +109,7 @@ Point MapSheet::OnPaper(Point point) const {
 
 void MapSheet::Draw(Canvas& canvas) const {
     DefineStyles(canvas);
-    if (options.legend) DrawGrid(canvas, area, ground, size);
+    if (options.legend) DrawGrid(canvas, area, ground, size, enlargement);
     DrawMap(canvas);
     if (!options.legend) return;
     const double margin = pageMargin * size;
@@ -90,7 +121,7 @@ void MapSheet::Draw(Canvas& canvas) const {
     DrawScaleBar(canvas, {margin, area.maxY + footHeight * size}, area.Width(), scene.MillimetresPerMetre(),
                  size);
     canvas.EndGroup();
-    legend.Draw(canvas, {area.maxX + legendGap * size, area.minY});
+    legend.Draw(canvas, legendCorner);
 }
 
 uint64_t MapSheet::Count() const {
@@ -126,7 +157,11 @@ void MapSheet::DrawLayer(Canvas& canvas, const Layer& layer) const {
         canvas.Symbol(scene.symbolStyles[symbol.style].shape, OnPaper(symbol.point), symbol.scale,
                       symbol.rotation, symbolPens.at(symbol.colour));
     }
-    for (const PlacedText& text : layer.texts) canvas.Text(text.text, OnPaper(text.point), text.style);
+    for (const PlacedText& text : layer.texts) {
+        // A number that the edge cuts would read as another number.
+        if (options.box && !Holds(ground, scene.ExtentOf(text))) continue;
+        canvas.Text(text.text, OnPaper(text.point), text.style);
+    }
 }
 
 void MapSheet::DrawStrokes(Canvas& canvas, const Layer& layer) const {

@@ -18,6 +18,8 @@ struct SheetOptions {
     std::optional<Box> box;  // what the map shows, exactly; none: everything
     bool legend = false;     // frame, title, legend and so on
     std::string title;
+    double pixels =
+        0;  // width of the picture in pixels, for which the legend stays readable; 0: as large as on paper
 };
 
 class MapSheet {
@@ -33,6 +35,7 @@ class MapSheet {
 
   private:
     void LayOut();
+    void LayOutAround(double width, double height, double wantedSize);
     Point OnPaper(Point ground) const;
     void DefineStyles(Canvas& canvas) const;
     void DrawMap(Canvas& canvas) const;
@@ -44,8 +47,10 @@ class MapSheet {
     Box ground;  // what the map shows
     Legend legend;
     Box area;  // where on the page
+    Point legendCorner;
     PageSize page;
     double size = 1;                     // of what stands around the map
+    double enlargement = 1;              // of samples and crosses, where the picture is smaller than on paper
     std::map<uint32_t, Pen> symbolPens;  // by colour
 };
 

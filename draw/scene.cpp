@@ -42,6 +42,12 @@ Box TextBox(const PlacedText& text) {
 
 }  // namespace
 
+Box Scene::ExtentOf(const PlacedText& text) const {
+    Box extent;
+    AddTurned(extent, text.point, Scaled(TextBox(text), 1 / MillimetresPerMetre()), text.style.rotation);
+    return extent;
+}
+
 Box Scene::Extent() const {
     Box extent;
     const double metresPerMillimetre = 1 / MillimetresPerMetre();
@@ -53,7 +59,9 @@ Box Scene::Extent() const {
                       symbol.rotation);
         }
         for (const PlacedText& text : layer.texts) {
-            AddTurned(extent, text.point, Scaled(TextBox(text), metresPerMillimetre), text.style.rotation);
+            const Box box = ExtentOf(text);
+            extent.Add(Point{box.minX, box.minY});
+            extent.Add(Point{box.maxX, box.maxY});
         }
     }
     return extent;

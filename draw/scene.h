@@ -72,6 +72,8 @@ struct Scene {
     Skipped skipped;
 
     double MillimetresPerMetre() const { return 1000 / mapScale; }
+    // Of a text with its letters, on the ground.
+    Box ExtentOf(const PlacedText& text) const;
     // Of everything that is drawn: symbols and texts with their sizes on paper. Empty when nothing is.
     Box Extent() const;
 };

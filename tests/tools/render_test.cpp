@@ -5,6 +5,7 @@
 #include <cstdlib>
 #include <filesystem>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "program_run.h"
@@ -65,7 +66,11 @@ TEST(Render, RefusesAndLeavesTheOldPicture) {
         {{map, "-o", picture, "--layers", "5"}, 1, "map.vkm: nothing to draw"},
         {{empty, "-o", picture}, 1, "empty.vkm: nothing to draw"},
         {{folder.Path("missing.vkm"), "-o", picture}, 1, "missing.vkm"},
-        {{map, "-o", picture, "--bbox=-800000,-1100000,-700000,-1000000"},
+        {{map, "-o", picture, "--bbox=0,0,9,9"},
+         1,
+         "in the --bbox: the map lies in -1043060,-743060,-1043010,-743010"},
+        {{map, "-o", picture, "--title", "a\x01"}, 2, "no control characters"},
+        {{map, "-o", picture, "--bbox=-1100000,-800000,-1000000,-700000"},
          2,
          "590551 x 590551 pixels is too large"},
         {{far, "-o", picture, "--width", "3000", "--bbox", "0,0,1,3e5"},
@@ -89,6 +94,33 @@ TEST(Render, RefusesAndLeavesTheOldPicture) {
     EXPECT_EQ(run.exitCode, 1);
     EXPECT_TRUE(Holds(run.errors, "its last element is lost")) << run.errors;
     EXPECT_EQ(FileBytes(picture).substr(1, 3), "PNG");
+}
+
+// One wrong point must not cost more than the rest of the map, and a text at the edge must not read as
+// another one.
+TEST(Render, StaysSmallWhereAPointIsFarAway) {
+    const TestFolder folder;
+    std::string lines = "&R 0 0 0 0 1000\n&U 1\n";
+    for (int i = 0; i < 20; ++i)
+        lines += "&L P 1043010 74301" + std::to_string(i % 10) + " K=21900\nL 1043060 743060\n";
+    const std::string map = folder.Add("far.vkm", lines + "&T 0 0 '2109/1' H=2\n&K\n");
+    for (const char* name : {"far.svg", "far.png", "far.pdf"}) {
+        const RunResult run = RunVkm({"render", map, "-o", folder.Path(name), "--legend", "--width", "800"});
+        EXPECT_EQ(run.exitCode, 0);
+        EXPECT_TRUE(Holds(run.errors, "one point lies 1281 km from the rest; --bbox=-1043060,-743060,"))
+            << run.errors;
+        EXPECT_LT(FileBytes(folder.Path(name)).size(), 100'000U) << name;
+    }
+    EXPECT_TRUE(Holds(FileBytes(folder.Path("far.svg")), ">-600000</text>"));
+    for (const auto& [box, shown] :
+         {std::pair{"--bbox=-20,-20,20,20", true}, std::pair{"--bbox=-2,-20,2,20", false}}) {
+        RunVkm({"render", map, "-o", folder.Path("part.svg"), box});
+        EXPECT_EQ(Holds(FileBytes(folder.Path("part.svg")), "2109/1"), shown) << box;
+    }
+    // Labels of S-JTSK are positive, whichever way the picture's axes run.
+    RunVkm({"render", map, "-o", folder.Path("part.svg"), "--legend",
+            "--bbox=-1043060,-743060,-1043010,-743010"});
+    EXPECT_TRUE(Holds(FileBytes(folder.Path("part.svg")), ">743040</text>"));
 }
 
 TEST(Render, DrawsWithoutSymbologyAndSaysSoInTheHostsLanguage) {

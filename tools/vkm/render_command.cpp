@@ -9,10 +9,12 @@
 #include "client/standard_input.h"
 #include "client/symbology_index.h"
 #include "client/system.h"
+#include "client/text_encoding.h"
 #include "commands.h"
 #include "common_options.h"
 #include "draw/map_sheet.h"
 #include "draw/scene_builder.h"
+#include "draw/stray_points.h"
 #include "framework/framework.h"
 #include "inputs.h"
 #include "picture.h"
@@ -83,6 +85,41 @@ void WarnOfSkipped(const draw::Scene& scene, const std::string& name, Environmen
     if (!parts.empty()) environment.Warn(name + ": left out " + parts);
 }
 
+void AddTo(draw::Box& box, client::ElementKind kind, const client::Importer& importer) {
+    const auto add = [&](const std::array<double, 3>& point) {
+        if (std::isfinite(point[0]) && std::isfinite(point[1])) box.Add(draw::Point{point[0], point[1]});
+    };
+    if (kind == client::ElementKind::text) add(importer.Text().point);
+    if (kind != client::ElementKind::line) return;
+    for (const client::ElementVertex& vertex : importer.Line().vertices) {
+        if (vertex.type != 0) add(vertex.point);
+    }
+}
+
+// As --bbox takes it, in whole metres around the box.
+std::string BoxText(const draw::Box& box) {
+    char text[160];
+    std::snprintf(text, sizeof text, "%.0f,%.0f,%.0f,%.0f", std::floor(box.minX), std::floor(box.minY),
+                  std::ceil(box.maxX), std::ceil(box.maxY));
+    return text;
+}
+
+void WarnOfStrayPoints(const draw::Scene& scene, const std::string& name, Environment& environment) {
+    const auto stray = draw::FindStrayPoints(scene);
+    if (!stray) return;
+    const double kilometres = stray->distance / 1000;
+    char distance[40];
+    std::snprintf(distance, sizeof distance, kilometres < 10 ? "%.1f" : "%.0f", kilometres);
+    const std::string box = BoxText(stray->rest);
+    if (stray->count == 1) {
+        environment.Warn(
+            Filled("{}: one point lies {} km from the rest; --bbox={} leaves it out", {name, distance, box}));
+    } else {
+        environment.Warn(Filled("{}: {} points lie up to {} km from the rest; --bbox={} leaves them out",
+                                {name, std::to_string(stray->count), distance, box}));
+    }
+}
+
 // The name of a file without its folder and ending.
 std::string TitleOf(const std::string& name) {
     const std::string base = name.substr(name.find_last_of("/\\") + 1);
@@ -95,6 +132,10 @@ int RunRender(RenderOptions options, Environment& environment) {
     options.scene.layers = LayersOf(options.layers);
     options.scene.symbols = !options.noSymbols;
     CheckPicture(options.picture);
+    options.sheet.title = client::SystemTextToUtf8(options.sheet.title);
+    if (client::Printable(options.sheet.title) != options.sheet.title ||
+        options.sheet.title.find('\n') != std::string::npos)
+        throw Failure(exitUsage, std::string(Translated("--title: a title holds no control characters")));
     RefuseInputAsOutput(options.file, options.picture.file);
 
     if (!ChooseEncoding(options.encoding, options.file, environment, options.scene.encoding))
@@ -109,7 +150,11 @@ int RunRender(RenderOptions options, Environment& environment) {
     open.loadSymbology = true;
     open.axisOrientation = options.axisOrientation;
     open.flags = options.noSymbols ? CVKMInterface::flgSymbolsNone : CVKMInterface::flgSymbols;
-    const auto take = [&](client::ElementKind kind) { builder.Take(kind); };
+    draw::Box everything;
+    const auto take = [&](client::ElementKind kind) {
+        builder.Take(kind);
+        if (options.sheet.box) AddTo(everything, kind, importer);
+    };
     const ReadOutcome outcome =
         ReadElements(importer, open, environment, take, "no picture was made").outcome;
     if (outcome != ReadOutcome::complete && outcome != ReadOutcome::incomplete) return exitInput;
@@ -119,9 +164,15 @@ int RunRender(RenderOptions options, Environment& environment) {
     const std::string name = client::SystemTextToUtf8(client::ShownName(open.fileName.c_str()));
     WarnOfSkipped(scene, name, environment);
     if (scene.layers.empty() && !options.sheet.box) {
-        throw Failure(exitInput, name + ": nothing to draw");
+        throw Failure(exitInput, Filled("{}: nothing to draw", {name}));
     }
-    if (options.sheet.title.empty()) options.sheet.title = TitleOf(name);
+    if (options.sheet.box && !everything.Meets(*options.sheet.box)) {
+        throw Failure(exitInput, Filled("{}: nothing to draw in the --bbox: the map lies in {}",
+                                        {name, BoxText(everything)}));
+    }
+    if (!options.sheet.box) WarnOfStrayPoints(scene, name, environment);
+    if (options.sheet.title.empty()) options.sheet.title = client::Printable(TitleOf(name));
+    options.sheet.pixels = options.picture.width;
     const draw::MapSheet sheet(scene, index, options.sheet);
     const Picture picture{sheet.Page(), options.sheet.title, sheet.Count(),
                           [&](draw::Canvas& canvas) { sheet.Draw(canvas); }};
