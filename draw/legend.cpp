@@ -55,19 +55,19 @@ std::set<uint32_t> UsedSymbolStyles(const Scene& scene, const Box& box) {
     return used;
 }
 
-template <typename Entry>
-std::string NameOf(const Entry* entry, int code) {
-    return entry && !entry->name.empty() ? entry->name : std::to_string(code);
+template <typename Style>
+std::string NameOf(const Style& style) {
+    return style.name.empty() ? std::to_string(style.code) : style.name;
 }
 
 }  // namespace
 
-Legend::Legend(const Scene& mapScene, const client::SymbologyIndex& index, const Box& box) : scene(mapScene) {
-    AddLineTypes(index, box);
-    AddSymbols(index, box);
+Legend::Legend(const Scene& mapScene, const Box& box) : scene(mapScene) {
+    AddLineTypes(box);
+    AddSymbols(box);
 }
 
-void Legend::AddLineTypes(const client::SymbologyIndex& index, const Box& box) {
+void Legend::AddLineTypes(const Box& box) {
     std::vector<const LineStyle*> used;
     const Pen* other = nullptr;
     for (const uint32_t number : UsedLineStyles(scene, box)) {
@@ -82,19 +82,19 @@ void Legend::AddLineTypes(const client::SymbologyIndex& index, const Box& box) {
     std::ranges::sort(used, {}, &LineStyle::code);
     rows.push_back({HostWords().lineTypes, nullptr, nullptr});
     for (const LineStyle* style : used) {
-        rows.push_back({NameOf(index.FindLine(style->code), style->code), &style->pen, nullptr});
+        rows.push_back({NameOf(*style), &style->pen, nullptr});
     }
     if (other) rows.push_back({HostWords().otherLines, other, nullptr});
 }
 
-void Legend::AddSymbols(const client::SymbologyIndex& index, const Box& box) {
+void Legend::AddSymbols(const Box& box) {
     std::vector<const SymbolStyle*> used;
     for (const uint32_t number : UsedSymbolStyles(scene, box)) used.push_back(&scene.symbolStyles[number]);
     if (used.empty()) return;
     std::ranges::sort(used, {}, &SymbolStyle::code);
     rows.push_back({HostWords().symbols, nullptr, nullptr});
     for (const SymbolStyle* style : used) {
-        rows.push_back({NameOf(index.FindSymbol(style->code), style->code), nullptr, &style->shape});
+        rows.push_back({NameOf(*style), nullptr, &style->shape});
     }
 }
 
@@ -187,13 +187,15 @@ void Legend::DrawRow(Canvas& canvas, const Row& row, Point corner) const {
         const std::array<Point, 2> line{Point{x, middle}, Point{x + sampleWidth * size, middle}};
         canvas.Line(line, enlargement > 1 ? pens[static_cast<size_t>(&row - rows.data())] : *row.pen, 0);
     } else {
-        // In the middle of its place, wherever its insertion point is.
+        // In the middle of its place, wherever its insertion point is; upright, though mirrored, in a
+        // mirrored map.
         const double scale = SampleScale(*row.shape);
+        const double toMiddle = scene.mirrored ? -scale : scale;
         const Box& bounds = row.shape->bounds;
         canvas.Symbol(*row.shape,
-                      {x + sampleWidth * size / 2 - (bounds.minX + bounds.maxX) / 2 * scale,
-                       middle + (bounds.minY + bounds.maxY) / 2 * scale},
-                      scale, 0, ink);
+                      {x + sampleWidth * size / 2 - (bounds.minX + bounds.maxX) / 2 * toMiddle,
+                       middle + (bounds.minY + bounds.maxY) / 2 * toMiddle},
+                      scale, scene.mirrored ? 180 : 0, ink);
     }
     const double textLeft = (sampleWidth + gap) * size;
     style.height = nameText * size;

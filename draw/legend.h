@@ -6,7 +6,6 @@
 #include <vector>
 
 #include "canvas.h"
-#include "client/symbology_index.h"
 #include "scene.h"
 
 namespace vemrado::draw {
@@ -14,7 +13,7 @@ namespace vemrado::draw {
 class Legend {
   public:
     // Of what lies in the box, on the ground. The scene lives longer than the legend.
-    Legend(const Scene& scene, const client::SymbologyIndex& index, const Box& box);
+    Legend(const Scene& scene, const Box& box);
 
     // Breaks the legend into columns no higher than this. The size is the one of map_frame.h: texts grow with
     // it. Samples of lines and symbols are as on the map times the enlargement.
@@ -36,8 +35,8 @@ class Legend {
         double y = 0;  // of its upper edge, from the legend's
     };
 
-    void AddLineTypes(const client::SymbologyIndex& index, const Box& box);
-    void AddSymbols(const client::SymbologyIndex& index, const Box& box);
+    void AddLineTypes(const Box& box);
+    void AddSymbols(const Box& box);
     double RowHeight(const Row& row) const;  // mm
     double SampleScale(const SymbolShape& shape) const;
     void DrawRow(Canvas& canvas, const Row& row, Point corner) const;

@@ -46,8 +46,8 @@ Box GroundOf(const Scene& scene, const SheetOptions& options) {
 
 }  // namespace
 
-MapSheet::MapSheet(const Scene& mapScene, const client::SymbologyIndex& index, const SheetOptions& wanted)
-    : scene(mapScene), options(wanted), ground(GroundOf(mapScene, wanted)), legend(mapScene, index, ground) {
+MapSheet::MapSheet(const Scene& mapScene, const SheetOptions& wanted)
+    : scene(mapScene), options(wanted), ground(GroundOf(mapScene, wanted)), legend(mapScene, ground) {
     LayOut();
     for (const auto& [number, layer] : scene.layers) {
         for (const PlacedSymbol& symbol : layer.symbols) {

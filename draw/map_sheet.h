@@ -24,8 +24,8 @@ struct SheetOptions {
 
 class MapSheet {
   public:
-    // The scene and the index live longer than the sheet. The scene is not empty, or a box is given.
-    MapSheet(const Scene& scene, const client::SymbologyIndex& index, const SheetOptions& options);
+    // The scene lives longer than the sheet. It is not empty, or a box is given.
+    MapSheet(const Scene& scene, const SheetOptions& options);
 
     // At the scale of the map.
     PageSize Page() const { return page; }

@@ -15,12 +15,14 @@ namespace vemrado::draw {
 struct LineStyle {
     int code = 0;        // code of the file; 0: none
     bool known = false;  // the symbology has a line type for it
+    std::string name;    // UTF-8, often empty
     Pen pen;
 };
 
 struct SymbolStyle {
     int code = 0;  // symbol code of the file
-    SymbolShape shape;
+    std::string name;
+    SymbolShape shape;  // mirrored in a mirrored map
 };
 
 // A run of points in its layer that one pen draws.
@@ -66,10 +68,12 @@ struct Scene {
     double mapScale = 1000;
     bool mapScaleUsable = true;  // false: the file's was not, and 1000 stands in
     Point north{0, 1};           // direction of north, unit vector
+    bool mirrored = false;       // east and west have changed places
     std::map<int, Layer> layers;
     std::vector<LineStyle> lineStyles;
     std::vector<SymbolStyle> symbolStyles;
     Skipped skipped;
+    Box whole;  // of every point of the file, known when a box is asked for
 
     double MillimetresPerMetre() const { return 1000 / mapScale; }
     // Of a text with its letters, on the ground.

@@ -1,95 +1,63 @@
 #include "scene_builder.h"
 
 #include <algorithm>
-#include <cmath>
-#include <cstdlib>
-#include <numbers>
 #include <utility>
 
-#include "vemrado/vkm_details.h"
-#include "zrv320/zrv320.h"
+#include "map/placement.h"
+#include "map/symbology.h"
 
 namespace vemrado::draw {
 namespace {
 
-constexpr double farthest = 1e9;       // m; farther is no place
-constexpr double defaultWidth = 0.18;  // mm, of line types that give none
-constexpr double unstyledWidth = 0.13;
-constexpr double largestScale = 1e3;  // of a symbol
-constexpr double tallestText = 1e3;   // mm
 constexpr double longestReach = 200;  // mm of a symbol or text from its point
 constexpr uint32_t unstyled = 0;      // the line style of elements without a line type
-
-bool IsPlace(const std::array<double, 3>& point) {
-    return std::abs(point[0]) <= farthest &&
-           std::abs(point[1]) <= farthest;  // false for what is not a number
-}
-
-int CodeNumber(const std::string& code) {
-    return static_cast<int>(
-        std::clamp<long long>(std::strtoll(code.c_str(), nullptr, 10), INT32_MIN, INT32_MAX));
-}
-
-// The names that text faces go by in map files are numbers only; ours tell the numbers apart.
-Font FontOf(int valueF) {
-    switch (valueF) {
-        case 2:
-            return {false, false, true};
-        case 3:
-            return {false, true, false};
-        case 4:
-            return {false, true, true};
-        case 5:
-            return {true, false, false};
-        case 6:
-            return {true, true, false};
-        case 7:
-            return {true, true, true};
-        default:
-            return {};
-    }
-}
-
-// The point of the text that stands on its insertion point, placed as on the keys of a numeric keypad.
-void SetAnchor(TextStyle& style, int valueD) {
-    const int key = valueD >= 1 && valueD <= 9 ? valueD - 1 : 1;
-    constexpr Across across[] = {Across::left, Across::middle, Across::right};
-    constexpr Upright upright[] = {Upright::baseline, Upright::middle, Upright::top};
-    style.across = across[key % 3];
-    style.upright = upright[key / 3];
-}
 
 bool IsControl(char c) {
     return static_cast<unsigned char>(c) < 0x20 || c == 0x7F;
 }
 
+// Turns the y axis of a drawing over.
+void Mirror(SymbolShape& shape) {
+    for (auto& stroke : shape.strokes) {
+        for (Point& point : stroke) point.y = -point.y;
+    }
+    shape.bounds = {shape.bounds.minX, -shape.bounds.maxY, shape.bounds.maxX, -shape.bounds.minY};
+}
+
 }  // namespace
 
-SceneBuilder::SceneBuilder(client::Importer& source, const client::SymbologyIndex& names, SceneOptions wanted)
-    : importer(source), index(names), options(std::move(wanted)), decoder(options.encoding) {
+SceneBuilder::SceneBuilder(map::Importer& source, SceneOptions wanted)
+    : importer(source), options(std::move(wanted)), reading(source, options.encoding, options.angleUnit) {
     LineStyle style;
     style.pen.id = "line-plain";
-    style.pen.width = unstyledWidth;
     scene.lineStyles.push_back(style);
 }
 
 // The header of the file has been read by the time of the first element.
 void SceneBuilder::Begin() {
     begun = true;
-    const double mapScale = importer.Scale();
-    scene.mapScaleUsable = mapScale >= 1 && mapScale <= 1e8;
-    if (scene.mapScaleUsable) scene.mapScale = mapScale;
-    // In the file the first number grows to the west and the second to the south.
-    double north[3] = {-1, 0, 0};
-    importer.Interface().TransformPoint(north);
-    scene.north = {north[0], north[1]};
+    scene.mapScaleUsable = map::IsScale(importer.Scale());
+    scene.mapScale = map::UsableScale(importer.Scale());
+    const map::Turn turn = map::TurnOf(importer.AxisOrientation());
+    scene.north = turn.north;
+    scene.mirrored = turn.mirrored;
     if (options.box) keep = options.box->Grown(longestReach / scene.MillimetresPerMetre());
 }
 
-void SceneBuilder::Take(client::ElementKind kind) {
+void SceneBuilder::Take(map::ElementKind kind) {
     if (!begun) Begin();
-    if (kind == client::ElementKind::line) AddLine(importer.Line());
-    if (kind == client::ElementKind::text) AddText(importer.Text());
+    reading.Take(kind);
+    if (options.box) AddPlaces(kind);
+    if (kind == map::ElementKind::line) AddLine(reading.Line());
+    if (kind == map::ElementKind::text) AddText(reading.Text());
+}
+
+void SceneBuilder::AddPlaces(map::ElementKind kind) {
+    if (kind == map::ElementKind::line) {
+        for (const Point point : reading.Line().points) scene.whole.Add(point);
+    } else if (kind == map::ElementKind::text && map::IsPlace(reading.Text().point)) {
+        scene.whole.Add(reading.Text().point);
+    }
 }
 
 Scene SceneBuilder::Finish() {
@@ -101,144 +69,104 @@ Scene SceneBuilder::Finish() {
     return std::move(scene);
 }
 
-Layer* SceneBuilder::LayerOf(int number, const std::string& name) {
+Layer* SceneBuilder::LayerOf(int number, std::string_view name) {
     if (!options.layers.empty() && !options.layers.contains(number)) return nullptr;
     Layer& layer = scene.layers[number];
-    if (layer.name.empty()) layer.name = decoder.Decode(name);
+    if (layer.name.empty()) layer.name = name;
     return &layer;
 }
 
-void SceneBuilder::AddLine(const client::LineElement& line) {
+void SceneBuilder::AddLine(const map::MapLine& line) {
     Layer* layer = LayerOf(line.layer, line.layerName);
     if (!layer) return;
-    strokeBegin = layer->points.size();
-    uint32_t style = unstyled;
-    int position = 0;
-    for (const client::ElementVertex& vertex : line.vertices) {
-        const int current = position++;
-        if (vertex.type == 0) continue;  // without a type letter an element has no point
-        // An element without a code goes on with the line type of the element before it.
-        if (!vertex.code.empty()) style = LineStyleOf(current, vertex.code);
-        if (IsPlace(vertex.point)) {
-            AddStep(*layer, vertex, vertex.type == 'P', style);
-            if (vertex.symbolCode != 0 && options.symbols) AddSymbol(*layer, current, vertex, style);
-        } else {
-            EndStroke(*layer);
-            ++scene.skipped.points;
-        }
+    for (const map::Stroke& stroke : line.strokes) {
+        AddStroke(*layer, line.points.subspan(stroke.first, stroke.count), stroke.code);
     }
-    EndStroke(*layer);
+    if (options.symbols) {
+        for (const map::PlacedSymbol& symbol : line.symbols) AddSymbol(*layer, symbol);
+    }
+    scene.skipped.points += line.pointsLeftOut;
 }
 
-// Goes on to the point of an element: a stroke begins there, or a straight segment ends there.
-void SceneBuilder::AddStep(Layer& layer, const client::ElementVertex& vertex, bool begins, uint32_t style) {
-    const Point point{vertex.point[0], vertex.point[1]};
-    if (begins) EndStroke(layer);
-    const size_t count = layer.points.size() - strokeBegin;
-    if (count > 1 && style != strokeStyle) {
-        const Point joint = layer.points.back();
-        EndStroke(layer);
-        layer.points.push_back(joint);
+void SceneBuilder::AddStroke(Layer& layer, std::span<const Point> points, const map::Code& code) {
+    const uint32_t style = LineStyleOf(code);
+    if (options.box) {
+        Box bounds;
+        for (const Point point : points) bounds.Add(point);
+        if (!options.box->Meets(bounds)) return;
     }
-    strokeStyle = style;
-    layer.points.push_back(point);
+    layer.strokes.push_back({style, static_cast<uint32_t>(points.size()), layer.points.size()});
+    layer.points.insert(layer.points.end(), points.begin(), points.end());
 }
 
-void SceneBuilder::EndStroke(Layer& layer) {
-    const std::span<const Point> points = std::span(layer.points).subspan(strokeBegin);
-    Box bounds;
-    for (const Point point : points) bounds.Add(point);
-    const bool seen = !options.box || options.box->Meets(bounds);
-    if (points.size() > 1 && seen) {
-        layer.strokes.push_back({strokeStyle, static_cast<uint32_t>(points.size()), strokeBegin});
-    } else {
-        layer.points.resize(strokeBegin);
-    }
-    strokeBegin = layer.points.size();
-}
-
-void SceneBuilder::AddSymbol(Layer& layer, int position, const client::ElementVertex& vertex,
-                             uint32_t style) {
-    uint32_t symbol = 0;
-    if (!SymbolStyleOf(position, vertex.symbolCode, symbol)) return;
-    const double rotation = Degrees(vertex.valueU);
-    if (!(vertex.valueM > 0 && vertex.valueM <= largestScale) || !std::isfinite(rotation)) {
+void SceneBuilder::AddSymbol(Layer& layer, const map::PlacedSymbol& symbol) {
+    uint32_t style = 0;
+    if (!SymbolStyleOf(symbol.symbol, style)) return;
+    if (!symbol.drawable) {
         ++scene.skipped.symbols;
         return;
     }
-    const Point point{vertex.point[0], vertex.point[1]};
-    if (keep && !keep->Contains(point)) return;
-    layer.symbols.push_back({point, vertex.valueM, rotation, symbol, scene.lineStyles[style].pen.colour});
+    if (keep && !keep->Contains(symbol.point)) return;
+    const uint32_t colour = scene.lineStyles[LineStyleOf(symbol.code)].pen.colour;
+    layer.symbols.push_back({symbol.point, symbol.scale, symbol.rotation, style, colour});
 }
 
-void SceneBuilder::AddText(const client::TextElement& text) {
+void SceneBuilder::AddText(const map::MapText& text) {
     Layer* layer = LayerOf(text.layer, text.layerName);
     if (!layer || text.text.empty()) return;
+    if (text.fault != map::TextFault::none) {
+        ++(text.fault == map::TextFault::place ? scene.skipped.points : scene.skipped.texts);
+        return;
+    }
+    if (keep && !keep->Contains(text.point)) return;
     PlacedText placed;
-    placed.point = {text.point[0], text.point[1]};
-    placed.style.height = text.scaledH * 1000 / importer.Scale();
-    placed.style.rotation = Degrees(text.valueU);
-    if (!IsPlace(text.point)) {
-        ++scene.skipped.points;
-        return;
-    }
-    if (!(placed.style.height > 0 && placed.style.height <= tallestText) ||
-        !std::isfinite(placed.style.rotation)) {
-        ++scene.skipped.texts;
-        return;
-    }
-    if (keep && !keep->Contains(placed.point)) return;
-    placed.style.font = FontOf(text.valueF);
-    SetAnchor(placed.style, text.valueD);
-    placed.text = decoder.Decode(text.text);
+    placed.point = text.point;
+    placed.style.height = text.heightOnPaper;
+    placed.style.rotation = text.rotation;
+    placed.style.font = text.face;
+    placed.style.across = text.anchor.across;
+    placed.style.upright = text.anchor.upright;
+    placed.text = text.text;
     std::ranges::replace_if(placed.text, IsControl, ' ');
     layer->texts.push_back(std::move(placed));
 }
 
-uint32_t SceneBuilder::LineStyleOf(int position, const std::string& code) {
-    const int number = CodeNumber(code);
-    const auto known = lineStyleOfCode.find(number);
+uint32_t SceneBuilder::LineStyleOf(const map::Code& code) {
+    if (!code.Given()) return unstyled;
+    const auto known = lineStyleOfCode.find(code.number);
     if (known != lineStyleOfCode.end()) return known->second;
     LineStyle style;
-    style.code = number;
-    style.pen.id = "line-" + std::to_string(number);
-    style.pen.width = unstyledWidth;
-    unsigned int colour = 0;
-    int pattern = 0;
-    if (importer.Interface().GetElementLineStyle(position, &colour, &pattern)) {
+    style.code = code.number;
+    if (auto pen = map::FindPen(importer.Details(), code.number)) {
         style.known = true;
-        style.pen.colour = colour;
-        const client::SymbologyIndex::LineCode* line = index.FindLine(number);
-        style.pen.width = line && line->width > 0 ? line->width : defaultWidth;
-        SetDashes(style.pen, ZrvLinePattern(pattern));
+        style.name = map::LineCodeName(importer.Details(), code.number);
+        static_cast<map::Pen&>(style.pen) = std::move(*pen);
     }
+    style.pen.id = "line-" + std::to_string(code.number);
     const auto made = static_cast<uint32_t>(scene.lineStyles.size());
     scene.lineStyles.push_back(std::move(style));
-    lineStyleOfCode.emplace(number, made);
+    lineStyleOfCode.emplace(code.number, made);
     return made;
 }
 
 // False when the symbology has no drawing for the code.
-bool SceneBuilder::SymbolStyleOf(int position, int code, uint32_t& style) {
+bool SceneBuilder::SymbolStyleOf(int code, uint32_t& style) {
     constexpr uint32_t none = UINT32_MAX;
     const auto known = symbolStyleOfCode.find(code);
     if (known != symbolStyleOfCode.end()) {
         style = known->second;
         return style != none;
     }
-    SymbolShape shape = MakeSymbolShape("symbol-" + std::to_string(code),
-                                        ZrvPointPattern(importer.Interface().GetElementSymbol(position)));
-    style = shape.strokes.empty() ? none : static_cast<uint32_t>(scene.symbolStyles.size());
-    if (style != none) scene.symbolStyles.push_back({code, std::move(shape)});
+    auto drawing = map::FindDrawing(importer.Details(), code);
+    const bool drawn = drawing && !drawing->strokes.empty();
+    style = drawn ? static_cast<uint32_t>(scene.symbolStyles.size()) : none;
     symbolStyleOfCode.emplace(code, style);
-    return style != none;
-}
-
-double SceneBuilder::Degrees(double angle) const {
-    double perTurn = 400;
-    if (options.angleUnit == AngleUnit::degree) perTurn = 360;
-    if (options.angleUnit == AngleUnit::radian) perTurn = 2 * std::numbers::pi;
-    return std::fmod(angle, perTurn) / perTurn * 360;
+    if (!drawn) return false;
+    SymbolStyle made{code, map::SymbolCodeName(importer.Details(), code), {std::move(*drawing), {}}};
+    made.shape.id = "symbol-" + std::to_string(code);
+    if (scene.mirrored) Mirror(made.shape);
+    scene.symbolStyles.push_back(std::move(made));
+    return true;
 }
 
 }  // namespace vemrado::draw

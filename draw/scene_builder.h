@@ -1,4 +1,4 @@
-// Makes the scene of a file from its elements.
+// Makes the scene of a file from the reading of its elements.
 
 #pragma once
 
@@ -8,14 +8,12 @@
 #include <string_view>
 #include <unordered_map>
 
-#include "client/importer.h"
-#include "client/symbology_index.h"
-#include "client/text_encoding.h"
+#include "map/reading.h"
 #include "scene.h"
 
 namespace vemrado::draw {
 
-enum class AngleUnit : uint8_t { gon, degree, radian };
+using map::AngleUnit;
 
 struct SceneOptions {
     std::set<int> layers;    // empty: every layer
@@ -27,42 +25,37 @@ struct SceneOptions {
 
 class SceneBuilder {
   public:
-    // Importer and index live longer than the builder.
-    SceneBuilder(client::Importer& importer, const client::SymbologyIndex& index, SceneOptions options);
+    // The importer lives longer than the builder, and is opened with the symbology before the first element.
+    SceneBuilder(map::Importer& importer, SceneOptions options);
 
     // Adds the element that the importer has just read.
-    void Take(client::ElementKind kind);
+    void Take(map::ElementKind kind);
 
     // The scene of all elements taken. The builder is used up.
     Scene Finish();
 
-    // Knows of bytes that were no characters of the encoding.
-    const client::TextDecoder& Decoder() const { return decoder; }
+    // Knows of bytes of texts and codes that were no characters of the encoding.
+    const client::TextDecoder& Decoder() const { return reading.Decoder(); }
 
   private:
     void Begin();
-    void AddLine(const client::LineElement& line);
-    void AddStep(Layer& layer, const client::ElementVertex& vertex, bool begins, uint32_t style);
-    void EndStroke(Layer& layer);
-    void AddSymbol(Layer& layer, int position, const client::ElementVertex& vertex, uint32_t style);
-    void AddText(const client::TextElement& text);
-    Layer* LayerOf(int number, const std::string& name);
-    uint32_t LineStyleOf(int position, const std::string& code);
-    bool SymbolStyleOf(int position, int code, uint32_t& style);
-    double Degrees(double angle) const;
+    void AddPlaces(map::ElementKind kind);
+    void AddLine(const map::MapLine& line);
+    void AddStroke(Layer& layer, std::span<const Point> points, const map::Code& code);
+    void AddSymbol(Layer& layer, const map::PlacedSymbol& symbol);
+    void AddText(const map::MapText& text);
+    Layer* LayerOf(int number, std::string_view name);
+    uint32_t LineStyleOf(const map::Code& code);
+    bool SymbolStyleOf(int code, uint32_t& style);
 
-    client::Importer& importer;
-    const client::SymbologyIndex& index;
+    map::Importer& importer;
     SceneOptions options;
-    client::TextDecoder decoder;
+    map::Reading reading;
     Scene scene;
     bool begun = false;
     std::optional<Box> keep;  // symbols and texts outside reach nothing of the box
     std::unordered_map<int, uint32_t> lineStyleOfCode;
     std::unordered_map<int, uint32_t> symbolStyleOfCode;
-    // The stroke in progress: the points of its layer from this one on.
-    size_t strokeBegin = 0;
-    uint32_t strokeStyle = 0;
 };
 
 }  // namespace vemrado::draw

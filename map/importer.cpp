@@ -22,7 +22,9 @@ Importer::~Importer() {
 }
 
 bool Importer::Open(const OpenOptions& options) {
-    const client::InputFile input = client::LookAtInput(options.fileName);
+    client::InputFile input;
+    input.name = options.fileName;
+    if (options.lookAtFile) input = client::LookAtInput(options.fileName);
     markSkipped = input.markSkipped;
     axisOrientation = options.axisOrientation;
     linesBefore = details->GetLineCount();

@@ -20,6 +20,7 @@ struct OpenOptions {
     bool symbology = false;     // load it
     bool symbols = true;        // with the drawings of symbols
     std::string dataDirectory;  // that holds VKMSym; empty: where the framework or the registry says
+    bool lookAtFile = true;     // first, by client/input_file.h; false where a file provider has done so
 };
 
 struct RawLine {

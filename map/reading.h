@@ -128,8 +128,8 @@ class Reading {
     const MapLine& Line() const { return line; }
     const MapText& Text() const { return text; }
 
-    // Bytes of texts and codes that are no characters of the encoding, in all elements read.
-    uint64_t ReplacedBytes() const { return decoder.ReplacedBytes(); }
+    // Knows of the bytes of texts and codes that are no characters of the encoding, in all elements read.
+    const client::TextDecoder& Decoder() const { return decoder; }
 
   private:
     void TakeLine();

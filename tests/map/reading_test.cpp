@@ -70,7 +70,7 @@ std::string Read(const std::string& records, int axisOrientation = 1, AngleUnit 
     for (ElementKind kind = reading.Next(); kind != ElementKind::none; kind = reading.Next()) {
         all += kind == ElementKind::line ? Shown(reading.Line()) : Shown(reading.Text());
     }
-    EXPECT_EQ(reading.ReplacedBytes(), replacedBytes);
+    EXPECT_EQ(reading.Decoder().ReplacedBytes(), replacedBytes);
     EXPECT_TRUE(importer.Complete());
     return all;
 }

@@ -2,7 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <array>
 #include <bit>
 #include <cmath>
 #include <cstdint>
@@ -15,16 +14,15 @@
 #include <vector>
 
 #include "client/axis_orientation.h"
-#include "client/importer.h"
 #include "json_writer.h"
+#include "map/importer.h"
 #include "program_run.h"
 
 namespace vemrado_test {
 namespace {
 
 using nlohmann::json;
-using vemrado::client::ElementKind;
-using vemrado::client::ElementVertex;
+using vemrado::map::ElementKind;
 
 uint64_t Bits(double value) {
     return std::bit_cast<uint64_t>(value);
@@ -35,26 +33,26 @@ double Real(const json& value) {
     return value.is_string() ? std::strtod(value.get<std::string>().c_str(), nullptr) : value.get<double>();
 }
 
-void ExpectPoint(const json& point, const std::array<double, 3>& expected) {
-    EXPECT_EQ(Bits(Real(point.at(0))), Bits(expected[0])) << point;
-    EXPECT_EQ(Bits(Real(point.at(1))), Bits(expected[1])) << point;
+void ExpectPoint(const json& point, vemrado::map::Point expected) {
+    EXPECT_EQ(Bits(Real(point.at(0))), Bits(expected.x)) << point;
+    EXPECT_EQ(Bits(Real(point.at(1))), Bits(expected.y)) << point;
 }
 
 std::string TypeName(int type) {
     return type == 0 ? "" : type == 1 ? "?" : std::string(1, static_cast<char>(type));
 }
 
-void ExpectVertex(const json& element, const ElementVertex& vertex) {
-    ExpectPoint(element.at("point"), vertex.point);
-    EXPECT_EQ(element.at("type"), TypeName(vertex.type));
-    EXPECT_EQ(element.at("K"), vertex.code);
-    EXPECT_EQ(element.at("S"), vertex.symbolCode);
-    EXPECT_EQ(Bits(Real(element.at("M"))), Bits(vertex.valueM)) << element;
-    EXPECT_EQ(Bits(Real(element.at("R"))), Bits(vertex.valueR)) << element;
-    EXPECT_EQ(Bits(Real(element.at("U"))), Bits(vertex.valueU)) << element;
+void ExpectElement(const json& element, const VkmElement& expected) {
+    ExpectPoint(element.at("point"), {expected.x, expected.y});
+    EXPECT_EQ(element.at("type"), TypeName(expected.type));
+    EXPECT_EQ(element.at("K"), expected.code);
+    EXPECT_EQ(element.at("S"), expected.symbolCode);
+    EXPECT_EQ(Bits(Real(element.at("M"))), Bits(expected.valueM)) << element;
+    EXPECT_EQ(Bits(Real(element.at("R"))), Bits(expected.valueR)) << element;
+    EXPECT_EQ(Bits(Real(element.at("U"))), Bits(expected.valueU)) << element;
 }
 
-void ExpectText(const json& record, const vemrado::client::TextElement& text) {
+void ExpectText(const json& record, const vemrado::map::RawText& text) {
     EXPECT_EQ(record.at("text"), text.text);
     ExpectPoint(record.at("point"), text.point);
     EXPECT_EQ(record.at("D"), text.valueD);
@@ -66,8 +64,8 @@ void ExpectText(const json& record, const vemrado::client::TextElement& text) {
 
 // The dump of a file beside the elements that the module gives.
 void ExpectSameElements(const std::string& file, const std::string& dump, int axisOrientation) {
-    vemrado::client::Importer importer;
-    vemrado::client::OpenOptions options;
+    vemrado::map::Importer importer;
+    vemrado::map::OpenOptions options;
     options.fileName = file;
     options.axisOrientation = axisOrientation;
     ASSERT_TRUE(importer.Open(options));
@@ -79,9 +77,9 @@ void ExpectSameElements(const std::string& file, const std::string& dump, int ax
         if (kind == ElementKind::line) {
             EXPECT_EQ(record.at("kind"), "line");
             EXPECT_EQ(record.at("layer"), importer.Line().layer);
-            ASSERT_EQ(record.at("elements").size(), importer.Line().vertices.size());
-            for (size_t i = 0; i < importer.Line().vertices.size(); ++i) {
-                ExpectVertex(record.at("elements").at(i), importer.Line().vertices[i]);
+            ASSERT_EQ(record.at("elements").size(), importer.Line().elements.size());
+            for (size_t i = 0; i < importer.Line().elements.size(); ++i) {
+                ExpectElement(record.at("elements").at(i), importer.Line().elements[i]);
             }
         } else {
             EXPECT_EQ(record.at("kind"), "text");

@@ -3,7 +3,6 @@
 
 #include <memory>
 
-#include "client/importer.h"
 #include "client/system.h"
 #include "client/text_encoding.h"
 #include "commands.h"
@@ -27,18 +26,18 @@ class ElementListing {
   public:
     ElementListing(StandardOutput& output, client::Encoding encoding) : json(output), decoder(encoding) {}
 
-    void WriteLine(const client::LineElement& line);
-    void WriteText(const client::TextElement& text);
+    void WriteLine(const map::RawLine& line);
+    void WriteText(const map::RawText& text);
     const client::TextDecoder& Decoder() const { return decoder; }
 
   private:
-    void WriteVertex(const client::ElementVertex& vertex);
+    void WriteElement(const VkmElement& element);
 
     // A value behind the JSON text that leads to it.
     void Put(std::string_view before, int value);
     void Put(std::string_view before, double value);
     void Put(std::string_view before, std::string_view bytes);
-    void Put(std::string_view before, const std::array<double, 3>& point);
+    void Put(std::string_view before, map::Point point);
     void PutType(std::string_view before, int type);
 
     JsonWriter json;
@@ -46,30 +45,30 @@ class ElementListing {
     std::string utf8;
 };
 
-void ElementListing::WriteLine(const client::LineElement& line) {
+void ElementListing::WriteLine(const map::RawLine& line) {
     Put(R"({"kind":"line","layer":)", line.layer);
     json.Raw(R"(,"elements":[)");
     bool first = true;
-    for (const client::ElementVertex& vertex : line.vertices) {
+    for (const VkmElement& element : line.elements) {
         if (!first) json.Raw(",");
         first = false;
-        WriteVertex(vertex);
+        WriteElement(element);
     }
     json.Raw("]}\n");
 }
 
-void ElementListing::WriteVertex(const client::ElementVertex& vertex) {
-    Put(R"({"point":)", vertex.point);
-    PutType(R"(,"type":)", vertex.type);
-    Put(R"(,"K":)", vertex.code);
-    Put(R"(,"M":)", vertex.valueM);
-    Put(R"(,"R":)", vertex.valueR);
-    Put(R"(,"S":)", vertex.symbolCode);
-    Put(R"(,"U":)", vertex.valueU);
+void ElementListing::WriteElement(const VkmElement& element) {
+    Put(R"({"point":)", map::Point{element.x, element.y});
+    PutType(R"(,"type":)", element.type);
+    Put(R"(,"K":)", std::string_view(element.code));
+    Put(R"(,"M":)", element.valueM);
+    Put(R"(,"R":)", element.valueR);
+    Put(R"(,"S":)", element.symbolCode);
+    Put(R"(,"U":)", element.valueU);
     json.Raw("}");
 }
 
-void ElementListing::WriteText(const client::TextElement& text) {
+void ElementListing::WriteText(const map::RawText& text) {
     Put(R"({"kind":"text","layer":)", text.layer);
     Put(R"(,"text":)", text.text);
     Put(R"(,"point":)", text.point);
@@ -98,13 +97,12 @@ void ElementListing::Put(std::string_view before, std::string_view bytes) {
     json.String(utf8);
 }
 
-// The third coordinate is always 0 and left out.
-void ElementListing::Put(std::string_view before, const std::array<double, 3>& point) {
+void ElementListing::Put(std::string_view before, map::Point point) {
     json.Raw(before);
     json.Raw("[");
-    json.Real(point[0]);
+    json.Real(point.x);
     json.Raw(",");
-    json.Real(point[1]);
+    json.Real(point.y);
     json.Raw("]");
 }
 
@@ -120,13 +118,13 @@ int RunDump(const DumpOptions& options, Environment& environment) {
     if (client::StandardOutputIsTerminal()) InfoSetVisible(0);
     client::Encoding encoding = client::Encoding::windows1250;
     if (!ChooseEncoding(options.encoding, options.file, environment, encoding)) return exitInput;
-    client::Importer importer;
+    map::Importer importer;
     ElementListing listing(environment.output, encoding);
-    client::OpenOptions open;
+    map::OpenOptions open;
     open.fileName = FindOneInput(options.file);
     open.axisOrientation = options.axisOrientation;
-    const ReadResult result = ReadElements(importer, open, environment, [&](client::ElementKind kind) {
-        if (kind == client::ElementKind::line) {
+    const ReadResult result = ReadElements(importer, open, environment, [&](map::ElementKind kind) {
+        if (kind == map::ElementKind::line) {
             listing.WriteLine(importer.Line());
         } else {
             listing.WriteText(importer.Text());

@@ -22,29 +22,29 @@ CodeCounts LayerSummary::SortedElementCodes() const {
     return codes;
 }
 
-void FileSummary::AddLine(const client::LineElement& line) {
+void FileSummary::AddLine(const map::RawLine& line) {
     LayerSummary& layer = layers[line.layer];
     ++layer.lines;
-    layer.elements += line.vertices.size();
+    layer.elements += line.elements.size();
     // Most elements of a line have one code.
-    const std::string* code = nullptr;
+    std::string_view code;
     uint64_t* count = nullptr;
-    for (const client::ElementVertex& vertex : line.vertices) {
-        ++layer.types[TypeIndex(vertex.type)];
-        if (!vertex.code.empty()) {
-            if (code == nullptr || *code != vertex.code) count = &layer.elementCodes[vertex.code];
-            code = &vertex.code;
+    for (const VkmElement& element : line.elements) {
+        ++layer.types[TypeIndex(element.type)];
+        if (*element.code != '\0') {
+            if (code != element.code) count = &layer.elementCodes[element.code];
+            code = element.code;
             ++*count;
         }
-        if (vertex.symbolCode != 0) {
+        if (element.symbolCode != 0) {
             ++layer.symbols;
-            ++layer.symbolCodes[vertex.symbolCode];
+            ++layer.symbolCodes[element.symbolCode];
         }
-        AddPoint(vertex.point);
+        AddPoint({element.x, element.y});
     }
 }
 
-void FileSummary::AddText(const client::TextElement& text) {
+void FileSummary::AddText(const map::RawText& text) {
     LayerSummary& layer = layers[text.layer];
     ++layer.texts;
     if (text.code != 0) ++layer.textCodes[text.code];
@@ -63,9 +63,9 @@ LayerSummary FileSummary::Total() const {
     return total;
 }
 
-void FileSummary::AddPoint(const std::array<double, 3>& point) {
-    extents[0].Add(point[0]);
-    extents[1].Add(point[1]);
+void FileSummary::AddPoint(map::Point point) {
+    extents[0].Add(point.x);
+    extents[1].Add(point.y);
 }
 
 }  // namespace vemrado::tools

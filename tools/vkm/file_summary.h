@@ -10,7 +10,7 @@
 #include <utility>
 #include <vector>
 
-#include "client/importer.h"
+#include "map/importer.h"
 
 namespace vemrado::tools {
 
@@ -50,8 +50,8 @@ struct Range {
 
 class FileSummary {
   public:
-    void AddLine(const client::LineElement& line);
-    void AddText(const client::TextElement& text);
+    void AddLine(const map::RawLine& line);
+    void AddText(const map::RawText& text);
 
     // The layers in ascending order; and all of them together, in numbers without codes.
     const std::map<int, LayerSummary>& Layers() const { return layers; }
@@ -60,7 +60,7 @@ class FileSummary {
     const std::array<Range, 2>& Extents() const { return extents; }
 
   private:
-    void AddPoint(const std::array<double, 3>& point);
+    void AddPoint(map::Point point);
 
     std::map<int, LayerSummary> layers;
     std::array<Range, 2> extents;

@@ -5,7 +5,6 @@
 #include <string>
 #include <vector>
 
-#include "client/importer.h"
 #include "client/standard_input.h"
 #include "client/system.h"
 #include "commands.h"
@@ -32,7 +31,7 @@ struct InspectedFile {
 
 InspectedFile Inspect(const Input& input, int axisOrientation, Environment& environment) {
     const std::string& file = input.name;
-    client::Importer importer;
+    map::Importer importer;
     FileReport report;
     if (!input.problem.empty()) {
         environment.Error(input.problem);
@@ -40,11 +39,11 @@ InspectedFile Inspect(const Input& input, int axisOrientation, Environment& envi
         report.error = input.problem;
         return {ReadOutcome::notOpened, std::move(report)};
     }
-    client::OpenOptions open;
+    map::OpenOptions open;
     open.fileName = file;
     open.axisOrientation = axisOrientation;
-    const ReadResult result = ReadElements(importer, open, environment, [&](client::ElementKind kind) {
-        if (kind == client::ElementKind::line) {
+    const ReadResult result = ReadElements(importer, open, environment, [&](map::ElementKind kind) {
+        if (kind == map::ElementKind::line) {
             report.summary.AddLine(importer.Line());
         } else {
             report.summary.AddText(importer.Text());

@@ -9,12 +9,12 @@
 
 namespace vemrado::tools {
 
-using client::ElementKind;
+using map::ElementKind;
 
 namespace {
 
 // The elements up to the end of the data.
-ReadOutcome ReadOpened(client::Importer& importer, const std::function<void(ElementKind)>& take) {
+ReadOutcome ReadOpened(map::Importer& importer, const std::function<void(ElementKind)>& take) {
     for (ElementKind kind = importer.Next(); kind != ElementKind::none; kind = importer.Next()) take(kind);
     if (importer.Complete()) return ReadOutcome::complete;
     return client::StopRequested() ? ReadOutcome::stopped : ReadOutcome::incomplete;
@@ -22,9 +22,8 @@ ReadOutcome ReadOpened(client::Importer& importer, const std::function<void(Elem
 
 }  // namespace
 
-ReadResult ReadElements(client::Importer& importer, const client::OpenOptions& options,
-                        Environment& environment, const std::function<void(ElementKind)>& take,
-                        const char* consequence) {
+ReadResult ReadElements(map::Importer& importer, const map::OpenOptions& options, Environment& environment,
+                        const std::function<void(ElementKind)>& take, const char* consequence) {
     ReadResult result = {ReadOutcome::failed, {}};
     const std::string name = client::SystemTextToUtf8(client::ShownName(options.fileName.c_str()));
     try {

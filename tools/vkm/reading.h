@@ -5,7 +5,7 @@
 #include <functional>
 #include <string>
 
-#include "client/importer.h"
+#include "map/importer.h"
 #include "program.h"
 
 namespace vemrado::tools {
@@ -26,8 +26,8 @@ struct ReadResult {
 // Opens the file and hands each element to take, which looks at importer.Line() or importer.Text(). What is
 // not complete has been said as an error when this returns; output is flushed before that. The consequence is
 // what an end in the middle of the file means for the output.
-ReadResult ReadElements(client::Importer& importer, const client::OpenOptions& options,
-                        Environment& environment, const std::function<void(client::ElementKind)>& take,
+ReadResult ReadElements(map::Importer& importer, const map::OpenOptions& options, Environment& environment,
+                        const std::function<void(map::ElementKind)>& take,
                         const char* consequence = "the output is partial");
 
 }  // namespace vemrado::tools

@@ -7,7 +7,6 @@
 #include <set>
 
 #include "client/standard_input.h"
-#include "client/symbology_index.h"
 #include "client/system.h"
 #include "client/text_encoding.h"
 #include "commands.h"
@@ -15,7 +14,6 @@
 #include "draw/map_sheet.h"
 #include "draw/scene_builder.h"
 #include "draw/stray_points.h"
-#include "framework/framework.h"
 #include "inputs.h"
 #include "picture.h"
 #include "program.h"
@@ -85,17 +83,6 @@ void WarnOfSkipped(const draw::Scene& scene, const std::string& name, Environmen
     if (!parts.empty()) environment.Warn(name + ": left out " + parts);
 }
 
-void AddTo(draw::Box& box, client::ElementKind kind, const client::Importer& importer) {
-    const auto add = [&](const std::array<double, 3>& point) {
-        if (std::isfinite(point[0]) && std::isfinite(point[1])) box.Add(draw::Point{point[0], point[1]});
-    };
-    if (kind == client::ElementKind::text) add(importer.Text().point);
-    if (kind != client::ElementKind::line) return;
-    for (const client::ElementVertex& vertex : importer.Line().vertices) {
-        if (vertex.type != 0) add(vertex.point);
-    }
-}
-
 // As --bbox takes it, in whole metres around the box.
 std::string BoxText(const draw::Box& box) {
     char text[160];
@@ -141,20 +128,14 @@ int RunRender(RenderOptions options, Environment& environment) {
     if (!ChooseEncoding(options.encoding, options.file, environment, options.scene.encoding))
         return exitInput;
 
-    const char* data = FrameworkGetDataDirectory();
-    const client::SymbologyIndex index(data ? data : "");
-    client::Importer importer;
-    draw::SceneBuilder builder(importer, index, options.scene);
-    client::OpenOptions open;
+    map::Importer importer;
+    draw::SceneBuilder builder(importer, options.scene);
+    map::OpenOptions open;
     open.fileName = FindOneInput(options.file);
-    open.loadSymbology = true;
+    open.symbology = true;
+    open.symbols = !options.noSymbols;
     open.axisOrientation = options.axisOrientation;
-    open.flags = options.noSymbols ? CVKMInterface::flgSymbolsNone : CVKMInterface::flgSymbols;
-    draw::Box everything;
-    const auto take = [&](client::ElementKind kind) {
-        builder.Take(kind);
-        if (options.sheet.box) AddTo(everything, kind, importer);
-    };
+    const auto take = [&](map::ElementKind kind) { builder.Take(kind); };
     const ReadOutcome outcome =
         ReadElements(importer, open, environment, take, "no picture was made").outcome;
     if (outcome != ReadOutcome::complete && outcome != ReadOutcome::incomplete) return exitInput;
@@ -166,14 +147,14 @@ int RunRender(RenderOptions options, Environment& environment) {
     if (scene.layers.empty() && !options.sheet.box) {
         throw Failure(exitInput, Filled("{}: nothing to draw", {name}));
     }
-    if (options.sheet.box && !everything.Meets(*options.sheet.box)) {
+    if (options.sheet.box && !scene.whole.Meets(*options.sheet.box)) {
         throw Failure(exitInput, Filled("{}: nothing to draw in the --bbox: the map lies in {}",
-                                        {name, BoxText(everything)}));
+                                        {name, BoxText(scene.whole)}));
     }
     if (!options.sheet.box) WarnOfStrayPoints(scene, name, environment);
     if (options.sheet.title.empty()) options.sheet.title = client::Printable(TitleOf(name));
     options.sheet.pixels = options.picture.width;
-    const draw::MapSheet sheet(scene, index, options.sheet);
+    const draw::MapSheet sheet(scene, options.sheet);
     const Picture picture{sheet.Page(), options.sheet.title, sheet.Count(),
                           [&](draw::Canvas& canvas) { sheet.Draw(canvas); }};
     MakePicture(options.picture, picture, environment);

@@ -5,20 +5,20 @@
 #include <string>
 #include <vector>
 
-#include "client/symbology_index.h"
-#include "draw/style.h"
+#include "map/symbology.h"
 
 namespace vemrado::tools {
 
 struct CheckedLine {
-    client::SymbologyIndex::LineCode entry;
+    map::CodeEntry entry;
     bool known = false;  // the code leads to a line type
-    draw::Pen pen;
+    double width = 0;    // mm, as the table gives it; 0: it gives none
+    map::Pen pen;
 };
 
 struct CheckedSymbol {
-    client::SymbologyIndex::SymbolCode entry;
-    draw::SymbolShape shape;  // without strokes: it draws nothing
+    map::CodeEntry entry;
+    map::SymbolDrawing drawing;  // without strokes: it draws nothing
 };
 
 struct CheckedSymbology {
@@ -27,8 +27,7 @@ struct CheckedSymbology {
     std::vector<std::string> problems;  // one line each, UTF-8
 };
 
-// Loads the symbology of a data directory through the module: every code that its tables name is looked up
-// and registered as for an element of a map.
+// Loads the symbology of a data directory through the module and looks up every code that its tables name.
 CheckedSymbology CheckSymbology(const std::string& dataDirectory);
 
 }  // namespace vemrado::tools

@@ -29,7 +29,7 @@ std::string Row(const char* format, Values... values) {
     return text;
 }
 
-std::string DashesText(const draw::Pen& pen) {
+std::string DashesText(const map::Pen& pen) {
     std::string text;
     for (const double length : pen.dashes) text += Row("%s%.6g", text.empty() ? "" : " ", length);
     return text.empty() ? "-" : text;
@@ -41,8 +41,8 @@ void PrintLines(const CheckedSymbology& checked, StandardOutput& output) {
         Row("%11s %9s  %-7s %6s  %-24s %s\n", "code", "line type", "colour", "mm", "dashes (mm)", "name"));
     for (const CheckedLine& line : checked.lines) {
         const uint32_t colour = line.pen.colour;
-        output.Write(Row("%11d %9d  #%02x%02x%02x %6.6g  %-24.80s ", line.entry.code, line.entry.lineType,
-                         colour & 255, (colour >> 8) & 255, (colour >> 16) & 255, line.entry.width,
+        output.Write(Row("%11d %9d  #%02x%02x%02x %6.6g  %-24.80s ", line.entry.code, line.entry.number,
+                         colour & 255, (colour >> 8) & 255, (colour >> 16) & 255, line.width,
                          DashesText(line.pen).c_str()));
         output.Write(line.entry.name + "\n");
     }
@@ -52,10 +52,10 @@ void PrintSymbols(const CheckedSymbology& checked, StandardOutput& output) {
     output.Write(Row("\nSymbol codes: %zu\n", checked.symbols.size()));
     output.Write(Row("%11s %9s  %7s  %-14s %s\n", "code", "symbol", "strokes", "size (mm)", "name"));
     for (const CheckedSymbol& symbol : checked.symbols) {
-        const draw::Box& bounds = symbol.shape.bounds;
+        const map::Box& bounds = symbol.drawing.bounds;
         const std::string size = Row("%.6g x %.6g", bounds.Width(), bounds.Height());
-        output.Write(Row("%11d %9d  %7zu  %-14s ", symbol.entry.code, symbol.entry.symbol,
-                         symbol.shape.strokes.size(), size.c_str()));
+        output.Write(Row("%11d %9d  %7zu  %-14s ", symbol.entry.code, symbol.entry.number,
+                         symbol.drawing.strokes.size(), size.c_str()));
         output.Write(symbol.entry.name + "\n");
     }
 }

@@ -77,23 +77,29 @@ void DrawCentered(draw::Canvas& canvas, const draw::SymbolShape& shape, draw::Po
 }  // namespace
 
 SymbologySheet::SymbologySheet(const CheckedSymbology& checked, std::string directory)
-    : symbology(checked), source(std::move(directory)) {
-    double y = margin + titleHeight;
-    if (!checked.lines.empty()) {
-        linesTop = y;
-        y += headingHeight + TableHeight(checked.lines.size(), lineColumns, lineRowHeight) + sectionGap;
+    : source(std::move(directory)) {
+    for (const CheckedLine& line : checked.lines) {
+        lines.push_back({line.entry, line.known, {line.pen, "line-" + std::to_string(line.entry.code)}});
     }
-    if (!checked.symbols.empty()) {
+    for (const CheckedSymbol& symbol : checked.symbols) {
+        symbols.push_back({symbol.entry, {symbol.drawing, "symbol-" + std::to_string(symbol.entry.code)}});
+    }
+    double y = margin + titleHeight;
+    if (!lines.empty()) {
+        linesTop = y;
+        y += headingHeight + TableHeight(lines.size(), lineColumns, lineRowHeight) + sectionGap;
+    }
+    if (!symbols.empty()) {
         symbolsTop = y;
-        y += headingHeight + TableHeight(checked.symbols.size(), symbolColumns, symbolRowHeight);
+        y += headingHeight + TableHeight(symbols.size(), symbolColumns, symbolRowHeight);
     }
     page = {pageWidth, y + margin, 1};
 }
 
 void SymbologySheet::Draw(draw::Canvas& canvas) const {
-    for (const CheckedLine& line : symbology.lines) canvas.DefinePen(line.pen);
+    for (const LineCell& line : lines) canvas.DefinePen(line.pen);
     canvas.DefinePen(SymbolPen());
-    for (const CheckedSymbol& symbol : symbology.symbols) canvas.DefineSymbol(symbol.shape);
+    for (const SymbolCell& symbol : symbols) canvas.DefineSymbol(symbol.shape);
 
     draw::TextStyle style;
     style.height = 4.5;
@@ -107,16 +113,15 @@ void SymbologySheet::Draw(draw::Canvas& canvas) const {
     if (linesTop > 0) {
         canvas.BeginGroup("line-types", "");
         DrawHeading(canvas, draw::HostWords().lineTypes, linesTop);
-        DrawCells(symbology.lines, lineColumns, lineRowHeight, linesTop + headingHeight,
-                  [&](const CheckedLine& line, draw::Point corner) { DrawLine(canvas, line, corner); });
+        DrawCells(lines, lineColumns, lineRowHeight, linesTop + headingHeight,
+                  [&](const LineCell& line, draw::Point corner) { DrawLine(canvas, line, corner); });
         canvas.EndGroup();
     }
     if (symbolsTop > 0) {
         canvas.BeginGroup("symbols", "");
         DrawHeading(canvas, draw::HostWords().symbols, symbolsTop);
-        DrawCells(
-            symbology.symbols, symbolColumns, symbolRowHeight, symbolsTop + headingHeight,
-            [&](const CheckedSymbol& symbol, draw::Point corner) { DrawSymbol(canvas, symbol, corner); });
+        DrawCells(symbols, symbolColumns, symbolRowHeight, symbolsTop + headingHeight,
+                  [&](const SymbolCell& symbol, draw::Point corner) { DrawSymbol(canvas, symbol, corner); });
         canvas.EndGroup();
     }
 }
@@ -129,7 +134,7 @@ void SymbologySheet::DrawHeading(draw::Canvas& canvas, const std::string& text, 
     canvas.Text(text, {margin, y + headingHeight / 2}, style);
 }
 
-void SymbologySheet::DrawLine(draw::Canvas& canvas, const CheckedLine& line, draw::Point corner) const {
+void SymbologySheet::DrawLine(draw::Canvas& canvas, const LineCell& line, draw::Point corner) const {
     const double middle = corner.y + lineRowHeight / 2;
     draw::TextStyle style = NameStyle();
     style.font.bold = true;
@@ -144,7 +149,7 @@ void SymbologySheet::DrawLine(draw::Canvas& canvas, const CheckedLine& line, dra
     canvas.Text(draw::Fitted(line.entry.name, style, room), {nameLeft, middle}, style);
 }
 
-void SymbologySheet::DrawSymbol(draw::Canvas& canvas, const CheckedSymbol& symbol, draw::Point corner) const {
+void SymbologySheet::DrawSymbol(draw::Canvas& canvas, const SymbolCell& symbol, draw::Point corner) const {
     const double middle = corner.y + symbolRowHeight / 2;
     const draw::Box& bounds = symbol.shape.bounds;
     const double largest = std::max({bounds.Width(), bounds.Height(), 0.1});

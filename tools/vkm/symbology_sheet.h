@@ -12,7 +12,6 @@ namespace vemrado::tools {
 
 class SymbologySheet {
   public:
-    // The symbology lives longer than the sheet.
     SymbologySheet(const CheckedSymbology& checked, std::string directory);
 
     draw::PageSize Page() const { return page; }
@@ -20,10 +19,20 @@ class SymbologySheet {
 
   private:
     void DrawHeading(draw::Canvas& canvas, const std::string& text, double y) const;
-    void DrawLine(draw::Canvas& canvas, const CheckedLine& line, draw::Point corner) const;
-    void DrawSymbol(draw::Canvas& canvas, const CheckedSymbol& symbol, draw::Point corner) const;
+    struct LineCell {
+        map::CodeEntry entry;
+        bool known;
+        draw::Pen pen;
+    };
+    struct SymbolCell {
+        map::CodeEntry entry;
+        draw::SymbolShape shape;
+    };
+    void DrawLine(draw::Canvas& canvas, const LineCell& line, draw::Point corner) const;
+    void DrawSymbol(draw::Canvas& canvas, const SymbolCell& symbol, draw::Point corner) const;
 
-    const CheckedSymbology& symbology;
+    std::vector<LineCell> lines;
+    std::vector<SymbolCell> symbols;
     std::string source;
     draw::PageSize page;
     double linesTop = 0;  // mm; 0: the sheet has no line types
