@@ -177,8 +177,7 @@ TEST(Scene, KeepsToTheOptions) {
 
 TEST(MapSheet, PutsEverythingOnThePageAtTheScaleOfTheMap) {
     const SmallSymbology symbology;
-    const Drawn drawn =
-        Draw(header + "&L P 0 0\nL 0 50\nL 80 50\n&T 80 50 \"Long enough to count\" D=1\n&K\n");
+    const Drawn drawn = Draw(header + "&L P 50 80\nL 50 0\nL 0 0\n&T 0 0 \"Long enough to count\" D=1\n&K\n");
     const PageSize bare = MapSheet(drawn.scene, {}).Page();
     const double text = TextWidth("Long enough to count", {}, 1.7);
     EXPECT_NEAR(bare.width, 50 + text + 6, 0.01);
