@@ -6,6 +6,7 @@ void AddCommands(Program& program) {
     AddInfoCommand(program);
     AddDumpCommand(program);
     AddCheckCommand(program);
+    AddDiffCommand(program);
     AddRenderCommand(program);
 #if VEMRADO_CONVERTER
     AddConvertCommand(program);

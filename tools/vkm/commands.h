@@ -12,6 +12,7 @@ void AddCommands(Program& program);
 void AddInfoCommand(Program& program);
 void AddDumpCommand(Program& program);
 void AddCheckCommand(Program& program);
+void AddDiffCommand(Program& program);
 void AddRenderCommand(Program& program);
 void AddConvertCommand(Program& program);
 void AddSymbologyCommand(Program& program);

@@ -1,0 +1,111 @@
+// vkm diff: what changed between two states of a map.
+
+#include <memory>
+
+#include "client/input_file.h"
+#include "client/standard_input.h"
+#include "client/system.h"
+#include "commands.h"
+#include "common_options.h"
+#include "diff_report.h"
+#include "inputs.h"
+#include "map/diff.h"
+#include "map_source.h"
+#include "program.h"
+
+namespace vemrado::tools {
+namespace {
+
+// As the program of that name has them.
+enum DiffExit : int { exitEqual = 0, exitDifferent = 1, exitBroken = 3 };
+
+struct DiffOptions {
+    std::string oldFile;
+    std::string newFile;
+    double tolerance = 0.05;
+    bool json = false;
+    EncodingChoice encoding;
+};
+
+struct NoFindings : map::FindingSink {
+    void Take(const map::Finding&) override {}
+};
+
+// Reads a state. False when it is broken, which has been said; what was read stands in it.
+bool ReadState(const std::string& name, client::Encoding encoding, map::MapState& state,
+               Environment& environment) {
+    const std::string shownName = client::SystemTextToUtf8(client::ShownName(name.c_str()));
+    try {
+        MapSource source(name);
+        NoFindings findings;
+        map::CheckedReading reading(source.Bytes(), encoding, findings, &state);
+        reading.Run();
+        if (reading.Complete()) return true;
+        environment.Error(shownName +
+                          ": incomplete: its closing record &K is missing, so its last element is lost");
+    } catch (const client::ForeignFile& foreign) {
+        environment.Error(foreign.what());
+    } catch (const client::UnreadableFile& unreadable) {
+        environment.Error(unreadable.what());
+    } catch (const Stopped&) {
+        environment.Error(shownName + ": stopped on request; nothing was compared");
+    }
+    return false;
+}
+
+int RunDiff(const DiffOptions& options, Environment& environment) {
+    if (options.oldFile == client::standardInputName && options.newFile == client::standardInputName)
+        throw Failure(exitUsage, "standard input can be read only once");
+    map::StateValues values;
+    map::MapState old(values);
+    map::MapState now(values);
+    const auto read = [&](const std::string& file, map::MapState& state, client::Encoding& encoding) {
+        const std::string name = FindOneInput(file);
+        return ChooseEncoding(options.encoding, name, environment, encoding) &&
+               ReadState(name, encoding, state, environment);
+    };
+    client::Encoding oldEncoding{};
+    client::Encoding newEncoding{};
+    const bool oldRead = read(options.oldFile, old, oldEncoding);
+    if (!read(options.newFile, now, newEncoding) || !oldRead) return exitBroken;
+    DiffReport report(environment.output, options.json, oldEncoding, newEncoding);
+    map::CompareMaps(old, now, values, options.tolerance, report);
+    report.WriteTotals();
+    return report.Any() ? exitDifferent : exitEqual;
+}
+
+}  // namespace
+
+void AddDiffCommand(Program& program) {
+    const auto options = std::make_shared<DiffOptions>();
+    const CommandText text = {
+        "diff",
+        "Say what changed between two states of a map",
+        "Compares what the maps show: the order of records, the direction of lines, where they are cut and "
+        "how "
+        "numbers are written make no difference. Lines are compared segment by segment within a layer. Equal "
+        "geometry with another code, symbol or text is changed; a text that moved by no more than the "
+        "tolerance "
+        "is moved. Totals stand at the end.\n\n"
+        "The exit code is 0 when the maps are equal, 1 when they differ and 3 when a file cannot be "
+        "compared.",
+        {{"vkm diff old.vkm new.vkm", "one line for each change"},
+         {"vkm diff --json old.vkm new.vkm | jq 'select(.kind == \"text\")'", "the texts that changed"},
+         {"vkm diff --tolerance 0.5 old.vkm new.vkm", "texts may have moved by half a metre"}}};
+    CLI::App& command =
+        program.Add(text, [options](Environment& environment) { return RunDiff(*options, environment); });
+    command.add_option("OLD", options->oldFile, "The VKM file as it was; - is standard input")
+        ->type_name("")
+        ->required();
+    command.add_option("NEW", options->newFile, "The VKM file as it is; - is standard input")
+        ->type_name("")
+        ->required();
+    command.add_option("--tolerance", options->tolerance, "Metres by which a text may have moved")
+        ->type_name("M")
+        ->capture_default_str()
+        ->check(CLI::NonNegativeNumber);
+    command.add_flag("--json", options->json, "Write changes as JSON Lines");
+    AddEncodingOption(program, command, options->encoding);
+}
+
+}  // namespace vemrado::tools

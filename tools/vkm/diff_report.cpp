@@ -1,0 +1,122 @@
+#include "diff_report.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstdio>
+
+#include "map/json_text.h"
+
+namespace vemrado::tools {
+namespace {
+
+std::string Short(double value) {
+    std::string text;
+    map::AppendJsonReal(text, value);
+    return text;
+}
+
+std::string Place(map::Point point) {
+    return Short(point.x) + " " + Short(point.y);
+}
+
+// What distinguishes a side, in words.
+std::string Described(const map::ChangeSide& side, client::TextDecoder& decoder) {
+    if (side.text != nullptr) {
+        std::string text;
+        map::AppendJsonText(text, decoder.Decode(side.words));
+        return text + " K=" + std::to_string(side.text->code) + " H=" + Short(side.text->height) +
+               " U=" + Short(side.text->rotation);
+    }
+    std::string text = side.code.empty() ? std::string() : "K=" + decoder.Decode(side.code);
+    if (side.sign == nullptr) return text.empty() ? "without a code" : text;
+    if (!text.empty()) text += " ";
+    return text + "S=" + std::to_string(side.sign->symbol) + " M=" + Short(side.sign->scale) +
+           " U=" + Short(side.sign->rotation);
+}
+
+std::string Where(const map::ChangeSide& side) {
+    if (side.points.size() == 1) return "at " + Place(side.points.front());
+    const std::string middle =
+        side.points.size() > 2 ? " over " + std::to_string(side.points.size() - 2) + " points" : "";
+    return "from " + Place(side.points.front()) + middle + " to " + Place(side.points.back());
+}
+
+double Distance(map::Point a, map::Point b) {
+    return std::hypot(a.x - b.x, a.y - b.y);
+}
+
+}  // namespace
+
+void DiffReport::Take(const map::Change& change) {
+    any = true;
+    ++counts[static_cast<size_t>(change.kind)][static_cast<size_t>(change.thing)];
+    if (json) {
+        WriteJson(change);
+    } else {
+        WriteText(change);
+    }
+}
+
+void DiffReport::WriteJson(const map::Change& change) {
+    const auto side = [](const std::optional<map::ChangeSide>& one, client::TextDecoder& decoder) {
+        return one ? map::SideJson(*one, decoder) : std::string("null");
+    };
+    const auto line = [](const std::optional<map::ChangeSide>& one) {
+        return one ? std::to_string(one->fileLine) : std::string("null");
+    };
+    std::string text = R"({"change":")";
+    text.append(map::changeNames[static_cast<size_t>(change.kind)])
+        .append(R"(","kind":")")
+        .append(map::thingNames[static_cast<size_t>(change.thing)])
+        .append(R"(","layer":)")
+        .append(std::to_string(change.layer))
+        .append(R"(,"old":)")
+        .append(side(change.old, oldDecoder))
+        .append(R"(,"new":)")
+        .append(side(change.now, newDecoder))
+        .append(R"(,"oldLine":)")
+        .append(line(change.old))
+        .append(R"(,"newLine":)")
+        .append(line(change.now))
+        .append("}\n");
+    output.Write(text);
+}
+
+void DiffReport::WriteText(const map::Change& change) {
+    std::string text(map::changeNames[static_cast<size_t>(change.kind)]);
+    text.append(" ").append(map::thingNames[static_cast<size_t>(change.thing)]);
+    text.append(", layer ").append(std::to_string(change.layer)).append(", ");
+    const map::ChangeSide& shown = change.now ? *change.now : *change.old;
+    text += Where(shown) + ": ";
+    if (change.old) text += Described(*change.old, oldDecoder);
+    if (change.kind == map::ChangeKind::moved) {
+        text += " by " +
+                Short(std::round(Distance(change.old->points[0], change.now->points[0]) * 1e4) / 1e4) + " m";
+    } else if (change.old && change.now) {
+        text += " -> ";
+    }
+    if (change.now && change.kind != map::ChangeKind::moved) text += Described(*change.now, newDecoder);
+    text += " (";
+    if (change.old) text += "old line " + std::to_string(change.old->fileLine);
+    if (change.old && change.now) text += ", ";
+    if (change.now) text += "new line " + std::to_string(change.now->fileLine);
+    output.Write(text + ")\n");
+}
+
+void DiffReport::WriteTotals() {
+    if (json) return;
+    std::string text;
+    for (size_t kind = 0; kind < counts.size(); ++kind) {
+        for (size_t thing = 0; thing < counts[kind].size(); ++thing) {
+            const uint64_t count = counts[kind][thing];
+            if (count == 0) continue;
+            text.append(text.empty() ? "" : ", ").append(std::to_string(count)).append(" ");
+            text.append(map::thingNames[thing])
+                .append(count == 1 ? " " : "s ")
+                .append(map::changeNames[kind]);
+        }
+    }
+    output.Write((text.empty() ? "no changes" : text) + "\n");
+}
+
+}  // namespace vemrado::tools
