@@ -144,7 +144,7 @@ InputFile LookAtInput(const std::string& name, size_t wanted) {
     if (input.markSkipped) stream->Skip(byteOrderMark.size());
     if (kind == FileKind::regular && !stream->Provided()) {
         std::error_code unknown;
-        const std::uintmax_t size = std::filesystem::file_size(name, unknown);
+        const std::uintmax_t size = std::filesystem::file_size(NativePath(name), unknown);
         if (!unknown) stream->length = static_cast<int64_t>(size - byteOrderMark.size());
     }
     OfferStream(input.name, std::move(stream));

@@ -8,6 +8,7 @@
 #include <functional>
 #include <string_view>
 
+#include "client/system.h"
 #include "client/text_encoding.h"
 
 namespace vemrado::client {
@@ -115,7 +116,7 @@ void ForEachLine(const std::filesystem::path& path, const std::function<bool(con
 
 SymbologyIndex::SymbologyIndex(const std::string& dataDirectory) {
     if (dataDirectory.empty()) return;
-    const std::filesystem::path directory = FindEntry(dataDirectory, "VKMSym");
+    const std::filesystem::path directory = FindEntry(NativePath(dataDirectory), "VKMSym");
     if (directory.empty()) return;
 
     std::unordered_map<int, LineType> types;  // the last definition counts

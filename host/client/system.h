@@ -1,14 +1,16 @@
 // The few services of the operating system that our hosts need beyond the standard library, with one
 // implementation file per system. File names are in the system's own encoding: UTF-8 or plain bytes on Linux,
-// the ANSI code page on Windows.
+// the ANSI code page on Windows, which is UTF-8 for our programs from Windows 10 1903 on.
 
 #pragma once
 
 #include <cstddef>
 #include <cstdint>
 #include <cstdio>
+#include <filesystem>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace vemrado::client {
 
@@ -52,6 +54,9 @@ bool InterruptCaught();
 
 enum class FileKind { none, regular, directory, other };
 
+// A file name for the standard library, which takes narrow names in an encoding of its own on Windows.
+std::filesystem::path NativePath(const std::string& path);
+
 // Kind of what a path leads to; none when there is nothing or it cannot be reached.
 FileKind KindOfFile(const std::string& path);
 
@@ -64,6 +69,10 @@ std::FILE* CreateNewFile(const std::string& path);
 
 // Puts a file in the place of another, which may exist; its permissions carry over. False: errno says why.
 bool PutInPlace(const std::string& from, const std::string& to);
+
+// The arguments of a program, its own name first, in the encoding of file names. Where the system leaves that
+// to programs, one with * or ? outside quotes is replaced by the files whose names match, if there are any.
+std::vector<std::string> ProgramArguments(int count, const char* const* arguments);
 
 // Path of the running program; empty when it cannot be found.
 std::string ProgramPath();

@@ -156,6 +156,10 @@ bool InterruptCaught() {
     return interruptCaught != 0;
 }
 
+std::filesystem::path NativePath(const std::string& path) {
+    return path;
+}
+
 FileKind KindOfFile(const std::string& path) {
     struct stat status = {};
     if (stat(path.c_str(), &status) != 0) return FileKind::none;
@@ -177,6 +181,10 @@ bool PutInPlace(const std::string& from, const std::string& to) {
     struct stat status = {};
     if (stat(to.c_str(), &status) == 0) chmod(from.c_str(), status.st_mode & 07777);
     return std::rename(from.c_str(), to.c_str()) == 0;
+}
+
+std::vector<std::string> ProgramArguments(int count, const char* const* arguments) {
+    return {arguments, arguments + count};
 }
 
 std::string ProgramPath() {

@@ -49,6 +49,51 @@ bool IsClosedPipe(DWORD error) {
     return error == ERROR_BROKEN_PIPE || error == ERROR_NO_DATA || error == ERROR_PIPE_NOT_CONNECTED;
 }
 
+// A name in the system's code page. On systems that have no UTF-8 there a name may not fit: its short form
+// does.
+std::string SystemName(const std::wstring& name) {
+    if (GetACP() == CP_UTF8) return ToCodePage(name, CP_UTF8);
+    BOOL lossy = FALSE;
+    WideCharToMultiByte(CP_ACP, WC_NO_BEST_FIT_CHARS, name.data(), static_cast<int>(name.size()), nullptr, 0,
+                        nullptr, &lossy);
+    std::wstring shortName(lossy ? GetShortPathNameW(name.c_str(), nullptr, 0) : 0, L'\0');
+    if (shortName.empty()) return ToCodePage(name, CP_ACP);
+    shortName.resize(GetShortPathNameW(name.c_str(), shortName.data(), static_cast<DWORD>(shortName.size())));
+    return ToCodePage(shortName, CP_ACP);
+}
+
+bool IsConsole(HANDLE file) {
+    DWORD mode = 0;
+    return GetConsoleMode(file, &mode) != 0;
+}
+
+// Consoles take wide characters; bytes would count as their own code page.
+WriteResult WriteConsoleText(HANDLE console, std::string_view utf8) {
+    const std::wstring text = FromCodePage(utf8, CP_UTF8);
+    constexpr size_t most = 8192;  // older consoles refuse more at a time
+    for (size_t place = 0; place < text.size();) {
+        DWORD written = 0;
+        const auto count = static_cast<DWORD>(std::min(text.size() - place, most));
+        if (!WriteConsoleW(console, text.data() + place, count, &written, nullptr) || written == 0) {
+            errno = EIO;
+            return WriteResult::failed;
+        }
+        place += written;
+    }
+    return WriteResult::done;
+}
+
+// Where the last character of a UTF-8 text begins when its end is missing; the text's size when nothing is.
+size_t WholeCharacters(std::string_view utf8) {
+    for (size_t back = 1; back <= std::min<size_t>(3, utf8.size()); ++back) {
+        const auto unit = static_cast<unsigned char>(utf8[utf8.size() - back]);
+        if ((unit & 0xC0) == 0x80) continue;
+        const size_t length = unit >= 0xF0 ? 4 : unit >= 0xE0 ? 3 : unit >= 0xC0 ? 2 : 1;
+        return length > back ? utf8.size() - back : utf8.size();
+    }
+    return utf8.size();
+}
+
 WriteResult WriteAll(HANDLE file, std::string_view bytes) {
     while (!bytes.empty()) {
         DWORD written = 0;
@@ -63,17 +108,73 @@ WriteResult WriteAll(HANDLE file, std::string_view bytes) {
     return WriteResult::done;
 }
 
+struct WrittenArgument {
+    std::wstring text;
+    bool pattern = false;  // an asterisk or question mark stands outside quotes
+};
+
+// The command line as the platform's programs split it: 2n backslashes before a quote are n, one more makes
+// the quote a character; elsewhere a backslash is one. The first argument is the program.
+std::vector<WrittenArgument> SplitCommandLine(std::wstring_view line) {
+    std::vector<WrittenArgument> arguments;
+    const auto isBlank = [](wchar_t c) { return c == L' ' || c == L'\t'; };
+    for (size_t i = 0; i < line.size();) {
+        if (isBlank(line[i])) {
+            ++i;
+            continue;
+        }
+        WrittenArgument& argument = arguments.emplace_back();
+        const bool isProgram = arguments.size() == 1;
+        for (bool quoted = false; i < line.size() && (quoted || !isBlank(line[i])); ++i) {
+            size_t backslashes = 0;
+            while (!isProgram && i < line.size() && line[i] == L'\\') ++backslashes, ++i;
+            const bool atQuote = i < line.size() && line[i] == L'"';
+            argument.text.append(atQuote ? backslashes / 2 : backslashes, L'\\');
+            if (i == line.size() || (!quoted && isBlank(line[i]))) break;
+            if (atQuote && backslashes % 2 == 0) {
+                quoted = !quoted;
+                continue;
+            }
+            argument.text += line[i];
+            argument.pattern |= !quoted && !isProgram && (line[i] == L'*' || line[i] == L'?');
+        }
+    }
+    return arguments;
+}
+
+// Files whose names match the last part of a path, in the order of their names.
+std::vector<std::wstring> MatchingFiles(const std::wstring& pattern) {
+    std::vector<std::wstring> names;
+    WIN32_FIND_DATAW found{};
+    const HANDLE search = FindFirstFileW(pattern.c_str(), &found);
+    if (search == INVALID_HANDLE_VALUE) return names;
+    const std::wstring folder = pattern.substr(0, pattern.find_last_of(L"/\\:") + 1);
+    do {
+        const std::wstring name = found.cFileName;
+        if (name != L"." && name != L"..") names.push_back(folder + name);
+    } while (FindNextFileW(search, &found));
+    FindClose(search);
+    std::ranges::sort(names);
+    return names;
+}
+
 }  // namespace
 
 void PrepareStandardStreams() {}
 
 WriteResult WriteStandardOutput(std::string_view bytes) {
-    return WriteAll(GetStdHandle(STD_OUTPUT_HANDLE), bytes);
+    const HANDLE file = GetStdHandle(STD_OUTPUT_HANDLE);
+    if (!IsConsole(file)) return WriteAll(file, bytes);
+    static std::string begun;  // a character whose end comes with the next bytes
+    begun.append(bytes);
+    const size_t whole = WholeCharacters(begun);
+    const WriteResult result = WriteConsoleText(file, std::string_view(begun).substr(0, whole));
+    begun.erase(0, whole);
+    return result;
 }
 
 bool StandardOutputIsTerminal() {
-    DWORD mode = 0;
-    return GetConsoleMode(GetStdHandle(STD_OUTPUT_HANDLE), &mode) != 0;
+    return IsConsole(GetStdHandle(STD_OUTPUT_HANDLE));
 }
 
 int64_t ReadStandardInput(void* destination, size_t count) {
@@ -88,13 +189,11 @@ int64_t ReadStandardInput(void* destination, size_t count) {
 
 void WriteStandardError(std::string_view utf8) {
     const HANDLE file = GetStdHandle(STD_ERROR_HANDLE);
-    const std::wstring text = FromCodePage(utf8, CP_UTF8);
-    DWORD mode = 0;
-    if (GetConsoleMode(file, &mode)) {
-        DWORD written = 0;
-        WriteConsoleW(file, text.data(), static_cast<DWORD>(text.size()), &written, nullptr);
+    // To a file as standard output goes there: both may go to one.
+    if (IsConsole(file)) {
+        WriteConsoleText(file, utf8);
     } else {
-        WriteAll(file, ToCodePage(text, CP_ACP));
+        WriteAll(file, utf8);
     }
 }
 
@@ -104,6 +203,10 @@ void CatchInterrupt() {
 
 bool InterruptCaught() {
     return interruptCaught;
+}
+
+std::filesystem::path NativePath(const std::string& path) {
+    return FromCodePage(path, CP_ACP);
 }
 
 FileKind KindOfFile(const std::string& path) {
@@ -133,9 +236,24 @@ bool PutInPlace(const std::string& from, const std::string& to) {
 }
 
 std::string ProgramPath() {
-    std::array<char, 4 * MAX_PATH> path{};
-    const DWORD length = GetModuleFileNameA(nullptr, path.data(), static_cast<DWORD>(path.size()));
-    return length < path.size() ? std::string(path.data(), length) : std::string();
+    std::wstring path(MAX_PATH, L'\0');
+    while (true) {
+        const auto room = static_cast<DWORD>(path.size());
+        const DWORD length = GetModuleFileNameW(nullptr, path.data(), room);
+        if (length < room) return SystemName(path.substr(0, length));
+        path.resize(2 * path.size());
+    }
+}
+
+std::vector<std::string> ProgramArguments(int, const char* const*) {
+    std::vector<std::string> arguments;
+    for (const WrittenArgument& argument : SplitCommandLine(GetCommandLineW())) {
+        const std::vector<std::wstring> names =
+            argument.pattern ? MatchingFiles(argument.text) : std::vector<std::wstring>();
+        for (const std::wstring& name : names) arguments.push_back(SystemName(name));
+        if (names.empty()) arguments.push_back(SystemName(argument.text));
+    }
+    return arguments;
 }
 
 unsigned long ProcessNumber() {

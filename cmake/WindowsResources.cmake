@@ -1,0 +1,25 @@
+# vemrado_windows_resources(TARGET DESCRIPTION): version, icon and, for a program, the manifest by which its code page is
+# UTF-8. A library has none of its own: its host's counts.
+
+function(vemrado_windows_resources target description)
+  if(NOT WIN32)
+    return()
+  endif()
+  get_target_property(type ${target} TYPE)
+  set(VEMRADO_RESOURCE_NAME ${target})
+  set(VEMRADO_RESOURCE_DESCRIPTION ${description})
+  if(type STREQUAL EXECUTABLE)
+    set(VEMRADO_RESOURCE_FILE ${target}.exe)
+    set(VEMRADO_RESOURCE_TYPE VFT_APP)
+    set(VEMRADO_RESOURCE_MANIFEST "1 24 \"${PROJECT_SOURCE_DIR}/cmake/windows/program.manifest\"")
+  else()
+    set(VEMRADO_RESOURCE_FILE ${target}.dll)
+    set(VEMRADO_RESOURCE_TYPE VFT_DLL)
+    set(VEMRADO_RESOURCE_MANIFEST "")
+  endif()
+  set(resources ${CMAKE_CURRENT_BINARY_DIR}/${target}.rc)
+  configure_file(${PROJECT_SOURCE_DIR}/cmake/windows/resources.rc.in ${resources} @ONLY)
+  target_sources(${target} PRIVATE ${resources})
+  set_source_files_properties(${resources} PROPERTIES OBJECT_DEPENDS
+    "${PROJECT_SOURCE_DIR}/cmake/windows/program.manifest;${PROJECT_SOURCE_DIR}/cmake/windows/vemrado.ico")
+endfunction()
