@@ -17,6 +17,14 @@ constexpr const char* guessedEncoding = "auto";
 
 }  // namespace
 
+CLI::Validator ExistingDirectory() {
+    const auto check = [](std::string& name) {
+        const bool exists = client::KindOfFile(name) == client::FileKind::directory;
+        return exists ? std::string() : "there is no directory " + client::SystemTextToUtf8(name);
+    };
+    return CLI::Validator(check, "");
+}
+
 void AddFileArgument(CLI::App& command, std::string& file) {
     command.add_option("FILE", file, "The VKM file, or an archive that holds one; - is standard input")
         ->type_name("")

@@ -12,6 +12,9 @@ namespace vemrado::tools {
 class Environment;
 class Program;
 
+// Refuses what leads to no directory, by the names that the system's own functions take.
+CLI::Validator ExistingDirectory();
+
 // The one input file, FILE.
 void AddFileArgument(CLI::App& command, std::string& file);
 

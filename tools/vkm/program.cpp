@@ -10,6 +10,7 @@
 #include "client/message_boxes.h"
 #include "client/system.h"
 #include "client/text_encoding.h"
+#include "common_options.h"
 #include "help_format.h"
 #include "inputs.h"
 #include "translations.h"
@@ -64,7 +65,7 @@ CLI::App& Program::Add(const CommandText& text, CommandRun run) {
         "Directory that holds VKMSym, the symbology\n(default: the sample symbology of this program)";
     command->add_option("--data", dataDirectory, dataText)
         ->type_name("DIR")
-        ->check(CLI::Validator(CLI::ExistingDirectory).description(""));
+        ->check(ExistingDirectory());
     command->footer(ExamplesText(text.examples));
     commands.push_back({text, std::move(run), command});
     return *command;

@@ -7,6 +7,7 @@
 #include "client/standard_input.h"
 #include "client/system.h"
 #include "commands.h"
+#include "common_options.h"
 #include "draw/words.h"
 #include "framework/framework.h"
 #include "picture.h"
@@ -104,7 +105,7 @@ void AddSymbologyCommand(Program& program) {
         text, [options](Environment& environment) { return RunSymbology(*options, environment); });
     command.add_option("DIR", options->directory, "The symbology")
         ->type_name("")
-        ->check(CLI::ExistingDirectory);
+        ->check(ExistingDirectory());
     AddPictureOptions(program, command, options->picture, false);
 }
 
