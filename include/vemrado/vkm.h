@@ -126,10 +126,10 @@ typedef struct vkm_options {
     const int32_t* layers;
     size_t layer_count;
 
-    int32_t split_by_code;     /* 1: a row of lines ends where the code changes; 0: it has its first code */
-    int32_t parcel_layer;      /* of the file, with the boundary lines: 1 */
-    int32_t number_layer;      /* of the file, with the parcels' numbers: 2 */
-    uint32_t batch_rows;       /* most rows of a batch of columns: 65536 */
+    int32_t split_by_code; /* 1: strokes are split where the code changes; 0: they have their first code */
+    int32_t parcel_layer;  /* of the file, with the boundary lines: 1 */
+    int32_t number_layer;  /* of the file, with the parcels' numbers: 2 */
+    uint32_t batch_rows;   /* most rows of a batch of columns: 65536 */
     vkm_angle_unit angle_unit; /* of the file's rotations, for drawings: VKM_GON */
 
     /* Called by the thread that is in a function of the library, for streams too; null: nobody wants to know.
@@ -177,13 +177,11 @@ typedef struct vkm_header {
     size_t size;      /* set by the caller */
     double scale;     /* map scale number; 1000 when the file gives none */
     int32_t relative; /* 1: the file's coordinates are relative to an origin (the points here are absolute) */
-    int32_t has_origin;
-    double origin[2];            /* as in the file's V record; 0 0 without it */
-    const char* place;           /* the word of the V record; "" without it */
-    const char* date;            /* the S value of the D record as it stands in the file; "" without it */
-    const char* const* comments; /* the comments before the first element */
-    size_t comment_count;
-    const char* crs; /* reference system as in vkm_options: "" when there is none */
+    double origin[2]; /* added to the file's first and second coordinate where they are relative */
+    const char* name; /* the word of the V record; "" without it */
+    const char* date; /* what stands behind the mark of the D record; "" without it */
+    const char* comments; /* a line each, without the mark; "" without any */
+    const char* crs;      /* reference system as in vkm_options: "" when there is none */
 } vkm_header;
 
 VKM_API vkm_status vkm_get_header(vkm_reader* reader, vkm_header* header, vkm_error** error);
@@ -193,6 +191,14 @@ VKM_API vkm_status vkm_get_header(vkm_reader* reader, vkm_header* header, vkm_er
 typedef int32_t vkm_kind;
 enum { VKM_LINE = 1, VKM_TEXT = 2 };
 
+/* A run of two points or more, which straight segments connect. Type P begins one. */
+typedef struct vkm_stroke {
+    size_t first; /* place of its first point */
+    size_t count;
+    int32_t code; /* code in force on it as a number, 0 for none; with split_by_code 0 that of its first
+                     segment */
+} vkm_stroke;
+
 /* One line, or one text. Arrays have point_count entries and are null when that is 0, and those that are for
  * the other kind are null too. Elements without a type letter have no point of their own in the file: their
  * values are those of the element before. */
@@ -200,7 +206,7 @@ typedef struct vkm_element {
     vkm_kind kind;
     int32_t layer;
     const char* layer_name;
-    uint64_t file_line; /* line of the file on which it ends, from 1 */
+    uint64_t file_line; /* line of the file on which it begins, from 1 */
 
     size_t point_count;
     const double* points; /* x, y, x, y, ...; of a text its insertion point */
@@ -214,8 +220,8 @@ typedef struct vkm_element {
     const double* m_values;      /* scale of the symbol [M], 1 for none */
     const double* r_values;      /* R value [R], 0 for none */
     const double* u_values;      /* rotation of the symbol [U], 0 for none */
-    const uint32_t* strokes;     /* places of the first points of the strokes, the first of them 0 */
-    size_t stroke_count;         /* a stroke ends before the next one; one of a single point draws no line */
+    const vkm_stroke* strokes;   /* null when there are none */
+    size_t stroke_count;
 
     /* Of texts. */
     const char* text;   /* null for a line */
