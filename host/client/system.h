@@ -67,6 +67,12 @@ std::string FollowLinks(const std::string& path);
 // Opens a new file for writing bytes; null when the file exists or cannot be made, errno says why then.
 std::FILE* CreateNewFile(const std::string& path);
 
+// Opens a file for reading bytes, shared with other readers; null: errno says why.
+std::FILE* OpenForReading(const std::string& path);
+
+// Bytes of an open file; 0 when it has no length.
+int64_t LengthOfFile(std::FILE* file);
+
 // Puts a file in the place of another, which may exist; its permissions carry over. False: errno says why.
 bool PutInPlace(const std::string& from, const std::string& to);
 
@@ -76,6 +82,9 @@ std::vector<std::string> ProgramArguments(int count, const char* const* argument
 
 // Path of the running program; empty when it cannot be found.
 std::string ProgramPath();
+
+// Path of the program or library that this code is linked into; empty when it cannot be found.
+std::string LibraryPath();
 
 // Number of this process, for names of temporary files.
 unsigned long ProcessNumber();

@@ -1,3 +1,4 @@
+#include <dlfcn.h>
 #include <fcntl.h>
 #include <iconv.h>
 #include <langinfo.h>
@@ -177,6 +178,15 @@ std::FILE* CreateNewFile(const std::string& path) {
     return std::fopen(path.c_str(), "wbxe");
 }
 
+std::FILE* OpenForReading(const std::string& path) {
+    return std::fopen(path.c_str(), "rbe");
+}
+
+int64_t LengthOfFile(std::FILE* file) {
+    struct stat status = {};
+    return fstat(fileno(file), &status) == 0 && S_ISREG(status.st_mode) ? status.st_size : 0;
+}
+
 bool PutInPlace(const std::string& from, const std::string& to) {
     struct stat status = {};
     if (stat(to.c_str(), &status) == 0) chmod(from.c_str(), status.st_mode & 07777);
@@ -194,6 +204,13 @@ std::string ProgramPath() {
     // Without /proc the program's name as it was started, which the kernel hands over.
     const auto* started = reinterpret_cast<const char*>(getauxval(AT_EXECFN));
     return started != nullptr ? FollowLinks(started) : std::string();
+}
+
+std::string LibraryPath() {
+    Dl_info here = {};
+    if (dladdr(reinterpret_cast<const void*>(&LibraryPath), &here) == 0 || here.dli_fname == nullptr)
+        return {};
+    return FollowLinks(here.dli_fname);
 }
 
 unsigned long ProcessNumber() {

@@ -1,5 +1,7 @@
 #define WIN32_LEAN_AND_MEAN
 #define NOMINMAX
+#include <io.h>
+#include <share.h>
 #include <windows.h>
 
 #include <algorithm>
@@ -106,6 +108,16 @@ WriteResult WriteAll(HANDLE file, std::string_view bytes) {
         bytes.remove_prefix(written);
     }
     return WriteResult::done;
+}
+
+std::wstring PathOfModule(HMODULE library) {
+    std::wstring path(MAX_PATH, L'\0');
+    while (true) {
+        const auto room = static_cast<DWORD>(path.size());
+        const DWORD length = GetModuleFileNameW(library, path.data(), room);
+        if (length < room) return path.substr(0, length);
+        path.resize(2 * path.size());
+    }
 }
 
 struct WrittenArgument {
@@ -228,6 +240,15 @@ std::FILE* CreateNewFile(const std::string& path) {
     return std::fopen(path.c_str(), "wb");
 }
 
+std::FILE* OpenForReading(const std::string& path) {
+    return _wfsopen(NativePath(path).c_str(), L"rbN", _SH_DENYWR);
+}
+
+int64_t LengthOfFile(std::FILE* file) {
+    const int64_t length = _filelengthi64(_fileno(file));
+    return length > 0 ? length : 0;
+}
+
 bool PutInPlace(const std::string& from, const std::string& to) {
     if (MoveFileExA(from.c_str(), to.c_str(), MOVEFILE_REPLACE_EXISTING)) return true;
     const DWORD error = GetLastError();
@@ -236,13 +257,15 @@ bool PutInPlace(const std::string& from, const std::string& to) {
 }
 
 std::string ProgramPath() {
-    std::wstring path(MAX_PATH, L'\0');
-    while (true) {
-        const auto room = static_cast<DWORD>(path.size());
-        const DWORD length = GetModuleFileNameW(nullptr, path.data(), room);
-        if (length < room) return SystemName(path.substr(0, length));
-        path.resize(2 * path.size());
-    }
+    return SystemName(PathOfModule(nullptr));
+}
+
+std::string LibraryPath() {
+    HMODULE library = nullptr;
+    constexpr DWORD flags =
+        GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS | GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT;
+    if (!GetModuleHandleExW(flags, reinterpret_cast<LPCWSTR>(&LibraryPath), &library)) return {};
+    return SystemName(PathOfModule(library));
 }
 
 std::vector<std::string> ProgramArguments(int, const char* const*) {

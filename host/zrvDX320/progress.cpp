@@ -4,6 +4,7 @@
 #include <atomic>
 #include <new>
 #include <string>
+#include <utility>
 
 #include "lock.h"
 #include "windows1250.h"
@@ -27,6 +28,11 @@ const InfoWindow* windowOnTerminal = nullptr;
 bool visible = true;
 
 std::atomic<int> interruptsForgotten = 0;
+
+constinit thread_local const InfoThreadProgress* threadProgress = nullptr;
+
+// The handle of all windows that were opened while their thread had progress of its own.
+char noWindow;
 
 size_t CharacterCount(const std::string& utf8) {
     return static_cast<size_t>(
@@ -72,6 +78,7 @@ void Erase(const InfoWindow& window) {
 }  // namespace
 
 void* create_info_ext(const char* const* lines, int count, const char* text, const char*) {
+    if (threadProgress != nullptr) return &noWindow;
     const char* caption = text != nullptr ? text : (lines != nullptr && count > 0) ? lines[0] : nullptr;
     try {
         auto* window = new InfoWindow{windows1250::ToUtf8(caption != nullptr ? caption : ""),
@@ -85,7 +92,8 @@ void* create_info_ext(const char* const* lines, int count, const char* text, con
 }
 
 int draw_info(void* handle, int maximum, int position, int) {
-    if (handle == nullptr) return 0;
+    if (threadProgress != nullptr) return threadProgress->draw(threadProgress->context, maximum, position);
+    if (handle == nullptr || handle == &noWindow) return 0;
     auto& window = *static_cast<InfoWindow*>(handle);
     if (InterruptCount() != window.interruptsBefore) return 1;
     const standin::Holding holding(windowLock);
@@ -98,7 +106,7 @@ int draw_info(void* handle, int maximum, int position, int) {
 }
 
 void close_info(void* handle) {
-    if (handle == nullptr) return;
+    if (handle == nullptr || handle == &noWindow) return;
     auto* window = static_cast<InfoWindow*>(handle);
     const standin::Holding holding(windowLock);
     if (windowOnTerminal == window) windowOnTerminal = nullptr;
@@ -122,4 +130,8 @@ void InfoResetStop(void) {
 void InfoSetVisible(int value) {
     const standin::Holding holding(windowLock);
     visible = value != 0;
+}
+
+const InfoThreadProgress* InfoSetThreadProgress(const InfoThreadProgress* progress) {
+    return std::exchange(threadProgress, progress);
 }

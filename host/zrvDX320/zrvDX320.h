@@ -29,4 +29,14 @@ ZRVDX320_API int InfoStopRequested(void);
 ZRVDX320_API void InfoResetStop(void);
 // 0: draw nothing whatever standard error is. The stop request works all the same.
 ZRVDX320_API void InfoSetVisible(int visible);
+
+// What a thread has in place of windows: nothing is drawn, and interrupts are left alone.
+struct InfoThreadProgress {
+    void* context;
+    // As draw_info.
+    int (*draw)(void* context, int maximum, int position);
+};
+// Sets the calling thread's progress, for windows that are open too; null: windows again. Not copied: it must
+// live as long as it is set. Returns what was set before.
+ZRVDX320_API const InfoThreadProgress* InfoSetThreadProgress(const InfoThreadProgress* progress);
 }

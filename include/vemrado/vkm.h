@@ -339,7 +339,7 @@ typedef struct vkm_finding {
     const char* message;
     const char* field; /* null: none */
     int32_t has_point;
-    double point[2]; /* as in the file */
+    double point[2]; /* as the orientation "x,y" has it */
 } vkm_finding;
 
 /* Not 0 stops with VKM_ERROR_STOPPED. The finding is valid during the call. */

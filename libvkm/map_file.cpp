@@ -1,0 +1,108 @@
+#include "map_file.h"
+
+#include "client/stop_request.h"
+#include "failure.h"
+
+namespace vemrado::capi {
+namespace {
+
+constexpr uint32_t elementsBetweenProgress = 4096;
+
+}  // namespace
+
+void TellWarning(const Options& options, const std::string& reason, const std::string& file, uint64_t line) {
+    if (options.onWarning == nullptr) return;
+    const Failure warning(VKM_OK, reason, file, line);
+    options.onWarning(options.callbackContext, &warning.Error());
+}
+
+MapFile::MapFile(std::shared_ptr<Source> readSource, const Options& readOptions, bool withSymbology)
+    : source(std::move(readSource)),
+      options(readOptions),
+      reading(importer, readOptions.encoding, readOptions.angleUnit) {
+    Open(withSymbology && options.withSymbology);
+}
+
+MapFile::~MapFile() {
+    const ModuleCalls calls(*source, options, state);  // the importer's end closes the file
+    importer.Close();
+}
+
+void MapFile::Open(bool withSymbology) {
+    map::OpenOptions open;
+    open.fileName = source->Name();
+    open.axisOrientation = options.axisOrientation;
+    open.symbology = withSymbology;
+    open.symbols = withSymbology;
+    open.dataDirectory = options.dataDirectory;
+    open.lookAtFile = false;
+    bool opened = false;
+    try {
+        const ModuleCalls calls(*source, options, state);
+        opened = importer.Open(open);
+    } catch (const CFileException& error) {
+        throw Failure(VKM_ERROR_READ, error.Reason(), source->Name(),
+                      static_cast<uint64_t>(importer.LineCount()) + 1);
+    }
+    if (state.failure) std::rethrow_exception(state.failure);
+    if (opened) return WarnOfBoxes();
+    if (state.boxes.empty()) throw std::bad_alloc();
+    throw Failure::WithText(VKM_ERROR_OPEN, state.boxes.back(), source->Name());
+}
+
+map::ElementKind MapFile::ReadNext() {
+    try {
+        const ModuleCalls calls(*source, options, state);
+        return reading.Next();
+    } catch (const CFileException& error) {
+        throw Failure(VKM_ERROR_READ, error.Reason(), source->Name(),
+                      static_cast<uint64_t>(importer.LineCount()) + 1);
+    }
+}
+
+map::ElementKind MapFile::Next() {
+    while (true) {
+        if (++sinceProgress == elementsBetweenProgress) CheckStop();
+        const map::ElementKind kind = ReadNext();
+        if (kind == map::ElementKind::none) {
+            if (client::StopRequested()) throw Failure(VKM_ERROR_STOPPED, "stopped", source->Name());
+            TellEnd();
+            return kind;
+        }
+        if (kind == map::ElementKind::line) {
+            if (!options.Wants(Line().layer)) continue;
+            leftOut += Line().pointsLeftOut;
+            return kind;
+        }
+        if (!options.Wants(Text().layer)) continue;
+        if (Text().fault != map::TextFault::place) return kind;
+        ++leftOut;
+    }
+}
+
+void MapFile::CheckStop() {
+    sinceProgress = 0;
+    if (options.onProgress == nullptr) return;
+    state.stopped = state.stopped || options.onProgress(options.callbackContext, state.part) != 0;
+    if (state.stopped) throw Failure(VKM_ERROR_STOPPED, "stopped by the caller", source->Name());
+}
+
+void MapFile::TellEnd() {
+    WarnOfBoxes();
+    if (!Complete())
+        Warn("the file ends without its closing record; its last element is lost",
+             static_cast<uint64_t>(importer.LineCount()));
+    if (BadBytes() > 0) Warn(std::to_string(BadBytes()) + " bytes make no character of the encoding");
+    if (leftOut > 0) Warn(std::to_string(leftOut) + " points whose coordinates are no place were left out");
+}
+
+void MapFile::Warn(const std::string& reason, uint64_t line) {
+    TellWarning(options, reason, source->Name(), line);
+}
+
+void MapFile::WarnOfBoxes() {
+    for (const std::string& text : state.boxes) TellWarning(options, text, {});
+    state.boxes.clear();
+}
+
+}  // namespace vemrado::capi

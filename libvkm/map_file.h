@@ -1,0 +1,56 @@
+// One passage over a map: the source opened by an importer of its own and read element by element through the
+// one reading, with what is said of it on the way.
+
+#pragma once
+
+#include <memory>
+#include <string>
+
+#include "map/importer.h"
+#include "map/reading.h"
+#include "module_calls.h"
+
+namespace vemrado::capi {
+
+class MapFile {
+  public:
+    // Both outlive it. Symbology is loaded when asked for and wanted. Throws Failure when the source cannot
+    // be opened.
+    MapFile(std::shared_ptr<Source> source, const Options& options, bool withSymbology);
+    MapFile(const MapFile&) = delete;
+    MapFile& operator=(const MapFile&) = delete;
+    ~MapFile();
+
+    // The next element of the wanted layers that has a place, in Line() or Text(); none at the end, where
+    // what went wrong on the way is told. Throws Failure.
+    map::ElementKind Next();
+    const map::MapLine& Line() const { return reading.Line(); }
+    const map::MapText& Text() const { return reading.Text(); }
+
+    bool Complete() const { return importer.Complete(); }
+    uint64_t BadBytes() const { return reading.ReplacedBytes(); }
+    uint64_t LeftOut() const { return leftOut; }
+    map::Importer& Importer() { return importer; }
+
+  private:
+    void Open(bool withSymbology);
+    map::ElementKind ReadNext();
+    void CheckStop();
+    void TellEnd();
+    void Warn(const std::string& reason, uint64_t line = 0);
+    void WarnOfBoxes();
+
+    std::shared_ptr<Source> source;
+    const Options& options;
+    CallState state;
+    map::Importer importer;
+    map::Reading reading;
+    uint64_t leftOut = 0;
+    uint32_t sinceProgress = 0;
+};
+
+// Tells the caller's function, if there is one.
+void TellWarning(const Options& options, const std::string& reason, const std::string& file,
+                 uint64_t line = 0);
+
+}  // namespace vemrado::capi
