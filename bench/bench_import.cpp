@@ -34,12 +34,13 @@ struct LineEnds {
 LineEnds FindLineEnds(const char* path) {
     const int file = open(path, O_RDONLY | O_CLOEXEC);
     if (file < 0) throw std::runtime_error(std::string("cannot open ") + path);
-    static std::vector<char> buffer(262144);
+    // On a page's start: to other places the system's copy is slower on some processors, up to four times.
+    alignas(4096) static char buffer[262144];
     LineEnds result;
     ssize_t count;
-    while ((count = read(file, buffer.data(), buffer.size())) > 0) {
-        const char* const end = buffer.data() + count;
-        const char* at = buffer.data();
+    while ((count = read(file, buffer, sizeof buffer)) > 0) {
+        const char* const end = buffer + count;
+        const char* at = buffer;
         while ((at = static_cast<const char*>(std::memchr(at, '\n', static_cast<size_t>(end - at))))) {
             ++result.lines;
             ++at;
