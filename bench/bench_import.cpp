@@ -64,8 +64,8 @@ void TakeLine(CVKMDetails& vkm, Import& result) {
     for (int i = 0; i < count; ++i) {
         double point[3];
         vkm.GetElementPoint(i, point);
-        result.sum += point[0] + point[1] + vkm.GetElementType(i) + vkm.GetElementSymbolCode(i) +
-                      vkm.GetElementCode(i)[0];
+        const int numbers = vkm.GetElementType(i) + vkm.GetElementSymbolCode(i) + vkm.GetElementCode(i)[0];
+        result.sum += point[0] + point[1] + numbers;
     }
     ++result.lines;
     result.lineElements += count;

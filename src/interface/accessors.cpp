@@ -144,10 +144,10 @@ void CVkmInput::GetTextPoint(double* point) {
 }
 
 void CVkmInput::GetTextAttributes(int* valueD, int* valueF, double* scaledH, double* valueU) {
-    *valueD = state.currentText.valueD;
-    *valueF = state.currentText.valueF;
-    *scaledH = state.currentText.valueH * state.scaleFactor;
-    *valueU = state.currentText.valueU;
+    *valueD = state.currentText.values.valueD;
+    *valueF = state.currentText.values.valueF;
+    *scaledH = state.currentText.values.valueH * state.scaleFactor;
+    *valueU = state.currentText.values.valueU;
 }
 
 double CVkmInput::GetScale() {

@@ -37,7 +37,7 @@ void CVkmInput::GetElementValues(int index, double* valueM, double* valueR, doub
 }
 
 int CVkmInput::GetTextCode() {
-    return state.currentText.code;
+    return state.currentText.values.code;
 }
 
 int CVkmInput::GetRelativeCoordinates() {

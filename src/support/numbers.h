@@ -44,16 +44,16 @@ inline uint32_t FullStops(const char* text) {
 
 // Eight bytes from each place.
 inline __m128i LoadHalves(const void* low, const void* high) {
-    return _mm_unpacklo_epi64(_mm_loadl_epi64(static_cast<const __m128i*>(low)),
-                              _mm_loadl_epi64(static_cast<const __m128i*>(high)));
+    const __m128i first = _mm_loadl_epi64(static_cast<const __m128i*>(low));
+    return _mm_castps_si128(_mm_loadh_pi(_mm_castsi128_ps(first), static_cast<const __m64*>(high)));
 }
 
-// The digits before and behind the full stop as values from 0 to 9, each at the end of their eight bytes with
+// The digits before two places, a count of each, as values from 0 to 9: at the end of their eight bytes with
 // zeros before them. What is no digit has a larger value.
-inline __m128i LoadDigits(const char* text, size_t length, size_t whole, size_t places) {
-    const __m128i characters = LoadHalves(text + whole - 8, text + length - 8);
+inline __m128i LoadDigits(const char* end, size_t count, const char* secondEnd, size_t secondCount) {
+    const __m128i characters = LoadHalves(end - 8, secondEnd - 8);
     return _mm_and_si128(_mm_xor_si128(characters, _mm_set1_epi8('0')),
-                         LoadHalves(lastBytes + whole, lastBytes + places));
+                         LoadHalves(lastBytes + count, lastBytes + secondCount));
 }
 
 inline bool AreDigits(__m128i values) {
@@ -85,13 +85,15 @@ inline __m128i JoinFours(__m128i first, __m128i second) {
     const size_t secondPlaces = secondText.size() - secondWhole - 1;
     if ((whole | secondWhole | places | secondPlaces) > mostPlainDigits) return false;
 
-    const __m128i digits = LoadDigits(firstText.data(), firstText.size(), whole, places);
-    const __m128i secondDigits = LoadDigits(secondText.data(), secondText.size(), secondWhole, secondPlaces);
-    if (!AreDigits(_mm_max_epu8(digits, secondDigits))) return false;
+    const __m128i wholeDigits =
+        LoadDigits(firstText.data() + whole, whole, secondText.data() + secondWhole, secondWhole);
+    const __m128i placesDigits = LoadDigits(firstText.data() + firstText.size(), places,
+                                            secondText.data() + secondText.size(), secondPlaces);
+    if (!AreDigits(_mm_max_epu8(wholeDigits, placesDigits))) return false;
 
-    const __m128i parts = JoinFours(JoinDigits(digits), JoinDigits(secondDigits));
-    const __m128d wholes = _mm_cvtepi32_pd(_mm_shuffle_epi32(parts, _MM_SHUFFLE(3, 1, 2, 0)));
-    const __m128d fractions = _mm_cvtepi32_pd(_mm_shuffle_epi32(parts, _MM_SHUFFLE(2, 0, 3, 1)));
+    const __m128i parts = JoinFours(JoinDigits(wholeDigits), JoinDigits(placesDigits));
+    const __m128d wholes = _mm_cvtepi32_pd(parts);
+    const __m128d fractions = _mm_cvtepi32_pd(_mm_unpackhi_epi64(parts, parts));
     const __m128d scales = _mm_castsi128_pd(LoadHalves(powersOfTen + places, powersOfTen + secondPlaces));
     const __m128d values = _mm_div_pd(_mm_add_pd(_mm_mul_pd(wholes, scales), fractions), scales);
     first = _mm_cvtsd_f64(values);
@@ -109,7 +111,7 @@ inline __m128i JoinFours(__m128i first, __m128i second) {
     const auto whole = static_cast<size_t>(__builtin_ctz(FullStops(text) | 1u << length));
     const size_t places = length - whole - (whole < length ? 1 : 0);
     if ((whole | places) > mostPlainDigits || (whole | places) == 0) return false;
-    const __m128i digits = LoadDigits(text, length, whole, places);
+    const __m128i digits = LoadDigits(text + whole, whole, text + length, places);
     if (!AreDigits(digits)) return false;
     const __m128i fours = JoinDigits(digits);
     const __m128d parts = _mm_cvtepi32_pd(JoinFours(fours, fours));

@@ -4,7 +4,9 @@
 #include <cstring>
 
 #include "vkm/line_element.h"
+#include "vkm/plain_element.h"
 #include "vkm/record_parsers.h"
+#include "vkm/text_record.h"
 #include "vkm/tokenizer.h"
 
 namespace vemrado {
@@ -77,6 +79,53 @@ Element CompleteElement(CVKMReaderState& state) {
                                         : Element::none;
 }
 
+// Lines in the plain form, until one completes an element or the next line is in another form.
+Element ReadPlainLines(CVKMReaderState& state, CVKMLineReader& reader) {
+    Element completed = Element::none;
+    while (completed == Element::none) {
+        bool opensLine;
+        if (TakePlainElement(state, reader, opensLine)) {
+            state.lineElements.Working().fileLine = reader.FileLine();
+            if (!opensLine) continue;
+            completed = CompleteElement(state);
+            state.currentRecord = 'L';
+        } else if (PlainText text; TakePlainText(reader, text)) {
+            FlushElement(state);
+            completed = CompleteElement(state);
+            StartPlainText(state, text);
+            state.workingText.fileLine = reader.FileLine();
+            state.currentRecord = 'T';
+        } else {
+            break;
+        }
+    }
+    return completed;
+}
+
+// A line in any form. Returns the element that it completes.
+Element ReadAnyLine(CVKMReaderState& state, CVKMTokenizer line, int32_t fileLine) {
+    const Field first = line.NextToken();
+    const uint32_t recordClass = ClassifyRecord(first);
+    if (recordClass == unknownRecord) return Element::none;
+    if (recordClass == emptyLine || recordClass == continuationLine) {
+        if (IsLineElement(state, first)) {
+            FlushElement(state);
+            StartLineElement(state, line, ElementType(first));
+            state.lineElements.Working().fileLine = fileLine;
+        } else {
+            ContinueRecord(state, line, fileLine);
+        }
+        return Element::none;
+    }
+    FlushElement(state);
+    const Element completed = CompleteElement(state);
+    DispatchRecord(state, line, recordClass, true);
+    if (recordClass == 'L') state.lineElements.Working().fileLine = fileLine;
+    if (recordClass == 'T') state.workingText.fileLine = fileLine;
+    state.currentRecord = recordClass;
+    return completed;
+}
+
 }  // namespace
 
 bool ReadHeader(CVKMReaderState& state, CVKMLineReader& reader) {
@@ -101,37 +150,16 @@ Element ReadNextElement(CVKMReaderState& state, CVKMLineReader& reader) {
     if (state.currentRecord == 'K') return Element::none;
     state.lineElements.Clear();
     FlushElement(state);
-    CVKMTokenizer line;
-    LineResult result;
-    while ((result = reader.ReadLine(line)) == LineResult::line) {
-        Field first = line.NextToken();
-        const uint32_t recordClass = ClassifyRecord(first);
-        Element completed = Element::none;
-        if (recordClass == unknownRecord) continue;
-        if (recordClass == emptyLine || recordClass == continuationLine) {
-            if (!IsLineElement(state, first)) {
-                ContinueRecord(state, line, reader.FileLine());
-                continue;
-            }
-            FlushElement(state);
-        } else {
-            FlushElement(state);
-            completed = CompleteElement(state);
-            if (recordClass != 'L') {
-                DispatchRecord(state, line, recordClass, true);
-                if (recordClass == 'T') state.workingText.fileLine = reader.FileLine();
-                state.currentRecord = recordClass;
-                if (completed != Element::none || recordClass == 'K') return completed;
-                continue;
-            }
-            first = line.NextToken();
+    while (true) {
+        if (const Element completed = ReadPlainLines(state, reader); completed != Element::none) {
+            return completed;
         }
-        StartLineElement(state, line, ElementType(first));
-        state.lineElements.Working().fileLine = reader.FileLine();
-        state.currentRecord = 'L';
-        if (completed != Element::none) return completed;
+        CVKMTokenizer line;
+        const LineResult result = reader.ReadLine(line);
+        if (result != LineResult::line) return result == LineResult::error ? Element::error : Element::none;
+        const Element completed = ReadAnyLine(state, line, reader.FileLine());
+        if (completed != Element::none || state.currentRecord == 'K') return completed;
     }
-    return result == LineResult::error ? Element::error : Element::none;
 }
 
 }  // namespace vemrado

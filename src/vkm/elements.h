@@ -22,6 +22,16 @@ struct CVKMCode {
 
     char text[mostCharacters + 1] = {};
     int32_t longCode = -1;  // index in the line's long codes; -1: the code is text
+
+    // False for a longer value. platform::searchSlack characters from its start must be readable.
+    bool Set(std::string_view value) {
+        if (value.size() > mostCharacters) [[unlikely]]
+            return false;
+        std::memcpy(text, value.data(), sizeof text);
+        text[value.size()] = '\0';
+        longCode = -1;
+        return true;
+    }
 };
 
 // One element of a line.
@@ -65,14 +75,15 @@ class CVKMLineElements {
     CVKMLineElement& Working() { return *working; }
     // platform::searchSlack characters from the value's start must be readable.
     void SetWorkingCode(std::string_view value) {
-        if (value.size() > CVKMCode::mostCharacters) [[unlikely]] {
+        if (!working->code.Set(value)) [[unlikely]]
             SetLongCode(value);
-            return;
-        }
-        CVKMCode& code = working->code;
-        std::memcpy(code.text, value.data(), sizeof code.text);
-        code.text[value.size()] = '\0';
-        code.longCode = -1;
+    }
+
+    // Where the element after the one being read will stand, or with none pending where the one being read
+    // stands; null while there is no room.
+    CVKMLineElement* PlaceOfNext(bool pending) {
+        CVKMLineElement* const place = working + (pending ? 1 : 0);
+        return place <= &elements.back() ? place : nullptr;
     }
 
     // Makes the element being read the line's last one.
@@ -82,6 +93,14 @@ class CVKMLineElements {
         ++count;
         ++working;
         working->code.longCode = -1;
+    }
+
+    // Makes the element at the place of the next the one being read, and with pending the one read so far the
+    // line's last one.
+    void TakeNext(bool pending) {
+        const size_t step = pending ? 1 : 0;
+        count += step;
+        working += step;
     }
 
     // Removes every element but the one being read.
@@ -130,17 +149,22 @@ class CVKMCharacters {
     char characters[mostCharacters + 1] = {};
 };
 
+// What the key fields of a text say.
+struct CVKMTextValues {
+    int32_t valueD = 2;
+    int32_t valueF = 1;
+    double valueH = 1.7;
+    int32_t code = 0;  // K
+    double valueU = 0;
+};
+
 // One text.
 struct CVKMText {
     double x = 0;
     double y = 0;
     double z = 0;  // never set from the file
     CVKMCharacters text;
-    int32_t valueD = 2;
-    int32_t valueF = 1;
-    double valueH = 1.7;
-    int32_t code = 0;  // K
-    double valueU = 0;
+    CVKMTextValues values;
     int32_t fileLine = 0;  // line of the file on which it begins, from 1
 };
 inline constexpr CVKMText defaultText;

@@ -21,6 +21,19 @@ inline double RealOf(Field field) {
     return IsNone(field) ? 0.0 : ParseBufferedReal(field);
 }
 
+// Makes a point of the file absolute and turns it to the host's axes.
+template <class Element>
+[[gnu::always_inline]] inline void SetPoint(const CVKMReaderState& state, double x, double y,
+                                            Element& point) {
+    if (state.relativeCoordinates != 0) {
+        x += state.originX;
+        y += state.originY;
+    }
+    ApplyAxisOrientation(x, y, state.axisOrientation);
+    point.x = x;
+    point.y = y;
+}
+
 // The file gives the second coordinate first.
 template <class Element>
 [[gnu::always_inline]] inline void ReadPoint(const CVKMReaderState& state, CVKMTokenizer& line,
@@ -32,13 +45,27 @@ template <class Element>
         y = RealOf(first);
         x = RealOf(second);
     }
-    if (state.relativeCoordinates != 0) {
-        x += state.originX;
-        y += state.originY;
+    SetPoint(state, x, y, point);
+}
+
+// A number of a key field; X is reserved.
+inline void ReadLineValue(char key, Field value, CVKMLineElement& element) {
+    switch (key) {
+        case 'M':
+            element.valueM = ParseBufferedReal(value);
+            break;
+        case 'R':
+            element.valueR = ParseBufferedReal(value);
+            break;
+        case 'S':
+            element.symbolCode = ParseInteger(value);
+            break;
+        case 'U':
+            element.valueU = ParseBufferedReal(value);
+            break;
+        default:
+            break;
     }
-    ApplyAxisOrientation(x, y, state.axisOrientation);
-    point.x = x;
-    point.y = y;
 }
 
 // The key fields of the rest of the line, for the line element being read.
@@ -46,24 +73,10 @@ template <class Element>
     CVKMLineElement& element = state.lineElements.Working();
     char key = 0;
     for (Field value; !IsNone(value = line.NextKeyValue(lineKey, key));) {
-        switch (key) {
-            case 'K':
-                state.lineElements.SetWorkingCode(value);
-                break;
-            case 'M':
-                element.valueM = ParseBufferedReal(value);
-                break;
-            case 'R':
-                element.valueR = ParseBufferedReal(value);
-                break;
-            case 'S':
-                element.symbolCode = ParseInteger(value);
-                break;
-            case 'U':
-                element.valueU = ParseBufferedReal(value);
-                break;
-            default:
-                break;  // X is reserved
+        if (key == 'K') {
+            state.lineElements.SetWorkingCode(value);
+        } else {
+            ReadLineValue(key, value, element);
         }
     }
 }

@@ -41,6 +41,18 @@ class CVKMLineReader {
         return LineResult::line;
     }
 
+    // For who reads a line where it stands: the characters ahead, of which the first start a line. None when
+    // the next line may have to be read by ReadLine.
+    std::string_view Ahead() const {
+        return linesToStep + 1 == linesPerProgressStep ? std::string_view() : inputFile.Ahead();
+    }
+    // Takes the next line, of a length without and with its line end.
+    void TakeAhead(size_t length, size_t withLineEnd) {
+        inputFile.Take(withLineEnd);
+        bytesRead += static_cast<uint32_t>(length) + 2;
+        ++linesToStep;
+    }
+
     // Lines read since construction, by every file; wraps as a 32-bit integer.
     int32_t LineCount() const { return static_cast<int32_t>(linesBefore + linesToStep); }
 

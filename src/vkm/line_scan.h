@@ -46,6 +46,40 @@ inline LineScan ScanLine(const char* text) {
     return {~blankBits, lineFeeds};
 }
 
+// Bit i: text[i] is a blank or a control character. Looks at 64 characters.
+inline uint64_t BlanksAndControls(const char* text) {
+    uint64_t found = 0;
+#if defined(__SSE2__)
+    const __m128i blank = _mm_set1_epi8(' ');
+    for (int i = 0; i < 64; i += 16) {
+        const __m128i block = _mm_loadu_si128(reinterpret_cast<const __m128i*>(text + i));
+        const int bits = _mm_movemask_epi8(_mm_cmpeq_epi8(_mm_min_epu8(block, blank), block));
+        found |= static_cast<uint64_t>(static_cast<uint32_t>(bits)) << i;
+    }
+#else
+    for (int i = 0; i < 64; ++i) {
+        found |= static_cast<uint64_t>(static_cast<unsigned char>(text[i]) <= ' ') << i;
+    }
+#endif
+    return found;
+}
+
+// Bit i: text[i] is the character. Looks at 64 characters.
+inline uint64_t PlacesOf(char wanted, const char* text) {
+    uint64_t found = 0;
+#if defined(__SSE2__)
+    const __m128i pattern = _mm_set1_epi8(wanted);
+    for (int i = 0; i < 64; i += 16) {
+        const __m128i block = _mm_loadu_si128(reinterpret_cast<const __m128i*>(text + i));
+        const int bits = _mm_movemask_epi8(_mm_cmpeq_epi8(block, pattern));
+        found |= static_cast<uint64_t>(static_cast<uint32_t>(bits)) << i;
+    }
+#else
+    for (int i = 0; i < 64; ++i) found |= static_cast<uint64_t>(text[i] == wanted) << i;
+#endif
+    return found;
+}
+
 // The first such character between from and end, or end. Looks at up to 16 characters behind end.
 inline const char* FindCharacter(char wanted, const char* from, const char* end) {
 #if defined(__SSE2__)

@@ -14,7 +14,4 @@ namespace vemrado {
 // line and false on a continuation line, which the single-line records parse again as a complete record.
 void DispatchRecord(CVKMReaderState& state, CVKMTokenizer line, uint32_t letter, bool start);
 
-// A text: with start its point and quoted text; key fields always.
-void ParseT(CVKMReaderState& state, CVKMTokenizer line, bool start);
-
 }  // namespace vemrado
