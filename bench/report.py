@@ -49,6 +49,16 @@ def generated(size):
     return path
 
 
+def mixed(size):
+    """A file of short lines of every length, made once."""
+    path = work / f"mixed-{size}.vkm"
+    if not path.exists():
+        partial = path.with_suffix(".partial")
+        run(programs / "bench_mixed_lines", size, partial)
+        partial.rename(path)
+    return path
+
+
 def imported(path, repeat):
     return json.loads(run(programs / "bench_import", "--json", "--repeat", repeat, path))
 
@@ -79,6 +89,13 @@ def measure_import(sizes):
             row(f"import, {size_text(size)}, time for a byte", f"{per_byte * 1e9:.3f} ns",
                 f"{size_text(sizes[0])}", f"{first * 1e9:.3f} ns", per_byte / first)
     return times
+
+
+def measure_mixed(size):
+    result = imported(mixed(size), 11)
+    megabytes = result["bytes"] / 1e6
+    row(f"import of short lines of every length, {size_text(size)}", f"{megabytes / result['import']:.0f} MB/s",
+        "line ends only", f"{megabytes / result['line_ends']:.0f} MB/s", result["ratio"])
 
 
 def measure_commands(times):
@@ -175,6 +192,7 @@ def main():
         sizes += [1 << 32, 5 << 30]
     times = measure_import(sizes)
     measure_threads(1 << 26)
+    measure_mixed(1 << 28)
     measure_commands(times)
     measure_sample()
     measure_parts()

@@ -1,8 +1,9 @@
 // Number conversions, the same on every system and in every locale.
 //
 // What fields of a file usually hold stands here, inline: an optional minus sign and up to seven digits on
-// either side of a full stop. Such a number is an integer over a power of ten, both exact in a double, so
-// that one division rounds it as it has to be. Everything else goes to ParseReal.
+// either side of a full stop. Such a number, with its places filled up to eight, is an integer over a power
+// of ten, both exact in a double, so that one division rounds it as it has to be. Everything else goes to
+// ParseReal.
 
 #pragma once
 
@@ -22,6 +23,19 @@ namespace numbers {
 constexpr size_t loadedBefore = 8;
 constexpr size_t loadedCharacters = 16;
 
+// A number of the form d{0,7}.d{0,7}: where its full stop stands and how many digits stand on either side. In
+// what has no full stop the counts are larger than any, having wrapped.
+struct PlainNumber {
+    const char* fullStop;
+    size_t whole;
+    size_t places;
+};
+
+// The place of the lowest bit, of which there must be one.
+inline size_t LowestBit(uint64_t bits) {
+    return static_cast<uint32_t>(__builtin_ctzll(bits));
+}
+
 #if defined(__SSE2__)
 
 static_assert(std::endian::native == std::endian::little, "the first character stands in the lowest byte");
@@ -30,11 +44,11 @@ static_assert(std::endian::native == std::endian::little, "the first character s
 // with it at once.
 constexpr size_t mostPlainDigits = 7;
 
-inline constexpr double powersOfTen[mostPlainDigits + 1] = {1e0, 1e1, 1e2, 1e3, 1e4, 1e5, 1e6, 1e7};
-
-// By a count, the mask of as many bytes at the end of eight.
+// By a count, the mask of as many bytes at the end and at the start of eight.
 inline constexpr uint64_t lastBytes[mostPlainDigits + 1] = {
     0, ~0ull << 56, ~0ull << 48, ~0ull << 40, ~0ull << 32, ~0ull << 24, ~0ull << 16, ~0ull << 8};
+inline constexpr uint64_t firstBytes[mostPlainDigits + 1] = {
+    0, ~0ull >> 56, ~0ull >> 48, ~0ull >> 40, ~0ull >> 32, ~0ull >> 24, ~0ull >> 16, ~0ull >> 8};
 
 // Bit i: text[i] is a full stop.
 inline uint32_t FullStops(const char* text) {
@@ -48,12 +62,12 @@ inline __m128i LoadHalves(const void* low, const void* high) {
     return _mm_castps_si128(_mm_loadh_pi(_mm_castsi128_ps(first), static_cast<const __m64*>(high)));
 }
 
-// The digits before two places, a count of each, as values from 0 to 9: at the end of their eight bytes with
-// zeros before them. What is no digit has a larger value.
-inline __m128i LoadDigits(const char* end, size_t count, const char* secondEnd, size_t secondCount) {
-    const __m128i characters = LoadHalves(end - 8, secondEnd - 8);
-    return _mm_and_si128(_mm_xor_si128(characters, _mm_set1_epi8('0')),
-                         LoadHalves(lastBytes + count, lastBytes + secondCount));
+// Two times eight characters as values from 0 to 9 where their mask is set, 0 elsewhere. What is no digit has
+// a larger value.
+inline __m128i LoadDigits(const char* low, const char* high, const uint64_t* lowMask,
+                          const uint64_t* highMask) {
+    const __m128i values = _mm_xor_si128(LoadHalves(low, high), _mm_set1_epi8('0'));
+    return _mm_and_si128(values, LoadHalves(lowMask, highMask));
 }
 
 inline bool AreDigits(__m128i values) {
@@ -73,57 +87,65 @@ inline __m128i JoinFours(__m128i first, __m128i second) {
     return _mm_madd_epi16(_mm_packs_epi32(first, second), _mm_set1_epi32(10000 + (1 << 16)));
 }
 
-// Two numbers at once, each of the form d{0,7}.d{0,7}; else false. loadedBefore characters before both texts
-// and loadedCharacters from their starts must be readable.
-[[gnu::always_inline]] inline bool ParsePlainPair(std::string_view firstText, std::string_view secondText,
+// What eight places behind a full stop count. Digits before it and these are together less than 2^53.
+constexpr double allPlaces = 1e8;
+
+// Two numbers at once; false when they are not plain. loadedBefore characters before both full stops and as
+// many behind must be readable.
+[[gnu::always_inline]] inline bool ParsePlainPair(const PlainNumber& one, const PlainNumber& other,
                                                   double& first, double& second) {
-    constexpr uint32_t none = 1u << loadedCharacters;
-    const auto whole = static_cast<uint32_t>(__builtin_ctz(FullStops(firstText.data()) | none));
-    const auto secondWhole = static_cast<uint32_t>(__builtin_ctz(FullStops(secondText.data()) | none));
-    // Without a full stop in the text these wrap.
-    const size_t places = firstText.size() - whole - 1;
-    const size_t secondPlaces = secondText.size() - secondWhole - 1;
-    if ((whole | secondWhole | places | secondPlaces) > mostPlainDigits) return false;
+    if ((one.whole | other.whole | one.places | other.places) > mostPlainDigits) return false;
+    const __m128i whole =
+        LoadDigits(one.fullStop - 8, other.fullStop - 8, lastBytes + one.whole, lastBytes + other.whole);
+    const __m128i places =
+        LoadDigits(one.fullStop + 1, other.fullStop + 1, firstBytes + one.places, firstBytes + other.places);
+    if (!AreDigits(_mm_max_epu8(whole, places))) return false;
 
-    const __m128i wholeDigits =
-        LoadDigits(firstText.data() + whole, whole, secondText.data() + secondWhole, secondWhole);
-    const __m128i placesDigits = LoadDigits(firstText.data() + firstText.size(), places,
-                                            secondText.data() + secondText.size(), secondPlaces);
-    if (!AreDigits(_mm_max_epu8(wholeDigits, placesDigits))) return false;
-
-    const __m128i parts = JoinFours(JoinDigits(wholeDigits), JoinDigits(placesDigits));
-    const __m128d wholes = _mm_cvtepi32_pd(parts);
-    const __m128d fractions = _mm_cvtepi32_pd(_mm_unpackhi_epi64(parts, parts));
-    const __m128d scales = _mm_castsi128_pd(LoadHalves(powersOfTen + places, powersOfTen + secondPlaces));
-    const __m128d values = _mm_div_pd(_mm_add_pd(_mm_mul_pd(wholes, scales), fractions), scales);
+    const __m128i parts = JoinFours(JoinDigits(whole), JoinDigits(places));
+    const __m128d scale = _mm_set1_pd(allPlaces);
+    const __m128d integers = _mm_add_pd(_mm_mul_pd(_mm_cvtepi32_pd(parts), scale),
+                                        _mm_cvtepi32_pd(_mm_unpackhi_epi64(parts, parts)));
+    const __m128d values = _mm_div_pd(integers, scale);
     first = _mm_cvtsd_f64(values);
     second = _mm_cvtsd_f64(_mm_unpackhi_pd(values, values));
     return true;
 }
 
-// One number of the form -{0,1}d{0,7}[.d{0,7}] with at least one digit; else false. As many characters must
-// be readable as for two, and one more behind.
+// The same of two texts, for each as ParsePlainReal.
+[[gnu::always_inline]] inline bool ParsePlainPair(std::string_view firstText, std::string_view secondText,
+                                                  double& first, double& second) {
+    const auto numberIn = [](std::string_view text) {
+        const size_t whole = LowestBit(FullStops(text.data()) | 1u << loadedCharacters);
+        return PlainNumber{text.data() + whole, whole, text.size() - whole - 1};
+    };
+    return ParsePlainPair(numberIn(firstText), numberIn(secondText), first, second);
+}
+
+// One number of the form -{0,1}d{0,7}[.d{0,7}] with at least one digit; else false. loadedBefore characters
+// before the text and loadedCharacters + 1 from its start must be readable.
 [[gnu::always_inline]] inline bool ParsePlainReal(const char* text, size_t length, double& value) {
     const bool negative = *text == '-';
     text += negative;
     length -= negative;
     if (length > 2 * mostPlainDigits + 1) return false;
-    const auto whole = static_cast<size_t>(__builtin_ctz(FullStops(text) | 1u << length));
+    const size_t whole = LowestBit(FullStops(text) | 1u << length);
     const size_t places = length - whole - (whole < length ? 1 : 0);
     if ((whole | places) > mostPlainDigits || (whole | places) == 0) return false;
-    const __m128i digits = LoadDigits(text + whole, whole, text + length, places);
+    const char* const fullStop = text + whole;
+    const __m128i digits = LoadDigits(fullStop - 8, fullStop + 1, lastBytes + whole, firstBytes + places);
     if (!AreDigits(digits)) return false;
     const __m128i fours = JoinDigits(digits);
     const __m128d parts = _mm_cvtepi32_pd(JoinFours(fours, fours));
-    const double scale = powersOfTen[places];
-    const double magnitude =
-        (_mm_cvtsd_f64(parts) * scale + _mm_cvtsd_f64(_mm_unpackhi_pd(parts, parts))) / scale;
-    value = negative ? -magnitude : magnitude;
+    const double integer = _mm_cvtsd_f64(parts) * allPlaces + _mm_cvtsd_f64(_mm_unpackhi_pd(parts, parts));
+    value = (negative ? -integer : integer) / allPlaces;
     return true;
 }
 
 #else
 
+inline bool ParsePlainPair(const PlainNumber&, const PlainNumber&, double&, double&) {
+    return false;
+}
 inline bool ParsePlainPair(std::string_view, std::string_view, double&, double&) {
     return false;
 }

@@ -64,18 +64,19 @@ inline uint64_t BlanksAndControls(const char* text) {
     return found;
 }
 
-// Bit i: text[i] is the character. Looks at 64 characters.
+// Bit i: text[i] is the character. Looks at count characters, up to 64.
+template <int count = 64>
 inline uint64_t PlacesOf(char wanted, const char* text) {
     uint64_t found = 0;
 #if defined(__SSE2__)
     const __m128i pattern = _mm_set1_epi8(wanted);
-    for (int i = 0; i < 64; i += 16) {
+    for (int i = 0; i < count; i += 16) {
         const __m128i block = _mm_loadu_si128(reinterpret_cast<const __m128i*>(text + i));
         const int bits = _mm_movemask_epi8(_mm_cmpeq_epi8(block, pattern));
         found |= static_cast<uint64_t>(static_cast<uint32_t>(bits)) << i;
     }
 #else
-    for (int i = 0; i < 64; ++i) found |= static_cast<uint64_t>(text[i] == wanted) << i;
+    for (int i = 0; i < count; ++i) found |= static_cast<uint64_t>(text[i] == wanted) << i;
 #endif
     return found;
 }

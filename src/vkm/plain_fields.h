@@ -25,7 +25,7 @@ class PlainFields {
   public:
     // Behind the line's mark.
     PlainFields(const char* line, size_t start)
-        : text(line), next(start), ends(BlanksAndControls(line) >> start << start) {}
+        : text(line), next(start), ends(BlanksAndControls(line) & ~LowBits(start)) {}
 
     // The next field. Empty at the line's end, and when the field ends behind the characters that were looked
     // at.
@@ -36,7 +36,7 @@ class PlainFields {
             }
         if (ends == 0) [[unlikely]]
             return Field();
-        const auto stop = static_cast<size_t>(__builtin_ctzll(ends));
+        const auto stop = numbers::LowestBit(ends);
         const Field field(text + next, stop - next);
         ends &= ends - 1;
         next = stop + 1;
@@ -45,10 +45,13 @@ class PlainFields {
 
     // The two numbers of a point, the second coordinate first. False for any other fields.
     [[gnu::always_inline]] bool TakePoint(double& x, double& y) {
+        const uint64_t fullStops = PlacesOf<scannedForFullStops>('.', text);
         const Field first = Take();
         if (!GoesOn()) return false;
         const Field second = Take();
-        return !second.empty() && numbers::ParsePlainPair(first, second, y, x);
+        const uint64_t others = fullStops & (fullStops - 1);
+        if (others == 0) return false;
+        return numbers::ParsePlainPair(NumberIn(first, fullStops), NumberIn(second, others), y, x);
     }
 
     // A quoted text. False when the next character is no quote character, or the text is not closed.
@@ -59,7 +62,7 @@ class PlainFields {
         const uint64_t closings =
             PlacesOf(text[next], text) & ofThisLine & LowBits(lastClosing + 1) & ~LowBits(next + 1);
         if (closings == 0) return false;
-        const auto stop = static_cast<size_t>(__builtin_ctzll(closings));
+        const auto stop = numbers::LowestBit(closings);
         quoted = Field(text + next + 1, stop - next - 1);
         next = stop + 2;
         ends &= ~LowBits(next);
@@ -82,6 +85,14 @@ class PlainFields {
     }
 
   private:
+    numbers::PlainNumber NumberIn(Field field, uint64_t fullStops) const {
+        const char* const fullStop = text + numbers::LowestBit(fullStops);
+        return {fullStop, static_cast<size_t>(fullStop - field.data()),
+                static_cast<size_t>(field.data() + field.size() - fullStop - 1)};
+    }
+
+    // Two numbers and what stands before them are shorter.
+    static constexpr int scannedForFullStops = 32;
     // So that what follows the text is within the 64 characters.
     static constexpr size_t lastClosing = 61;
     static constexpr size_t lastOpening = lastClosing;
