@@ -80,6 +80,25 @@ map::ElementKind MapFile::Next() {
     }
 }
 
+draw::Scene MapFile::MakeScene(draw::SceneOptions sceneOptions) {
+    draw::SceneBuilder builder(importer, std::move(sceneOptions));
+    try {
+        const ModuleCalls calls(*source, options, state);
+        while (true) {
+            if (++sinceProgress == elementsBetweenProgress) CheckStop();
+            const map::ElementKind kind = importer.Next();
+            if (kind == map::ElementKind::none) break;
+            builder.Take(kind);
+        }
+        if (client::StopRequested()) throw Failure(VKM_ERROR_STOPPED, "stopped", source->Name());
+        TellEnd();
+        return builder.Finish();
+    } catch (const CFileException& error) {
+        throw Failure(VKM_ERROR_READ, error.Reason(), source->Name(),
+                      static_cast<uint64_t>(importer.LineCount()) + 1);
+    }
+}
+
 void MapFile::CheckStop() {
     sinceProgress = 0;
     if (options.onProgress == nullptr) return;

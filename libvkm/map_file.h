@@ -6,6 +6,7 @@
 #include <memory>
 #include <string>
 
+#include "draw/scene_builder.h"
 #include "map/importer.h"
 #include "map/reading.h"
 #include "module_calls.h"
@@ -27,8 +28,11 @@ class MapFile {
     const map::MapLine& Line() const { return reading.Line(); }
     const map::MapText& Text() const { return reading.Text(); }
 
+    // The scene of the whole map, in place of Next.
+    draw::Scene MakeScene(draw::SceneOptions sceneOptions);
+
     bool Complete() const { return importer.Complete(); }
-    uint64_t BadBytes() const { return reading.ReplacedBytes(); }
+    uint64_t BadBytes() const { return reading.Decoder().ReplacedBytes(); }
     uint64_t LeftOut() const { return leftOut; }
     map::Importer& Importer() { return importer; }
 

@@ -318,8 +318,8 @@ typedef struct vkm_picture {
 
 VKM_API void vkm_picture_init(vkm_picture* picture);
 
-/* Draws the map as `vkm render` does. A file appears whole or not at all. SVG needs nothing beside this
- * library, PNG and PDF need libvkm-draw beside it (VKM_ERROR_UNSUPPORTED without it). */
+/* Draws the map as `vkm render` does. A file appears whole or not at all. A build without the cairo
+ * library makes SVG only; the other formats are VKM_ERROR_UNSUPPORTED there. */
 VKM_API vkm_status vkm_render(vkm_reader* reader, const vkm_picture* picture, const char* path,
                               vkm_error** error);
 VKM_API vkm_status vkm_render_to(vkm_reader* reader, const vkm_picture* picture, vkm_write write,
