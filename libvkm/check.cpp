@@ -1,6 +1,3 @@
-#include <cerrno>
-#include <system_error>
-
 #include "client/foreign_file.h"
 #include "client/input_file.h"
 #include "client/text_encoding.h"
@@ -72,11 +69,10 @@ class CallersSink : public map::FindingSink {
 };
 
 void Check(vkm_reader& reader, const map::RuleSet& rules, CallersSink& sink) {
-    errno = 0;
     std::unique_ptr<SourceFile> file;
     bool markSkipped = false;
     try {
-        file = OpenAsMap(*reader.source, &markSkipped);
+        file = OpenOrFail(*reader.source, &markSkipped);
     } catch (const client::ForeignFile& foreign) {
         std::string sentence = foreign.what();
         const std::string before = reader.source->Name() + ": ";
@@ -85,18 +81,10 @@ void Check(vkm_reader& reader, const map::RuleSet& rules, CallersSink& sink) {
             sink.Take({map::Rule::notVkm, {}, {}, {sentence, {}}, std::nullopt});
         return;
     }
-    if (!file)
-        throw Failure(VKM_ERROR_OPEN, std::generic_category().message(errno != 0 ? errno : ENOENT),
-                      reader.source->Name());
-    const auto read = [&](char* to, size_t count) {
-        const int64_t got = file->Read(to, count);
-        if (got < 0) throw Failure(VKM_ERROR_READ, "reading failed", reader.source->Name());
-        return static_cast<size_t>(got);
-    };
     map::CheckSettings settings;
     settings.rules = rules;
     settings.encoding = reader.options.encoding;
-    map::CheckMap(read, markSkipped, settings, sink);
+    map::CheckMap(BytesOf(*file, *reader.source), markSkipped, settings, sink);
 }
 
 }  // namespace

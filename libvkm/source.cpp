@@ -1,7 +1,9 @@
 #include "source.h"
 
 #include <algorithm>
+#include <cerrno>
 #include <cstdio>
+#include <system_error>
 
 #include "client/foreign_file.h"
 #include "client/input_file.h"
@@ -193,6 +195,24 @@ std::unique_ptr<SourceFile> OpenAsMap(Source& source, bool* markSkipped) {
     const size_t mark = start.starts_with(client::byteOrderMark) ? client::byteOrderMark.size() : 0;
     if (markSkipped != nullptr) *markSkipped = mark != 0;
     return std::make_unique<LookedAtFile>(std::move(file), std::move(start), mark);
+}
+
+std::unique_ptr<SourceFile> OpenOrFail(Source& source, bool* markSkipped) {
+    errno = 0;
+    std::unique_ptr<SourceFile> file = OpenAsMap(source, markSkipped);
+    if (file) return file;
+    const int reason = errno != 0                                                         ? errno
+                       : client::KindOfFile(source.Name()) == client::FileKind::directory ? EISDIR
+                                                                                          : ENOENT;
+    throw Failure(VKM_ERROR_OPEN, std::generic_category().message(reason), source.Name());
+}
+
+std::function<size_t(char*, size_t)> BytesOf(SourceFile& file, const Source& source) {
+    return [&file, &source](char* to, size_t count) {
+        const int64_t got = file.Read(to, count);
+        if (got < 0) throw Failure(VKM_ERROR_READ, "reading failed", source.Name());
+        return static_cast<size_t>(got);
+    };
 }
 
 }  // namespace vemrado::capi

@@ -4,6 +4,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <string>
 
@@ -50,6 +51,12 @@ std::shared_ptr<Source> CallersSource(const vkm_source& source, const char* name
 // Opens a source after a look at its start: what is no map is told by client::ForeignFile, a byte order mark
 // is passed over. Null as for Source::Open.
 std::unique_ptr<SourceFile> OpenAsMap(Source& source, bool* markSkipped = nullptr);
+
+// The same for readers that do not go through the module: throws Failure when it cannot be opened.
+std::unique_ptr<SourceFile> OpenOrFail(Source& source, bool* markSkipped = nullptr);
+
+// Its bytes for the checked reading; throws Failure when reading fails. Both outlive it.
+std::function<size_t(char*, size_t)> BytesOf(SourceFile& file, const Source& source);
 
 // A table of the symbology where the module's own way to files does not take every name; null: it does.
 std::unique_ptr<SourceFile> OpenTable(const char* path);
