@@ -7,7 +7,7 @@ include(CMakePackageConfigHelpers)
 set(package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/vemrado)
 
 install(DIRECTORY include/vemrado DESTINATION ${CMAKE_INSTALL_INCLUDEDIR} COMPONENT development
-  FILES_MATCHING PATTERN "*.h")
+  FILES_MATCHING PATTERN "*.h" PATTERN "*.hpp")
 foreach(library framework zrv320 zrvDX320)
   install(FILES host/${library}/${library}.h DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/vemrado/host/${library}
     COMPONENT development)
@@ -17,6 +17,11 @@ endforeach()
 install(TARGETS Vemrado VemradoFramework zrv320 zrvDX320 EXPORT vemrado
   RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT library
   LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT library
+  ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT development)
+
+install(TARGETS libvkm EXPORT vemrado
+  RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT library
+  LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT library NAMELINK_COMPONENT development
   ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT development)
 
 if(TARGET vkm)
@@ -41,15 +46,15 @@ install(FILES ${CMAKE_CURRENT_BINARY_DIR}/vemradoConfig.cmake ${CMAKE_CURRENT_BI
 
 # The paths in the pkg-config files are relative to where these lie, so that an installation can be moved.
 file(RELATIVE_PATH prefix_from_pkgconfig ${CMAKE_INSTALL_FULL_LIBDIR}/pkgconfig ${CMAKE_INSTALL_PREFIX})
-foreach(name vemrado vemrado-host)
+foreach(name vemrado vemrado-host vkm)
   configure_file(cmake/${name}.pc.in ${CMAKE_CURRENT_BINARY_DIR}/${name}.pc @ONLY)
   install(FILES ${CMAKE_CURRENT_BINARY_DIR}/${name}.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig
     COMPONENT development)
 endforeach()
 
 # Everything that is installed, and nothing else: what has to be built before packing.
-add_custom_target(distribution DEPENDS Vemrado VemradoFramework zrv320 zrvDX320)
-foreach(target vkm vkm_documents vkm_convert ogr_VKM VemradoForeignImportLibrary)
+add_custom_target(distribution DEPENDS Vemrado VemradoFramework zrv320 zrvDX320 libvkm)
+foreach(target vkm vkm_documents vkm_convert ogr_VKM VemradoForeignImportLibrary libvkmForeignImportLibrary)
   if(TARGET ${target})
     add_dependencies(distribution ${target})
   endif()

@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Checks the documents: the C++ code in them stands word for word in samples/, and links lead somewhere.
+"""Checks the documents: the C and C++ code in them stands word for word in samples/, and links lead somewhere.
 
 check_documents.py ROOT
 """
@@ -11,7 +11,7 @@ import textwrap
 
 root = pathlib.Path(sys.argv[1])
 documents = [*root.glob("*.md"), *root.glob("docs/**/*.md")]
-samples = [path.read_text() for path in root.glob("samples/*.cpp")]
+samples = [path.read_text() for path in root.glob("samples/*.c*")]
 faults = []
 
 
@@ -26,7 +26,7 @@ def anchors(document):
 for document in documents:
     name = document.relative_to(root)
     text = document.read_text()
-    for code in re.findall(r"^```cpp\n(.*?)^```", text, flags=re.M | re.S):
+    for code in re.findall(r"^```(?:cpp|c)\n(.*?)^```", text, flags=re.M | re.S):
         if not any(code in sample or textwrap.dedent(code) in sample for sample in samples):
             faults.append(f"{name}: not in samples/:\n{code}")
     for link in re.findall(r"\]\(([^)\s]+)\)", text):

@@ -36,9 +36,15 @@ layer 3: line to 1043007.50 740090.00")
 set(small ${SOURCE}/samples/small.vkm)
 
 expect("" ${CMAKE_COMMAND} -S ${SOURCE}/samples -B ${WORK}/samples -G ${GENERATOR} -DCMAKE_PREFIX_PATH=${prefix}
-  -DCMAKE_CXX_COMPILER=${COMPILER} "-DCMAKE_CXX_FLAGS=-Wall -Wextra -Wpedantic -Werror")
+  -DCMAKE_CXX_COMPILER=${COMPILER} "-DCMAKE_CXX_FLAGS=-Wall -Wextra -Wpedantic -Werror"
+  "-DCMAKE_C_FLAGS=-Wall -Wextra -Wpedantic -Werror")
 expect("" ${CMAKE_COMMAND} --build ${WORK}/samples)
 expect("${read_map_output}" ${WORK}/samples/read_map ${small})
+set(elements_output "layer 1: 4 points to -740020.00 -1043010.00
+layer 7: 114/2
+layer 3: 3 points to -740090.00 -1043007.50")
+expect("${elements_output}" ${WORK}/samples/elements ${small})
+expect("${elements_output}" ${WORK}/samples/elements_c ${small})
 expect("2 lines, 1 texts" ${WORK}/samples/load_module ${prefix}/lib/libVemrado.so ${small})
 expect("import: absent.vkm.*garden.vkm: 2\nabsent.vkm: -1\njob 1: 2\nno such element" ${WORK}/samples/host_services)
 
@@ -53,6 +59,13 @@ expect("" pkg-config --cflags --libs vemrado)
 separate_arguments(flags UNIX_COMMAND "${output}")
 expect("" ${COMPILER} ${SOURCE}/samples/read_map.cpp -o ${WORK}/read_map ${flags} -Wl,-rpath,${prefix}/lib)
 expect("${read_map_output}" ${WORK}/read_map ${small})
+expect("" pkg-config --cflags --libs vkm)
+separate_arguments(flags UNIX_COMMAND "${output}")
+foreach(standard 17 20)
+  expect("" ${COMPILER} -std=c++${standard} -Wall -Wextra -Wpedantic -Wconversion -Wshadow -Werror
+    ${SOURCE}/samples/elements.cpp -o ${WORK}/elements ${flags} -Wl,-rpath,${prefix}/lib)
+  expect("${elements_output}" ${WORK}/elements ${small})
+endforeach()
 expect("" pkg-config --cflags --libs vemrado-host)
 separate_arguments(flags UNIX_COMMAND "${output}")
 expect("" ${COMPILER} ${SOURCE}/samples/host_services.cpp -o ${WORK}/host_services ${flags}

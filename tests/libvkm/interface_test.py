@@ -3,6 +3,8 @@
 
 import ctypes
 import pathlib
+import re
+import subprocess
 import sys
 import threading
 import unittest
@@ -12,6 +14,7 @@ from vkm import byref
 
 LIBRARY = vkm.Library(sys.argv[1])
 DATA = pathlib.Path(sys.argv[2])
+ROOT = DATA.parent
 TOWN = str(DATA / "sample-town.vkm").encode()
 HEAD = b"&R 0 0 0 0 1000\n"
 TURN = b"&U 1\n&L P 0 0 K=10 S=101\nL 10 0\nL 10 10 K=11\nL 0 10 U=50\nP 99 99\n"
@@ -19,7 +22,11 @@ MAP = HEAD + TURN + '&U 2\n&T 5 5 "Dobřštice" K=7 H=2\n&K\n'.encode("cp1250")
 NO_RELEASE = vkm.Release()
 
 
+KEPT = []  # memory of sources is not copied
+
+
 def opened(data=MAP, **options):
+    KEPT.append(data)
     return LIBRARY.call("vkm_open_memory", data, len(data), b"m.vkm", LIBRARY.options(**options), NO_RELEASE, None)
 
 
@@ -222,6 +229,58 @@ class Symbology(unittest.TestCase):
         self.assertGreater(style.width, 0)
         self.assertEqual(LIBRARY.call("vkm_get_line_style", reader, -77, byref(style)), 2)
         LIBRARY.lib.vkm_close(reader)
+
+
+class Engines(unittest.TestCase):
+    """The same answers as the commands give."""
+
+    def test_draws(self):
+        reader = opened()
+        picture = vkm.Picture()
+        LIBRARY.lib.vkm_picture_init(byref(picture))
+        picture.format, picture.title, picture.legend = b"svg", "Dobřštice".encode(), 1
+        parts = []
+        write = vkm.Write(lambda _, bytes, length: parts.append(ctypes.string_at(bytes, length)) or 0)
+        LIBRARY.call("vkm_render_to", reader, byref(picture), write, None)
+        self.assertTrue(b"".join(parts).startswith(b"<?xml") and "Dobřštice" in b"".join(parts).decode())
+        refuse = vkm.Write(lambda _, bytes, length: 1)
+        for form, function, status in [(b"svg", refuse, -5), (b"gif", write, -1)]:
+            picture.format = form
+            with self.assertRaises(vkm.Failed) as failed:
+                LIBRARY.call("vkm_render_to", reader, byref(picture), function, None)
+            self.assertEqual(failed.exception.status, status)
+        LIBRARY.lib.vkm_close(reader)
+
+    def test_finds_what_is_wrong(self):
+        reader = opened(MAP.replace(b"L 10 10", b"L 10 10x"))
+        found = []
+        keep = vkm.OnFinding(lambda _, f: found.append((f[0].rule, f[0].line, f[0].column, f[0].field)) or 0)
+        LIBRARY.call("vkm_check", reader, None, keep, None)
+        self.assertIn((b"number-cut", 5, 6, b"10x"), found)
+        stop = vkm.OnFinding(lambda _, f: 1)
+        with self.assertRaises(vkm.Failed) as failed:
+            LIBRARY.call("vkm_check", reader, None, stop, None)
+        self.assertEqual(failed.exception.status, -6)
+        LIBRARY.lib.vkm_close(reader)
+
+    def test_tells_changes(self):
+        old, new = opened(), opened(MAP.replace(b"K=7", b"K=8"))
+        told = []
+        keep = vkm.OnChange(lambda _, c: told.append((c[0].change, c[0].kind, c[0].layer, c[0].old_line)) or 0)
+        LIBRARY.call("vkm_diff", old, new, None, keep, None)
+        self.assertEqual(told, [(b"changed", b"text", 2, 9)])
+        LIBRARY.lib.vkm_close(old)
+        LIBRARY.lib.vkm_close(new)
+
+
+class Exports(unittest.TestCase):
+    def test_are_those_of_the_list_and_of_the_header(self):
+        listed = (ROOT / "libvkm/exports.txt").read_text().split()
+        names = subprocess.run(["nm", "-D", "--defined-only", sys.argv[1]], capture_output=True, text=True, check=True)
+        self.assertEqual(sorted(re.findall(r" T (\w+)@@VKM_1", names.stdout)), listed)
+        self.assertEqual(len(re.findall(r" [A-Z] ", names.stdout)), len(listed) + 1)  # and the version itself
+        header = (ROOT / "include/vemrado/vkm.h").read_text()
+        self.assertEqual(sorted(re.findall(r"^VKM_API[^;(]*?(vkm_\w+)\(", header, flags=re.M)), listed)
 
 
 if __name__ == "__main__":

@@ -101,6 +101,50 @@ class LineStyle(ctypes.Structure):
     ]
 
 
+class Picture(ctypes.Structure):
+    _fields_ = [
+        ("size", c_size_t),
+        ("format", c_char_p),
+        ("width", c_int32),
+        ("dpi", c_double),
+        ("legend", c_int32),
+        ("title", c_char_p),
+        ("box", POINTER(c_double)),
+        ("symbols", c_int32),
+    ]
+
+
+class Finding(ctypes.Structure):
+    _fields_ = [
+        ("rule", c_char_p),
+        ("severity", c_int32),
+        ("file", c_char_p),
+        ("line", c_uint64),
+        ("column", c_uint64),
+        ("message", c_char_p),
+        ("field", c_char_p),
+        ("has_point", c_int32),
+        ("point", c_double * 2),
+    ]
+
+
+class Change(ctypes.Structure):
+    _fields_ = [
+        ("change", c_char_p),
+        ("kind", c_char_p),
+        ("layer", c_int32),
+        ("old_line", c_uint64),
+        ("new_line", c_uint64),
+        ("old_json", c_char_p),
+        ("new_json", c_char_p),
+    ]
+
+
+Write = ctypes.CFUNCTYPE(c_int32, c_void_p, c_void_p, c_size_t)
+OnFinding = ctypes.CFUNCTYPE(c_int32, c_void_p, POINTER(Finding))
+OnChange = ctypes.CFUNCTYPE(c_int32, c_void_p, POINTER(Change))
+
+
 class ArrowSchema(ctypes.Structure):
     pass
 
@@ -253,6 +297,9 @@ class Library:
         lib.vkm_get_header.argtypes = [c_void_p, POINTER(Header), POINTER(c_void_p)]
         lib.vkm_get_line_style.argtypes = [c_void_p, c_int32, POINTER(LineStyle), POINTER(c_void_p)]
         lib.vkm_line_codes.argtypes = [c_void_p, POINTER(POINTER(c_int32)), POINTER(c_size_t), POINTER(c_void_p)]
+        lib.vkm_render_to.argtypes = [c_void_p, POINTER(Picture), Write, c_void_p, POINTER(c_void_p)]
+        lib.vkm_check.argtypes = [c_void_p, c_void_p, OnFinding, c_void_p, POINTER(c_void_p)]
+        lib.vkm_diff.argtypes = [c_void_p, c_void_p, c_void_p, OnChange, c_void_p, POINTER(c_void_p)]
         lib.vkm_stream.argtypes = [c_void_p, c_int32, POINTER(ArrowStream), POINTER(c_void_p)]
 
     def options(self, **members):
