@@ -1,4 +1,5 @@
-# What cpack makes: archives that unpack anywhere, and Debian packages. scripts/package runs it and tries the results.
+# What cpack makes: archives that unpack anywhere, and Debian packages. scripts/package runs it, finishes the Debian
+# packages and tries the results. A new package is a component: one call of vemrado_component below.
 
 set(CPACK_PACKAGE_NAME vemrado)
 set(CPACK_PACKAGE_VENDOR "Vemrado")
@@ -15,36 +16,74 @@ else()
 endif()
 
 # One archive, but a Debian package for each kind of user.
-set(CPACK_COMPONENTS_ALL programs library development)
-if(TARGET ogr_VKM)
-  list(APPEND CPACK_COMPONENTS_ALL gdal)
-endif()
+set(CPACK_COMPONENTS_ALL)
 set(CPACK_ARCHIVE_COMPONENT_INSTALL OFF)
 set(CPACK_DEB_COMPONENT_INSTALL ON)
 set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS ${CMAKE_LIBRARY_OUTPUT_DIRECTORY})
 set(CPACK_DEBIAN_PACKAGE_HOMEPAGE "")
+set(CPACK_DEBIAN_PACKAGE_PRIORITY optional)
 
-set(exactly_this "libvemrado (= ${PROJECT_VERSION})")
-set(CPACK_DEBIAN_PROGRAMS_PACKAGE_NAME vemrado)
-set(CPACK_DEBIAN_PROGRAMS_PACKAGE_SECTION science)
-set(CPACK_DEBIAN_PROGRAMS_PACKAGE_DEPENDS "${exactly_this}, fonts-dejavu-core")
+find_program(GZIP gzip)
+
+# vemrado_component(COMPONENT PACKAGE SECTION SUMMARY DESCRIPTION [DEPENDS ...] [RECOMMENDS ...] [ENHANCES ...])
+#
+# The Debian package of what is installed with this component. A package is found by its users through the first line of
+# the description; every package carries its copyright and changelog.
+function(vemrado_component component package section summary description)
+  cmake_parse_arguments(ARG "" "DEPENDS;RECOMMENDS;ENHANCES" "" ${ARGN})
+  string(TOUPPER ${component} name)
+  set(CPACK_COMPONENTS_ALL ${CPACK_COMPONENTS_ALL} ${component} PARENT_SCOPE)
+  set(CPACK_DEBIAN_${name}_PACKAGE_NAME ${package} PARENT_SCOPE)
+  set(CPACK_DEBIAN_${name}_PACKAGE_SECTION ${section} PARENT_SCOPE)
+  set(CPACK_COMPONENT_${name}_DESCRIPTION "${summary}\n${description}" PARENT_SCOPE)
+  foreach(relation DEPENDS RECOMMENDS ENHANCES)
+    if(ARG_${relation})
+      set(CPACK_DEBIAN_${name}_PACKAGE_${relation} "${ARG_${relation}}" PARENT_SCOPE)
+    endif()
+  endforeach()
+  if(WIN32 OR NOT GZIP)
+    return()
+  endif()
+  set(documents ${CMAKE_INSTALL_DATADIR}/doc/${package})
+  set(changelog ${CMAKE_BINARY_DIR}/share/doc/changelog.gz)
+  if(NOT EXISTS ${changelog})
+    file(MAKE_DIRECTORY ${CMAKE_BINARY_DIR}/share/doc)
+    execute_process(COMMAND ${GZIP} -9nc ${PROJECT_SOURCE_DIR}/cmake/debian/changelog OUTPUT_FILE ${changelog})
+  endif()
+  install(FILES ${PROJECT_SOURCE_DIR}/cmake/debian/copyright ${changelog} DESTINATION ${documents}
+    COMPONENT ${component})
+  set(overrides ${PROJECT_SOURCE_DIR}/cmake/debian/${package}.lintian-overrides)
+  if(EXISTS ${overrides})
+    install(FILES ${overrides} DESTINATION ${CMAKE_INSTALL_DATADIR}/lintian/overrides RENAME ${package}
+      COMPONENT ${component})
+  endif()
+endfunction()
+
+set(exactly_this "libvemrado1 (= ${PROJECT_VERSION})")
 if(TARGET ogr_VKM)
-  set(CPACK_DEBIAN_PROGRAMS_PACKAGE_RECOMMENDS vemrado-gdal)
+  set(recommends RECOMMENDS vemrado-gdal)
 endif()
-set(CPACK_COMPONENT_PROGRAMS_DESCRIPTION "The command line for VKM cadastral map files, with documents and sample maps")
-set(CPACK_DEBIAN_LIBRARY_PACKAGE_NAME libvemrado)
-set(CPACK_DEBIAN_LIBRARY_PACKAGE_SECTION libs)
-set(CPACK_COMPONENT_LIBRARY_DESCRIPTION "The import module for VKM cadastral map files, with the sample symbology")
-set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_NAME libvemrado-dev)
-set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_SECTION libdevel)
-set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_DEPENDS "${exactly_this}")
-set(CPACK_COMPONENT_DEVELOPMENT_DESCRIPTION "Headers of the import module for VKM cadastral map files")
-set(CPACK_DEBIAN_GDAL_PACKAGE_NAME vemrado-gdal)
-set(CPACK_DEBIAN_GDAL_PACKAGE_SECTION science)
-set(CPACK_DEBIAN_GDAL_PACKAGE_DEPENDS "${exactly_this}")
-set(CPACK_DEBIAN_GDAL_PACKAGE_ENHANCES gdal-bin)
-set(CPACK_COMPONENT_GDAL_DESCRIPTION "The GDAL vector driver for VKM cadastral map files, and the converter of the command line")
+vemrado_component(programs vemrado science
+  "Command line for VKM cadastral map files"
+  "VKM is a text format in which sheets of digital cadastral maps are exchanged.\nThe program vkm says what is in such files, checks them, lists their elements\nas JSON, draws them as maps and converts them. Documents and sample maps come\nwith it."
+  DEPENDS "${exactly_this}, fonts-dejavu-core" ${recommends})
+vemrado_component(library libvemrado1 libs
+  "Import module for VKM cadastral map files"
+  "VKM is a text format in which sheets of digital cadastral maps are exchanged.\nSurveying and mapping programs load this library to read such files element by\nelement, with colours, line types and symbols. A sample symbology comes with it.")
+vemrado_component(development libvemrado-dev libdevel
+  "Headers of the import module for VKM cadastral map files"
+  "What programmers need to build programs that read VKM files, the text exchange\nformat of digital cadastral maps: headers, and the files by which CMake and\npkg-config find the library."
+  DEPENDS "${exactly_this}")
+if(TARGET ogr_VKM)
+  vemrado_component(gdal vemrado-gdal science
+    "GDAL vector driver for VKM cadastral map files"
+    "With this driver QGIS, ogr2ogr and every other program that reads through GDAL\nopens VKM files, the text exchange format of digital cadastral maps. The\nconverter of the command line comes with it."
+    DEPENDS "${exactly_this}" ENHANCES gdal-bin)
+endif()
+
+set(CPACK_DEBIAN_LIBRARY_PACKAGE_CONTROL_EXTRA "${PROJECT_SOURCE_DIR}/cmake/debian/triggers")
+set(CPACK_DEBIAN_PACKAGE_CONTROL_STRICT_PERMISSION ON)
 
 include(CPack)

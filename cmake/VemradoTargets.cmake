@@ -17,7 +17,9 @@ endif()
 
 # RUNPATH, not RPATH: a host's own libraries of the same names can be put first with LD_LIBRARY_PATH.
 set(CMAKE_BUILD_RPATH_USE_ORIGIN ON)
-if(NOT WIN32)
+if(WIN32)
+  add_link_options(LINKER:--no-insert-timestamp)  # the same bytes from the same sources
+else()
   add_link_options(LINKER:--enable-new-dtags)
 endif()
 
@@ -30,6 +32,13 @@ endif()
 if(CMAKE_CXX_COMPILER_ID STREQUAL GNU AND NOT WIN32)
   # A library with such symbols, which come from inside the standard library's templates, is never unloaded.
   add_compile_options(-fno-gnu-unique)
+endif()
+
+if(VEMRADO_HARDEN)
+  add_compile_options(-fstack-protector-strong -fcf-protection -U_FORTIFY_SOURCE -D_FORTIFY_SOURCE=2)
+  add_link_options(LINKER:-z,relro LINKER:-z,now)
+  # The same bytes whatever folder the project is built in.
+  add_compile_options(-ffile-prefix-map=${PROJECT_SOURCE_DIR}=. -ffile-prefix-map=${CMAKE_BINARY_DIR}=build)
 endif()
 
 if(VEMRADO_SANITIZE)
