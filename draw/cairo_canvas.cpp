@@ -203,6 +203,16 @@ void CairoCanvas::Text(const std::string& text, Point at, const TextStyle& style
     cairo_translate(cairo.get(), at.x, at.y);
     cairo_rotate(cairo.get(), -Radians(style.rotation));
     cairo_set_font_size(cairo.get(), style.height / CapitalsPerEm);
+    // In small letters a halo is grey and costs more than the letters.
+    if (style.halo && style.height > 6 * resolution) {
+        cairo_move_to(cairo.get(), left, down);
+        cairo_text_path(cairo.get(), text.c_str());
+        cairo_set_source_rgb(cairo.get(), 1, 1, 1);
+        cairo_set_line_width(cairo.get(), 2 * haloWidth * style.height / CapitalsPerEm);
+        cairo_set_dash(cairo.get(), nullptr, 0, 0);
+        cairo_stroke(cairo.get());
+        SetColour(style.colour);
+    }
     cairo_move_to(cairo.get(), left, down);
     cairo_show_text(cairo.get(), text.c_str());
     cairo_restore(cairo.get());

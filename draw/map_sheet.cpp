@@ -160,7 +160,9 @@ void MapSheet::DrawLayer(Canvas& canvas, const Layer& layer) const {
     for (const PlacedText& text : layer.texts) {
         // A number that the edge cuts would read as another number.
         if (options.box && !Holds(ground, scene.ExtentOf(text))) continue;
-        canvas.Text(text.text, OnPaper(text.point), text.style);
+        TextStyle style = text.style;
+        style.halo = true;
+        canvas.Text(text.text, OnPaper(text.point), style);
     }
 }
 

@@ -30,8 +30,10 @@ struct TextStyle {
     Across across = Across::left;
     Upright upright = Upright::baseline;
     uint32_t colour = 0;
+    bool halo = false;  // white around the letters, so that they can be read on lines
 };
 
+constexpr double haloWidth = 0.12;  // em, on each side of a letter's strokes
 constexpr double CapitalsPerEm = 0.729;  // height of a capital letter in DejaVu Sans and Serif
 const char* FontFamily(const Font& font);
 

@@ -149,6 +149,7 @@ void SvgCanvas::BeginDrawing() {
     Put("<style>\npath, use { fill: none; stroke-linejoin: round; stroke-linecap: round }\n");
     Put("text { font-family: 'DejaVu Sans', sans-serif; white-space: pre }\n");
     Put(".serif { font-family: 'DejaVu Serif', serif }\n");
+    Put(".halo { stroke: #ffffff; stroke-width: 0.24em; stroke-linejoin: round; paint-order: stroke }\n");
     Put(styles);
     Put("</style>\n<defs>\n");
     Put(symbols);
@@ -231,7 +232,11 @@ void SvgCanvas::Symbol(const SymbolShape& shape, Point at, double scale, double 
 void SvgCanvas::Text(const std::string& text, Point at, const TextStyle& style) {
     BeginDrawing();
     Put("<text");
-    if (style.font.serif) Put(" class=\"serif\"");
+    if (style.font.serif || style.halo) {
+        Put(" class=\"");
+        Put(style.halo && style.font.serif ? "serif halo" : style.halo ? "halo" : "serif");
+        Put("\"");
+    }
     if (style.font.bold) Put(" font-weight=\"bold\"");
     if (style.font.italic) Put(" font-style=\"italic\"");
     if (style.across != Across::left) {

@@ -22,7 +22,7 @@ expect("" ${CMAKE_COMMAND} --install ${BUILD} --prefix ${WORK}/first)
 file(RENAME ${WORK}/first ${WORK}/moved)
 set(prefix ${WORK}/moved)
 
-foreach(file include/vemrado/vkm_interface.h share/man/man1/vkm.1 share/bash-completion/completions/vkm
+foreach(file include/vemrado/vkm_interface.h share/man/man1/vkm.1.gz share/bash-completion/completions/vkm
     share/vemrado/symbology/VKMSym/WKOKES.SYM share/vemrado/maps/sample-town.vkm)
   if(NOT EXISTS ${prefix}/${file})
     message(FATAL_ERROR "${file} is not installed")

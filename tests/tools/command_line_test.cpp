@@ -210,5 +210,67 @@ TEST(CommandLine, ManualAndCompletionKnowEveryOption) {
     EXPECT_GE(count, 3) << all;
 }
 
+TEST(CommandLine, CompletionOffersValues) {
+    const TestFolder folder;
+    const std::string completion = folder.Add("vkm.bash", RunVkm({"generate", "bash-completion"}).output);
+    const struct {
+        std::string words;
+        std::string offered;
+    } cases[] = {
+        {"render --format s", "svg"}, {"convert --layers points,te", "points,texts"},
+        {"render --dpi 9", "96"},     {"dump -e a", "auto"},
+        {"render --title R", ""},     {"help par", "parcels"},
+    };
+    for (const auto& test : cases) {
+        const std::string script = folder.Add(
+            "try.bash", "compopt() { :; }\ncd " + folder.Path("") + "; touch Readme\nsource " + completion +
+                            "\nCOMP_WORDS=(vkm " + test.words +
+                            ")\nCOMP_CWORD=$((${#COMP_WORDS[@]} - 1))\n_vkm\n[[ \"${COMPREPLY[*]}\" == \"" +
+                            test.offered + "\" ]]\n");
+        EXPECT_EQ(std::system(("bash " + script).c_str()), 0) << test.words;
+    }
+    for (const char* shell : {"zsh-completion", "fish-completion"}) {
+        const std::string text = RunVkm({"generate", shell}).output;
+        for (const char* part : {"parcels", "windows-1250", "no-symbols"})
+            EXPECT_NE(text.find(part), std::string::npos) << shell << ' ' << part;
+    }
+}
+
+TEST(CommandLine, SpeaksTheUsersLanguage) {
+    const TestFolder folder;
+    const std::string map = folder.Add("map.vkm", cutMap);
+    const RunResult czech = RunVkm({"help", "render"}, {.environment = "VEMRADO_COUNTRY=0"});
+    EXPECT_NE(czech.output.find("Nakreslí soubor jako mapu"), std::string::npos) << czech.output;
+    EXPECT_NE(czech.output.find("Vynechá značky"), std::string::npos) << czech.output;
+    const RunResult german = RunVkm({"info", map}, {.environment = "VEMRADO_COUNTRY=de"});
+    EXPECT_NE(german.errors.find("unvollständig: der Schlusssatz"), std::string::npos) << german.errors;
+    const RunResult manual = RunVkm({"generate", "man"}, {.environment = "VEMRADO_COUNTRY=0"});
+    EXPECT_NE(manual.output.find("Vypíše parcely"), std::string::npos);
+}
+
+// Two parcels side by side, the second without a number and with a free end beside it.
+TEST(Parcels, AreListedWithAreasAndNeighbours) {
+    const std::string map =
+        "&U 1\n&L P 0 0\nL 10 0\nL 10 20\nL 0 20\nL 0 0\n&L P 10 0\nL 40 0\nL 40 20\nL 10 20\n&L P 40 0\nL "
+        "50 0\n"
+        "&U 2\n&T 5 5 '12/3'\n&K\n";
+    const struct {
+        std::vector<std::string> arguments;
+        std::string output;
+    } cases[] = {
+        {{"parcels", "-", "--csv"}, "number,area,neighbours\n12/3,200.00,?\n,600.00,12/3\n"},
+        {{"parcels", "-"},
+         "2 parcels\n      number      area (m2)  neighbours\n        12/3         200.00  ?\n"},
+        {{"parcels", "-", "--json"}, "\"neighbours\": [\n      null\n"},
+    };
+    for (const auto& test : cases) {
+        const RunResult run = RunVkm(test.arguments, {.input = map});
+        EXPECT_EQ(run.exitCode, 0);
+        EXPECT_NE(run.output.find(test.output), std::string::npos) << run.output;
+        EXPECT_NE(run.errors.find("1 free ends of boundaries"), std::string::npos) << run.errors;
+        EXPECT_NE(run.errors.find("1 parcels without a number"), std::string::npos) << run.errors;
+    }
+}
+
 }  // namespace
 }  // namespace vemrado_test

@@ -123,6 +123,21 @@ TEST(Render, StaysSmallWhereAPointIsFarAway) {
     EXPECT_TRUE(Holds(FileBytes(folder.Path("part.svg")), ">743040</text>"));
 }
 
+TEST(Render, DrawsSheetsSideBySide) {
+    const TestFolder folder;
+    folder.Add("west.vkm", "&U 1\n&L P 0 0 K=21900\nL 0 10\n&K\n");
+    folder.Add("east.vkm", "&U 1\n&L P 10 0 K=21900\nL 10 10\n&K\n");
+    const std::string picture = folder.Path("both.svg");
+    const RunResult run = RunVkm({"render", folder.Path(""), "-o", picture});
+    EXPECT_EQ(run.exitCode, 0) << run.errors;
+    const std::string svg = FileBytes(picture);
+    EXPECT_TRUE(Holds(svg, "width=\"16mm\" height=\"16mm\"")) << svg;
+    EXPECT_NE(svg.find("class=\"line-21900\""), svg.rfind("class=\"line-21900\""));
+    folder.Add("worse.vkm", "no map");
+    EXPECT_EQ(RunVkm({"render", folder.Path(""), "-o", picture}).exitCode, 1);
+    EXPECT_EQ(FileBytes(picture), svg);
+}
+
 TEST(Render, DrawsWithoutSymbologyAndSaysSoInTheHostsLanguage) {
     const TestFolder folder;
     const std::string map = folder.Add("map.vkm", smallMap);

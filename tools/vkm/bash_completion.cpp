@@ -1,25 +1,11 @@
 #include <string>
 #include <vector>
 
-#include "help_format.h"
+#include "completion_words.h"
 #include "manual.h"
-#include "program.h"
 
 namespace vemrado::tools {
 namespace {
-
-std::vector<std::string> NamesOf(const CLI::Option& option) {
-    std::vector<std::string> names;
-    for (const std::string& name : option.get_snames()) names.push_back("-" + name);
-    for (const std::string& name : option.get_lnames()) names.push_back("--" + name);
-    return names;
-}
-
-std::string Joined(const std::vector<std::string>& words, const char* separator) {
-    std::string text;
-    for (const std::string& word : words) text.append(text.empty() ? "" : separator).append(word);
-    return text;
-}
 
 // Names of all options of a command, as words.
 std::string OptionWords(const CLI::App& app) {
@@ -29,15 +15,25 @@ std::string OptionWords(const CLI::App& app) {
             if (name.size() > 2 || option->get_lnames().empty()) words.push_back(name);
         }
     }
-    return Joined(words, " ");
+    return JoinedWords(words, " ");
 }
 
-// What completes the value of an option: its choices, directories or files.
+// What completes the value of an option. The words of a list are completed one by one.
 std::string ValueCompletion(const Program& program, const CLI::Option& option) {
-    const std::vector<std::string>& choices = program.Choices(option);
-    if (!choices.empty()) return "COMPREPLY=($(compgen -W '" + Joined(choices, " ") + "' -- \"$current\"))";
-    if (ValueName(option) == "DIR") return "compopt -o filenames; COMPREPLY=($(compgen -d -- \"$current\"))";
-    return "compopt -o filenames; COMPREPLY=($(compgen -f -- \"$current\"))";
+    switch (KindOfValue(program, option)) {
+        case ValueKind::choices: {
+            const std::string words = JoinedWords(program.Choices(option), " ");
+            if (option.get_delimiter() == '\0')
+                return "COMPREPLY=($(compgen -W '" + words + "' -- \"$current\"))";
+            return "_vkm_list '" + words + "'";
+        }
+        case ValueKind::directory:
+            return "compopt -o filenames; COMPREPLY=($(compgen -d -- \"$current\"))";
+        case ValueKind::file:
+            return "compopt -o filenames; COMPREPLY=($(compgen -f -- \"$current\"))";
+        default:
+            return ":";
+    }
 }
 
 // What completes arguments by their place, such as the action of a command with several.
@@ -60,7 +56,7 @@ std::string CommandCase(const Program& program, const Command& command) {
     std::string text = "    " + std::string(command.text.name) + ")\n      case \"$previous\" in\n";
     for (const CLI::Option* option : command.options->get_options()) {
         if (option->get_positional() || option->get_items_expected_max() == 0) continue;
-        text += "        " + Joined(NamesOf(*option), "|") + ") " + ValueCompletion(program, *option) +
+        text += "        " + JoinedWords(NamesOf(*option), "|") + ") " + ValueCompletion(program, *option) +
                 "; return ;;\n";
     }
     text += "      esac\n" + ArgumentChoices(program, *command.options);
@@ -77,21 +73,28 @@ std::string BashCompletion(Program& program) {
         cases += CommandCase(program, command);
     }
     return "# bash completion for vkm\n"
+           "_vkm_list() {\n"
+           "  local before=''\n"
+           "  case \"$current\" in *,*) before=\"${current%,*},\" ;; esac\n"
+           "  COMPREPLY=($(compgen -P \"$before\" -W \"$1\" -- \"${current##*,}\"))\n"
+           "  compopt -o nospace\n"
+           "}\n"
            "_vkm() {\n"
            "  local current=\"${COMP_WORDS[COMP_CWORD]}\" previous=\"${COMP_WORDS[COMP_CWORD-1]}\" "
            "options=''\n"
            "  COMPREPLY=()\n"
            "  if [ \"$COMP_CWORD\" -eq 1 ]; then\n"
            "    COMPREPLY=($(compgen -W '" +
-           Joined(names, " ") +
-           " --help --version' -- \"$current\"))\n"
+           JoinedWords(names, " ") +
+           " help version --help --version' -- \"$current\"))\n"
            "    return\n"
            "  fi\n"
            "  # bash splits --option=value at the equals sign\n"
            "  if [ \"$current\" = '=' ]; then current=''; fi\n"
            "  if [ \"$previous\" = '=' ]; then previous=\"${COMP_WORDS[COMP_CWORD-2]}\"; fi\n"
            "  case \"${COMP_WORDS[1]}\" in\n" +
-           cases +
+           cases + "    help) COMPREPLY=($(compgen -W '" + JoinedWords(names, " ") +
+           "' -- \"$current\")); return ;;\n"
            "  esac\n"
            "  case \"$current\" in\n"
            "    -*) COMPREPLY=($(compgen -W \"$options\" -- \"$current\")) ;;\n"

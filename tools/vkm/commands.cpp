@@ -16,6 +16,7 @@ void AddCommands(Program& program) {
         "convert is not part of this build, which has no GDAL: "
         "the packages vemrado and vemrado-gdal have it, or a build with -DVEMRADO_BUILD_GDAL=ON");
 #endif
+    AddParcelsCommand(program);
     AddSymbologyCommand(program);
     AddShapesCommand(program);
     AddGenerateCommand(program);

@@ -35,7 +35,8 @@ void RefuseInputAsOutput(const std::string& input, const std::string& output) {
     std::error_code none;
     if (input == client::standardInputName || output.empty() || output == client::standardInputName) return;
     if (!std::filesystem::equivalent(input, output, none)) return;
-    throw Failure(exitUsage, client::SystemTextToUtf8(input) + ": an input cannot be the output as well");
+    throw Failure(exitUsage,
+                  Filled("{}: an input cannot be the output as well", {client::SystemTextToUtf8(input)}));
 }
 
 void AddEncodingOption(Program& program, CLI::App& command, EncodingChoice& choice) {
@@ -100,7 +101,8 @@ void AddOrientationOption(Program& program, CLI::App& command, int& code) {
             (names.size() % 4 == 1 ? "\n" : "  ") + names.back() + " = " + std::to_string(orientation.code);
     }
     CLI::Option* option = command.add_option_function<std::string>(
-        "--orientation", choose, "What a point (x, y) of the file becomes, by name or number:" + all);
+        "--orientation", choose,
+        std::string(Translated("What a point (x, y) of the file becomes, by name or number:")) + all);
     option->type_name("AXES")->default_str(std::string(client::AxisOrientationName(code)));
     program.SetChoices(*option, names);
 }

@@ -223,12 +223,17 @@ void AddConvertCommand(Program& program) {
     command.add_option("-o,--output", options->output, "The output file, or a folder for an output each")
         ->type_name("OUT")
         ->required();
-    command.add_option("-f,--format", options->format, "A file extension or the name of a GDAL driver")
-        ->type_name("FORMAT");
-    command.add_option("--layers", options->layers, "Only these of lines, points, texts and parcels")
-        ->type_name("NAME,...")
-        ->delimiter(',')
-        ->allow_extra_args(false);
+    CLI::Option* format =
+        command.add_option("-f,--format", options->format, "A file extension or the name of a GDAL driver")
+            ->type_name("FORMAT");
+    program.SetChoices(
+        *format, {"gpkg", "fgb", "geojson", "geojsonl", "csv", "dxf", "gml", "kml", "shp", "sqlite", "xlsx"});
+    CLI::Option* layers =
+        command.add_option("--layers", options->layers, "Only these of lines, points, texts and parcels")
+            ->type_name("NAME,...")
+            ->delimiter(',')
+            ->allow_extra_args(false);
+    program.SetChoices(*layers, {"lines", "points", "texts", "parcels"});
     command.add_flag("--parcels", options->parcels, "Add parcel polygons built from the boundary lines");
     command
         .add_option("--srs", options->reference,

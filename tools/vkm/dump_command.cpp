@@ -141,12 +141,11 @@ void AddDumpCommand(Program& program) {
     const CommandText text = {
         "dump",
         "List every element of a file as JSON Lines",
-        "Writes every element in file order, one JSON object a line. A line carries its elements with point, "
-        "type "
-        "letter and K, M, R, S and U values; a text carries its text in UTF-8, its point and D, F, H, K and "
-        "U "
-        "values. Numbers read back to the same bits.\n\n"
-        "A file without its closing record loses its last element; the exit code is 1 then.",
+        R"(Writes every element in file order, one JSON object a line. A line carries its elements with point, type letter
+and K, M, R, S and U values; a text carries its text in UTF-8, its point and D, F, H, K and U values. Numbers
+read back to the same bits.
+
+A file without its closing record loses its last element; the exit code is 1 then.)",
         {{"vkm dump map.vkm > map.jsonl", "list a whole file"},
          {"vkm dump map.vkm | jq 'select(.kind == \"text\") | .text'", "the texts of a map"},
          {"vkm dump --encoding cp852 --orientation=-y,-x old.vkm", "an old file, east and north"},

@@ -1,7 +1,9 @@
-// vkm generate, for the build: the man page and the bash completion, from the option table that the program
+// vkm generate, for the build: the man page and the completion files, from the option table that the program
 // itself reads its command line with.
 
+#include <map>
 #include <memory>
+#include <set>
 #include <string>
 
 #include "commands.h"
@@ -11,14 +13,19 @@
 namespace vemrado::tools {
 
 void AddGenerateCommand(Program& program) {
+    using Maker = std::string (*)(Program&);
+    static const std::map<std::string, Maker> makers = {{"man", ManualPage},
+                                                        {"bash-completion", BashCompletion},
+                                                        {"zsh-completion", ZshCompletion},
+                                                        {"fish-completion", FishCompletion}};
     const auto what = std::make_shared<std::string>();
     CLI::App& command = program.AddHidden("generate", [&program, what](Environment& environment) {
-        environment.output.Write(*what == "man" ? ManualPage(program) : BashCompletion(program));
+        environment.output.Write(makers.at(*what)(program));
         return exitDone;
     });
-    command.add_option("WHAT", *what, "man or bash-completion")
-        ->required()
-        ->check(CLI::IsMember({"man", "bash-completion"}));
+    std::set<std::string> names;
+    for (const auto& [name, make] : makers) names.insert(name);
+    command.add_option("WHAT", *what, "What to write")->required()->check(CLI::IsMember(names));
 }
 
 }  // namespace vemrado::tools

@@ -31,6 +31,11 @@ std::string HelpFormat::make_option_opts(const CLI::Option* option) const {
     return name.empty() ? name : ' ' + name;
 }
 
+std::string HelpFormat::make_group(std::string group, bool positionals,
+                                   std::vector<const CLI::Option*> options) const {
+    return Formatter::make_group(std::string(Translated(group)), positionals, std::move(options));
+}
+
 std::string HelpFormat::make_option_desc(const CLI::Option* option) const {
     return OptionDescription(*option);
 }

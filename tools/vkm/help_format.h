@@ -18,6 +18,8 @@ class HelpFormat : public CLI::Formatter {
   public:
     HelpFormat();
     std::string make_option_opts(const CLI::Option* option) const override;
+    std::string make_group(std::string group, bool positionals,
+                           std::vector<const CLI::Option*> options) const override;
     std::string make_option_desc(const CLI::Option* option) const override;
 };
 

@@ -84,19 +84,19 @@ int RunInfo(const InfoOptions& options, Environment& environment) {
 
 void AddInfoCommand(Program& program) {
     const auto options = std::make_shared<InfoOptions>();
-    const CommandText text = {"info",
-                              "Say what is in files: scale, extents, counts, completeness",
-                              "For each file: map scale, relative or absolute coordinates, extents, and by "
-                              "layer the lines, line elements "
-                              "by type letter, texts, symbols and codes.\n\n"
-                              "It also says whether the file is complete: a file without its closing record "
-                              "has lost its last element. The "
-                              "exit code is 1 when any file is incomplete or cannot be used.",
-                              {{"vkm info map.vkm", "a readable table"},
-                               {"vkm info --json *.vkm | jq '.[] | select(.complete | not) | .file'",
-                                "the incomplete files of a folder"},
-                               {"vkm info sheets/ archive.zip", "the maps of a folder and of an archive"},
-                               {"find . -name '*.vkm' | vkm info --files-from -", "the files of a list"}}};
+    const CommandText text = {
+        "info",
+        "Say what is in files: scale, extents, counts, completeness",
+        R"(For each file: map scale, relative or absolute coordinates, extents, and by layer the lines, line elements by
+type letter, texts, symbols and codes.
+
+It also says whether the file is complete: a file without its closing record has lost its last element. The exit
+code is 1 when any file is incomplete or cannot be used.)",
+        {{"vkm info map.vkm", "a readable table"},
+         {"vkm info --json *.vkm | jq '.[] | select(.complete | not) | .file'",
+          "the incomplete files of a folder"},
+         {"vkm info sheets/ archive.zip", "the maps of a folder and of an archive"},
+         {"find . -name '*.vkm' | vkm info --files-from -", "the files of a list"}}};
     CLI::App& command =
         program.Add(text, [options](Environment& environment) { return RunInfo(*options, environment); });
     AddInputOptions(command, options->inputs);

@@ -4,6 +4,7 @@
 #include "help_format.h"
 #include "manual.h"
 #include "program.h"
+#include "translations.h"
 
 namespace vemrado::tools {
 namespace {
@@ -78,12 +79,13 @@ std::string Synopsis(const Command& command) {
 }
 
 std::string CommandSection(const Command& command) {
-    std::string text = ".SS vkm " + Escaped(command.text.name) + '\n' + Escaped(command.text.summary) + ".\n";
-    text += Paragraphs(command.text.description) + OptionsOf(*command.options);
+    std::string text =
+        ".SS vkm " + Escaped(command.text.name) + '\n' + Escaped(Translated(command.text.summary)) + ".\n";
+    text += Paragraphs(Translated(command.text.description)) + OptionsOf(*command.options);
     if (command.text.examples.empty()) return text;
     text += ".PP\nExamples:\n";
     for (const Example& example : command.text.examples) {
-        text += ".TP\n.B " + Escaped(example.command) + '\n' + Escaped(example.says) + '\n';
+        text += ".TP\n.B " + Escaped(example.command) + '\n' + Escaped(Translated(example.says)) + '\n';
     }
     return text;
 }

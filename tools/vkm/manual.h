@@ -11,7 +11,9 @@ class Program;
 // vkm.1, in the man macros.
 std::string ManualPage(Program& program);
 
-// A completion file for bash.
+// Completion files for three shells.
 std::string BashCompletion(Program& program);
+std::string ZshCompletion(Program& program);
+std::string FishCompletion(Program& program);
 
 }  // namespace vemrado::tools

@@ -63,9 +63,7 @@ CLI::App& Program::Add(const CommandText& text, CommandRun run) {
     command->add_flag("-q,--quiet", environment.quiet, "No progress bar and no warnings, errors only");
     constexpr const char* dataText =
         "Directory that holds VKMSym, the symbology\n(default: the sample symbology of this program)";
-    command->add_option("--data", dataDirectory, dataText)
-        ->type_name("DIR")
-        ->check(ExistingDirectory());
+    command->add_option("--data", dataDirectory, dataText)->type_name("DIR")->check(ExistingDirectory());
     command->footer(ExamplesText(text.examples));
     commands.push_back({text, std::move(run), command});
     return *command;
@@ -147,7 +145,7 @@ std::optional<int> Program::AnswerFirstWord(const std::vector<std::string>& word
 int Program::Help(const std::vector<std::string>& words) {
     const CLI::App* about = words.size() > 1 ? FindCommand(words[1]) : &app;
     if (about == nullptr) return ReportUnknown(words[1]);
-    environment.output.Write(about->help());
+    environment.output.Write(about == &app ? app.help() : about->help(std::string(programName)));
     return exitDone;
 }
 

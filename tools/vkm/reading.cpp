@@ -6,6 +6,7 @@
 #include "client/stop_request.h"
 #include "client/system.h"
 #include "framework/framework.h"
+#include "translations.h"
 
 namespace vemrado::tools {
 
@@ -43,9 +44,10 @@ ReadResult ReadElements(map::Importer& importer, const map::OpenOptions& options
     environment.output.Flush();
 
     if (result.outcome == ReadOutcome::stopped) {
-        result.problem = name + ": stopped on request; " + consequence;
+        result.problem = Filled("{}: stopped on request; {}", {name, Translated(consequence)});
     } else if (result.outcome == ReadOutcome::incomplete) {
-        result.problem = name + ": incomplete: its closing record &K is missing, so its last element is lost";
+        result.problem =
+            Filled("{}: incomplete: its closing record &K is missing, so its last element is lost", {name});
     }
     if (!result.problem.empty()) environment.Error(result.problem);
     return result;

@@ -14,6 +14,7 @@
 #include "draw/map_sheet.h"
 #include "draw/scene_builder.h"
 #include "draw/stray_points.h"
+#include "input_progress.h"
 #include "inputs.h"
 #include "picture.h"
 #include "program.h"
@@ -24,7 +25,7 @@ namespace vemrado::tools {
 namespace {
 
 struct RenderOptions {
-    std::string file;
+    InputOptions inputs;
     PictureOptions picture;
     draw::SceneOptions scene;
     draw::SheetOptions sheet;
@@ -114,35 +115,52 @@ std::string TitleOf(const std::string& name) {
     return dot == 0 || dot == std::string::npos ? base : base.substr(0, dot);
 }
 
-int RunRender(RenderOptions options, Environment& environment) {
+void CheckRenderOptions(RenderOptions& options, const std::vector<Input>& inputs) {
     if (!options.box.empty()) options.scene.box = options.sheet.box = BoxOf(options.box);
     options.scene.layers = LayersOf(options.layers);
     options.scene.symbols = !options.noSymbols;
+    options.sheet.pixels = options.picture.width;
     CheckPicture(options.picture);
-    options.sheet.title = client::SystemTextToUtf8(options.sheet.title);
-    if (client::Printable(options.sheet.title) != options.sheet.title ||
-        options.sheet.title.find('\n') != std::string::npos)
+    for (const Input& input : inputs) RefuseInputAsOutput(input.name, options.picture.file);
+    std::string& title = options.sheet.title;
+    title = client::SystemTextToUtf8(title);
+    if (client::Printable(title) != title || title.find('\n') != std::string::npos)
         throw Failure(exitUsage, std::string(Translated("--title: a title holds no control characters")));
-    RefuseInputAsOutput(options.file, options.picture.file);
+}
 
-    if (!ChooseEncoding(options.encoding, options.file, environment, options.scene.encoding))
-        return exitInput;
+std::string ShownName(const Input& input) {
+    return client::SystemTextToUtf8(client::ShownName(input.name.c_str()));
+}
 
-    map::Importer importer;
-    draw::SceneBuilder builder(importer, options.scene);
+// Takes every input into the scene. Complete when all of them are; notOpened, failed or stopped at the first
+// that is.
+ReadOutcome ReadInputs(const std::vector<Input>& inputs, const RenderOptions& options,
+                       map::Importer& importer, draw::SceneBuilder& builder, Environment& environment) {
     map::OpenOptions open;
-    open.fileName = FindOneInput(options.file);
     open.symbology = true;
     open.symbols = !options.noSymbols;
     open.axisOrientation = options.axisOrientation;
     const auto take = [&](map::ElementKind kind) { builder.Take(kind); };
-    const ReadOutcome outcome =
-        ReadElements(importer, open, environment, take, "no picture was made").outcome;
-    if (outcome != ReadOutcome::complete && outcome != ReadOutcome::incomplete) return exitInput;
-    WarnOfEncoding(options.file, builder.Decoder(), options.scene.encoding, environment);
-    const draw::Scene scene = builder.Finish();
+    ReadOutcome all = ReadOutcome::complete;
+    InputProgress progress(inputs);
+    for (const Input& input : inputs) {
+        if (!input.problem.empty()) {
+            environment.Error(input.problem);
+            return ReadOutcome::notOpened;
+        }
+        open.fileName = input.name;
+        const ReadOutcome outcome =
+            ReadElements(importer, open, environment, take, "no picture was made").outcome;
+        if (outcome != ReadOutcome::complete) all = outcome;
+        if (outcome != ReadOutcome::complete && outcome != ReadOutcome::incomplete) return outcome;
+        progress.Finish(input);
+    }
+    return all;
+}
 
-    const std::string name = client::SystemTextToUtf8(client::ShownName(open.fileName.c_str()));
+// Tells what a picture would not show.
+void CheckScene(const draw::Scene& scene, const RenderOptions& options, const std::string& name,
+                Environment& environment) {
     WarnOfSkipped(scene, name, environment);
     if (scene.layers.empty() && !options.sheet.box) {
         throw Failure(exitInput, Filled("{}: nothing to draw", {name}));
@@ -152,8 +170,24 @@ int RunRender(RenderOptions options, Environment& environment) {
                                         {name, BoxText(scene.whole)}));
     }
     if (!options.sheet.box) WarnOfStrayPoints(scene, name, environment);
+}
+
+int RunRender(RenderOptions options, Environment& environment) {
+    const std::vector<Input> inputs = FindInputs(options.inputs);
+    CheckRenderOptions(options, inputs);
+    const std::string& first = inputs.front().name;
+    if (!ChooseEncoding(options.encoding, first, environment, options.scene.encoding)) return exitInput;
+
+    map::Importer importer;
+    draw::SceneBuilder builder(importer, options.scene);
+    const ReadOutcome outcome = ReadInputs(inputs, options, importer, builder, environment);
+    if (outcome != ReadOutcome::complete && outcome != ReadOutcome::incomplete) return exitInput;
+    WarnOfEncoding(first, builder.Decoder(), options.scene.encoding, environment);
+    const draw::Scene scene = builder.Finish();
+
+    const std::string name = ShownName(inputs.front());
+    CheckScene(scene, options, name, environment);
     if (options.sheet.title.empty()) options.sheet.title = client::Printable(TitleOf(name));
-    options.sheet.pixels = options.picture.width;
     const draw::MapSheet sheet(scene, options.sheet);
     const Picture picture{sheet.Page(), options.sheet.title, sheet.Count(),
                           [&](draw::Canvas& canvas) { sheet.Draw(canvas); }};
@@ -168,21 +202,20 @@ void AddRenderCommand(Program& program) {
     const CommandText text = {
         "render",
         "Draw a file as a map: PNG, SVG or PDF",
-        "Draws lines in colour, width and dash pattern of their line types, symbols and texts, at the map "
-        "scale of "
-        "the file: a millimetre of an SVG or PDF picture is one on the printed map. --width makes the whole "
-        "picture "
-        "so many pixels wide instead. North is up unless --orientation says otherwise.\n\n"
-        "The picture appears whole or not at all. A picture that would be too large is refused with its "
-        "size: ask "
-        "for a --width or a part of the map by --bbox.",
+        R"(Draws lines in colour, width and dash pattern of their line types, symbols and texts, at the map scale of the
+file: a millimetre of an SVG or PDF picture is one on the printed map. --width makes the whole picture so many pixels
+wide instead. North is up unless --orientation says otherwise. Several sheets are drawn side by side, at the scale of the
+first.
+
+The picture appears whole or not at all. A picture that would be too large is refused with its size: ask for a --width
+or a part of the map by --bbox.)",
         {{"vkm render town.vkm -o town.png --legend", "a map sheet with frame, title and legend"},
          {"vkm render town.vkm -o town.svg --layers 1,4", "boundaries and buildings to go on drawing with"},
          {"vkm render town.vkm -o part.pdf --bbox=-742900,-1043100,-742700,-1043000", "a part, to scale"},
-         {"vkm render country.vkm -o country.png --width 2000", "a large file at a glance"}}};
+         {"vkm render sheets/ -o country.png --width 2000", "many sheets at a glance"}}};
     CLI::App& command =
         program.Add(text, [options](Environment& environment) { return RunRender(*options, environment); });
-    AddFileArgument(command, options->file);
+    AddInputOptions(command, options->inputs);
     AddPictureOptions(program, command, options->picture, true);
     command.add_flag("--legend", options->sheet.legend,
                      "Add frame, title, grid, scale bar, north arrow and legend");

@@ -95,10 +95,9 @@ void AddShapesCommand(Program& program) {
     const CommandText text = {
         "shapes",
         "Make shape files of point symbols from text, and text from shape files",
-        "pack makes a shape file (.ksh) from a text source; unpack writes the source of a shape file, to "
-        "standard "
-        "output when no file is named. Packing what was unpacked gives the same bytes: records that are no "
-        "drawings are kept too. docs/symbology-format.md describes both formats.",
+        R"(pack makes a shape file (.ksh) from a text source; unpack writes the source of a shape file, to standard output
+when no file is named. Packing what was unpacked gives the same bytes: records that are no drawings are kept
+too. docs/symbology-format.md describes both formats.)",
         {{"vkm shapes pack points.txt POINTS.ksh", "make a shape file"},
          {"vkm shapes unpack POINTS.ksh", "look at its drawings"},
          {"vkm shapes unpack POINTS.ksh points.txt", "make a source to edit"}}};

@@ -92,20 +92,16 @@ void AddSymbologyCommand(Program& program) {
     const CommandText text = {
         "symbology",
         "List line types and symbols of a symbology, and its problems",
-        "Loads a symbology as for the import of a map and looks up every line code and symbol code that its "
-        "tables "
-        "name. Every problem is listed; the exit code is 1 when there are any. -o draws a sheet with every "
-        "line type "
-        "and every symbol.\n\n"
-        "DIR is the directory that holds VKMSym, or VKMSym itself; without it the symbology of --data is "
-        "taken.",
+        R"(Loads a symbology as for the import of a map and looks up every line code and symbol code that its tables name.
+Every problem is listed; the exit code is 1 when there are any. -o draws a sheet with every line type and every
+symbol.
+
+DIR is the directory that holds VKMSym, or VKMSym itself; without it the symbology of --data is taken.)",
         {{"vkm symbology", "the sample symbology"},
          {"vkm symbology /mnt/host/VKMSym -o sheet.pdf", "check another one and draw its sheet"}}};
     CLI::App& command = program.Add(
         text, [options](Environment& environment) { return RunSymbology(*options, environment); });
-    command.add_option("DIR", options->directory, "The symbology")
-        ->type_name("")
-        ->check(ExistingDirectory());
+    command.add_option("DIR", options->directory, "The symbology")->type_name("")->check(ExistingDirectory());
     AddPictureOptions(program, command, options->picture, false);
 }
 

@@ -22,10 +22,10 @@ constexpr size_t lineColumns = 2;
 constexpr double lineRowHeight = 7;
 constexpr double codeWidth = 12;
 constexpr double sampleWidth = 28;
-constexpr size_t symbolColumns = 3;
+constexpr size_t symbolColumns = 2;
 constexpr double symbolRowHeight = 15;
-constexpr double mapBox = 7;       // of the drawing as on a map
-constexpr double symbolBox = 12;   // of the enlarged one
+constexpr double mapBox = 9;       // of the drawing as on a map, which keeps a gap to the next one
+constexpr double symbolBox = 15;   // of the enlarged one, in the same way
 constexpr double enlargement = 3;  // of the second drawing of each symbol, where there is room
 constexpr double gap = 2.5;
 constexpr double nameHeight = 1.8;
@@ -153,9 +153,10 @@ void SymbologySheet::DrawSymbol(draw::Canvas& canvas, const SymbolCell& symbol, 
     const double middle = corner.y + symbolRowHeight / 2;
     const draw::Box& bounds = symbol.shape.bounds;
     const double largest = std::max({bounds.Width(), bounds.Height(), 0.1});
-    DrawCentered(canvas, symbol.shape, {corner.x + mapBox / 2, middle}, std::min(mapBox / largest, 1.0));
+    DrawCentered(canvas, symbol.shape, {corner.x + mapBox / 2, middle},
+                 std::min((mapBox - gap) / largest, 1.0));
     DrawCentered(canvas, symbol.shape, {corner.x + mapBox + symbolBox / 2, middle},
-                 std::min(symbolBox / largest, enlargement));
+                 std::min((symbolBox - gap) / largest, enlargement));
     const double textLeft = corner.x + mapBox + symbolBox + gap;
     draw::TextStyle style = NameStyle();
     style.font.bold = true;
