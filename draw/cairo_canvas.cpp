@@ -14,7 +14,9 @@ namespace vemrado::draw {
 namespace {
 
 constexpr double pointsPerMillimetre = 72 / 25.4;
-constexpr size_t longestPath = 2000;  // points; longer paths take the library more than their share of time
+// Points; longer paths take the library more than their share of time.
+constexpr size_t longestPath = 2000;
+constexpr size_t longestPiece = 200;  // of one stroke
 
 double Radians(double degrees) {
     return degrees * std::numbers::pi / 180;
@@ -94,7 +96,7 @@ class CairoCanvas : public Canvas {
   private:
     void SetColour(uint32_t colour);
     void UsePen(const Pen& pen, double lengthBefore);
-    void AddPoints(std::span<const Point> points);
+    void AddPoints(std::span<const Point> points, const Pen& pen, double lengthBefore);
 
     // What the current path will be stroked with.
     const Pen* pathPen = nullptr;
@@ -151,15 +153,29 @@ void CairoCanvas::StrokePath() {
     cairo_stroke(cairo.get());
 }
 
-void CairoCanvas::AddPoints(std::span<const Point> points) {
+// A long stroke is drawn in pieces. They meet in the middle of a segment, where no end shows, and their
+// dashes go on.
+void CairoCanvas::AddPoints(std::span<const Point> points, const Pen& pen, double lengthBefore) {
     Point last = points.front();
     cairo_move_to(cairo.get(), last.x, last.y);
     const double nearby = resolution * 0.3;
+    size_t inPiece = 0;
+    double length = lengthBefore;
     for (size_t i = 1; i < points.size(); i++) {
         const Point point = points[i];
         const bool unseen = std::abs(point.x - last.x) < nearby && std::abs(point.y - last.y) < nearby;
         if (unseen && i + 1 < points.size()) continue;
+        const double segment = pen.dashes.empty() ? 0 : std::hypot(point.x - last.x, point.y - last.y);
+        if (++inPiece == longestPiece) {
+            const Point middle{(last.x + point.x) / 2, (last.y + point.y) / 2};
+            cairo_line_to(cairo.get(), middle.x, middle.y);
+            StrokePath();
+            UsePen(pen, length + segment / 2);
+            cairo_move_to(cairo.get(), middle.x, middle.y);
+            inPiece = 0;
+        }
         cairo_line_to(cairo.get(), point.x, point.y);
+        length += segment;
         last = point;
     }
     pathPoints += points.size();
@@ -168,7 +184,7 @@ void CairoCanvas::AddPoints(std::span<const Point> points) {
 void CairoCanvas::Line(std::span<const Point> points, const Pen& pen, double lengthBefore) {
     if (points.size() < 2 || pen.invisible) return;
     UsePen(pen, lengthBefore);
-    AddPoints(points);
+    AddPoints(points, pen, lengthBefore);
 }
 
 void CairoCanvas::Symbol(const SymbolShape& shape, Point at, double scale, double rotation, const Pen& pen) {

@@ -93,6 +93,11 @@ TEST(PngCanvas, DashesRunOnThroughTheStroke) {
         EXPECT_EQ(picture.At(x, 5), 0xFF0000U) << x;  // drawn stretches, red
         EXPECT_EQ(picture.At(x + 2, 5), 0xFFFFFFU) << x;
     }
+    // However many points the stroke has.
+    std::vector<Point> fine;
+    for (double x = 2; x < 18; x += 0.035) fine.push_back({x, 5});
+    fine.push_back({18, 5});
+    EXPECT_EQ(Drawn(Format::png, [&](Canvas& canvas) { canvas.Line(fine, pen, 0); }), png);
     const std::string shifted = Drawn(Format::png, [&](Canvas& canvas) { DrawDashedLine(canvas, pen, 6); });
     EXPECT_EQ(Picture(shifted).At(3, 5), 0xFFFFFFU);
     EXPECT_EQ(Picture(shifted).At(5, 5), 0xFF0000U);
