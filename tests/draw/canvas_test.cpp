@@ -97,7 +97,8 @@ TEST(PngCanvas, DashesRunOnThroughTheStroke) {
     std::vector<Point> fine;
     for (double x = 2; x < 18; x += 0.035) fine.push_back({x, 5});
     fine.push_back({18, 5});
-    EXPECT_EQ(Drawn(Format::png, [&](Canvas& canvas) { canvas.Line(fine, pen, 0); }), png);
+    const std::string pieces = Drawn(Format::png, [&](Canvas& canvas) { canvas.Line(fine, pen, 0); });
+    for (double x = 2.5; x < 17; x += 1) EXPECT_EQ(Picture(pieces).At(x, 5), picture.At(x, 5)) << x;
     const std::string shifted = Drawn(Format::png, [&](Canvas& canvas) { DrawDashedLine(canvas, pen, 6); });
     EXPECT_EQ(Picture(shifted).At(3, 5), 0xFFFFFFU);
     EXPECT_EQ(Picture(shifted).At(5, 5), 0xFF0000U);
