@@ -117,7 +117,11 @@ bool ElementReader::OpenFile(ModuleSession& session) {
     }
     importer.reset(OpenImporter(session, source, nextFile));
     ++nextFile;
-    if (importer == nullptr) Fail();
+    if (importer == nullptr) {
+        Fail();
+    } else {
+        mapScale = importer->GetScale();
+    }
     return importer != nullptr;
 }
 

@@ -58,6 +58,8 @@ class ElementReader {
     void Fill(Batch& batch);
 
     ReadState State() const { return state; }
+    // Of the file that was opened last.
+    double MapScale() const { return mapScale; }
 
   private:
     struct Destroy {
@@ -82,6 +84,7 @@ class ElementReader {
     client::TextDecoder decoder;
     std::string decoded;
     std::unique_ptr<CVKMDetails, Destroy> importer;  // null between files
+    double mapScale = 1000.0;
     size_t nextFile = 0;
     GIntBig linesSeen = 0;   // with a stroke: the identifier of the last one
     bool gapBefore = false;  // the vertex before in the line was left out

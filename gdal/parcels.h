@@ -5,6 +5,7 @@
 #include <ogr_geometry.h>
 
 #include <memory>
+#include <span>
 #include <vector>
 
 #include "element_reader.h"
@@ -12,11 +13,56 @@
 
 namespace vemrado::gdal {
 
+// What is wrong with boundaries and numbers: cases of each kind, counted and told with the first places.
+class ParcelFindings {
+  public:
+    void Add(const map::Parcels& made);
+    // Warnings to GDAL.
+    void Report(const std::string& file) const;
+
+  private:
+    struct Finding {
+        int count = 0;
+        std::string examples;
+
+        void Add(map::Point place, const std::string& what = {});
+        void Report(const std::string& file, const char* what) const;
+    };
+    Finding freeEnds;
+    Finding between;
+    Finding outside;
+    Finding none;
+    Finding several;
+    bool tooManyCrossings = false;
+};
+
+std::unique_ptr<OGRPolygon> PolygonOf(const map::Parcel& parcel);
+
+// Boundaries and numbers of a batch to whoever makes parcels of them.
+template <typename AddBoundary, typename AddNumber>
+void ForParcels(const Batch& batch, const map::ParcelLayers& layers, AddBoundary addBoundary,
+                AddNumber addNumber) {
+    std::vector<map::Point> points;
+    for (const LineRecord& line : batch.lines) {
+        if (line.layer != layers.boundaries) continue;
+        ForEachStroke(batch, line, [&](size_t first, size_t count) {
+            points.clear();
+            for (size_t i = first; i < first + count; ++i)
+                points.push_back({batch.vertices[i].x, batch.vertices[i].y});
+            addBoundary(std::span<const map::Point>(points));
+        });
+    }
+    for (const TextRecord& text : batch.texts) {
+        if (text.layer == layers.numbers)
+            addNumber(map::Point{text.point.x, text.point.y}, batch.String(text.text));
+    }
+}
+
 struct FileParcel {
     map::Parcel parcel;
     size_t source = 0;  // the file that it comes from
 
-    std::unique_ptr<OGRPolygon> Shape() const;
+    std::unique_ptr<OGRPolygon> Shape() const { return PolygonOf(parcel); }
 };
 
 // The parcels of every file, each file by itself. Boundaries that enclose nothing, parcels without a number

@@ -1,8 +1,6 @@
 #include "vkm_dataset.h"
 
-#include <cpl_conv.h>
 #include <cpl_string.h>
-#include <cpl_vsi.h>
 
 #include <utility>
 
@@ -10,22 +8,6 @@
 #include "virtual_files.h"
 
 namespace vemrado::gdal {
-
-namespace {
-
-constexpr const char* standardInput = "/vsistdin/";
-
-using File = std::unique_ptr<VSILFILE, decltype(&VSIFCloseL)>;
-
-bool Copy(VSILFILE* from, VSILFILE* to) {
-    std::vector<char> block(1 << 18);
-    while (const size_t got = VSIFReadL(block.data(), 1, block.size(), from)) {
-        if (VSIFWriteL(block.data(), 1, got, to) != got) return false;
-    }
-    return true;
-}
-
-}  // namespace
 
 std::unique_ptr<VkmDataset> VkmDataset::Open(const std::vector<std::string>& files,
                                              const OpenSettings& settings) {
@@ -52,7 +34,6 @@ std::unique_ptr<VkmDataset> VkmDataset::Open(const std::vector<std::string>& fil
 
 VkmDataset::~VkmDataset() {
     layers.clear();
-    if (!spooledInput.empty()) VSIUnlink(spooledInput.c_str());
 }
 
 OGRLayer* VkmDataset::GetLayer(int index) {
@@ -62,9 +43,9 @@ OGRLayer* VkmDataset::GetLayer(int index) {
 
 bool VkmDataset::AddFile(const std::string& file, client::EncodingEvidence& evidence) {
     Source& source = state.source;
-    const bool isStandardInput = file == standardInput;
-    if (isStandardInput && !SpoolStandardInput()) return false;
-    source.files.push_back(isStandardInput ? spooledInput : file);
+    const bool isStandardInput = file == standardInputFile;
+    if (isStandardInput && spooledInput.emplace().Path().empty()) return false;
+    source.files.push_back(isStandardInput ? spooledInput->Path() : file);
     source.names.push_back(isStandardInput ? "standard input" : file);
     source.states.emplace_back();
     if (!CheckMapFile(source.files.back(), source.names.back(), evidence)) return false;
@@ -76,18 +57,6 @@ bool VkmDataset::AddFile(const std::string& file, client::EncodingEvidence& evid
         SetMetadataItem("RELATIVE_COORDINATES", header->relative ? "YES" : "NO");
     }
     return true;
-}
-
-// Standard input comes once, the layers read it once each.
-bool VkmDataset::SpoolStandardInput() {
-    spooledInput = CPLGenerateTempFilename("vkm");
-    const File input(VSIFOpenL(standardInput, "rb"), VSIFCloseL);
-    File spool(VSIFOpenL(spooledInput.c_str(), "wb"), VSIFCloseL);
-    const bool copied = input && spool && Copy(input.get(), spool.get());
-    const bool closed = spool && VSIFCloseL(spool.release()) == 0;
-    if (!copied || !closed)
-        CPLError(CE_Failure, CPLE_FileIO, "standard input cannot be copied to %s", spooledInput.c_str());
-    return copied && closed;
 }
 
 }  // namespace vemrado::gdal

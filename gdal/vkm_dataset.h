@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "parcels.h"
+#include "spooled_input.h"
 #include "vkm_layer.h"
 
 namespace vemrado::gdal {
@@ -52,12 +53,11 @@ class VkmDataset : public GDALDataset {
 
   private:
     bool AddFile(const std::string& file, client::EncodingEvidence& evidence);
-    bool SpoolStandardInput();
 
     SharedState state;
     std::vector<std::unique_ptr<OGRLayer>> layers;
     double mapScale = 1000.0;
-    std::string spooledInput;  // a temporary file, deleted with the dataset
+    std::optional<SpooledInput> spooledInput;
 };
 
 }  // namespace vemrado::gdal

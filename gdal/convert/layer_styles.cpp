@@ -10,13 +10,6 @@ namespace vemrado::gdal {
 
 namespace {
 
-std::string QmlOf(std::string_view layer, const Symbology& symbology, double mapScale) {
-    if (layer == "lines") return LinesQml(symbology, mapScale);
-    if (layer == "points") return PointsQml(symbology, mapScale);
-    if (layer == "texts") return TextsQml();
-    return ParcelsQml(mapScale);
-}
-
 OGRLayer* CreateTable(GDALDataset& output) {
     CPLStringList options;
     options.SetNameValue("ASPATIAL_VARIANT", "GPKG_ATTRIBUTES");
@@ -38,21 +31,28 @@ OGRLayer* CreateTable(GDALDataset& output) {
 
 }  // namespace
 
-bool AddLayerStyles(GDALDataset& output, VkmDataset& map, const std::vector<OGRLayer*>& layers) {
-    if (map.DataDirectory().empty()) return true;
-    const auto symbology = Symbology::Of(map.DataDirectory());
-    OGRLayer* table = CreateTable(output);
+LayerStyles::LayerStyles(const std::string& dataDirectory, double scale)
+    : symbology(Symbology::Of(dataDirectory)), mapScale(scale) {}
+
+std::string LayerStyles::QmlOf(std::string_view layer) const {
+    if (layer == "lines") return LinesQml(*symbology, mapScale);
+    if (layer == "points") return PointsQml(*symbology, mapScale);
+    if (layer == "texts") return TextsQml();
+    return ParcelsQml(mapScale);
+}
+
+bool LayerStyles::AddTo(GDALDataset& geoPackage, const std::vector<OGRLayer*>& layers) const {
+    OGRLayer* table = geoPackage.GetLayerByName("layer_styles");
+    if (table == nullptr) table = CreateTable(geoPackage);
     if (table == nullptr) return false;
     for (OGRLayer* layer : layers) {
-        OGRLayer* written = output.GetLayerByName(layer->GetName());
-        if (written == nullptr) return false;
         OGRFeature row(table->GetLayerDefn());
         row.SetField("f_table_catalog", "");
         row.SetField("f_table_schema", "");
         row.SetField("f_table_name", layer->GetName());
-        row.SetField("f_geometry_column", written->GetGeometryColumn());
+        row.SetField("f_geometry_column", layer->GetGeometryColumn());
         row.SetField("styleName", "map");
-        row.SetField("styleQML", QmlOf(layer->GetName(), *symbology, map.MapScale()).c_str());
+        row.SetField("styleQML", QmlOf(layer->GetName()).c_str());
         row.SetField("description", "As the symbology draws it");
         row.SetField("useAsDefault", 1);
         if (table->CreateFeature(&row) != OGRERR_NONE) return false;

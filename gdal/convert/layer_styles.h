@@ -1,15 +1,32 @@
-// The styles of a GeoPackage's layers, where QGIS looks for them.
+// The styles of the layers, where QGIS looks for them.
 
 #pragma once
 
+#include <gdal_priv.h>
+#include <ogrsf_frmts.h>
+
+#include <memory>
+#include <string>
+#include <string_view>
 #include <vector>
 
-#include "vkm_dataset.h"
+#include "symbology.h"
 
 namespace vemrado::gdal {
 
-// Adds the table layer_styles with a default style for each layer. Nothing when the map has no symbology.
-// False when the table cannot be written, which is reported to GDAL.
-bool AddLayerStyles(GDALDataset& output, VkmDataset& map, const std::vector<OGRLayer*>& layers);
+class LayerStyles {
+  public:
+    LayerStyles(const std::string& dataDirectory, double mapScale);
+
+    // The style document of a layer of that name.
+    std::string QmlOf(std::string_view layer) const;
+    // Adds the table layer_styles to a GeoPackage, or to the one that is there, with a default style for each
+    // layer. False when the table cannot be written, which is reported to GDAL.
+    bool AddTo(GDALDataset& geoPackage, const std::vector<OGRLayer*>& layers) const;
+
+  private:
+    std::shared_ptr<const Symbology> symbology;
+    double mapScale;
+};
 
 }  // namespace vemrado::gdal

@@ -2,6 +2,7 @@
 
 #include <cpl_conv.h>
 #include <cpl_string.h>
+#include <ogr_feature.h>
 
 #include <algorithm>
 #include <string_view>
@@ -15,18 +16,24 @@ constexpr std::string_view containers[] = {"GPKG", "SQLite", "GML", "KML",   "LI
 constexpr std::string_view merging[] = {"DXF"};
 
 struct FieldType {
-    const char* type;
-    const char* substitute;
+    OGRFieldType type;
+    OGRFieldType substitute;
 };
-constexpr FieldType substitutes[] = {
-    {"StringList", "String"}, {"IntegerList", "String"}, {"RealList", "String"}, {"Integer64", "Real"}};
+constexpr FieldType substitutes[] = {{OFTStringList, OFTString},
+                                     {OFTIntegerList, OFTString},
+                                     {OFTRealList, OFTString},
+                                     {OFTInteger64, OFTReal}};
 
 struct LayerOption {
     const char* driver;
     const char* option;
 };
-constexpr LayerOption layerOptions[] = {
-    {"CSV", "GEOMETRY=AS_WKT"}, {"ESRI Shapefile", "ENCODING=UTF-8"}, {"MapInfo File", "ENCODING=CP1250"}};
+constexpr LayerOption layerOptions[] = {{"CSV", "GEOMETRY=AS_WKT"},
+                                        {"ESRI Shapefile", "ENCODING=UTF-8"},
+                                        {"MapInfo File", "ENCODING=CP1250"},
+                                        {"PostgreSQL", "GEOMETRY_NAME=geom"},
+                                        {"PostgreSQL", "FID=id"},
+                                        {"PostgreSQL", "LAUNDER=NO"}};
 
 bool Contains(const auto& names, const char* name) {
     return std::ranges::find(names, name) != std::end(names);
@@ -74,20 +81,22 @@ OutputFormat FindFormat(const std::string& name) {
     return format;
 }
 
-std::vector<std::string> LosslessArguments(GDALDriver& driver) {
-    std::vector<std::string> arguments;
+OGRFieldType FieldTypeFor(GDALDriver& driver, OGRFieldType wanted) {
     const char* types = driver.GetMetadataItem(GDAL_DMD_CREATIONFIELDDATATYPES);
-    const CPLStringList known(CSLTokenizeString2(types != nullptr ? types : "", " ", 0));
-    std::string mapped;
+    if (types == nullptr) return wanted;
+    const CPLStringList known(CSLTokenizeString2(types, " ", 0));
     for (const auto& [type, substitute] : substitutes) {
-        if (types != nullptr && known.FindString(type) < 0)
-            mapped.append(mapped.empty() ? "" : ",").append(type).append("=").append(substitute);
+        if (type == wanted && known.FindString(OGRFieldDefn::GetFieldTypeName(type)) < 0) return substitute;
     }
-    if (!mapped.empty()) arguments = {"-mapFieldType", mapped};
+    return wanted;
+}
+
+std::vector<const char*> LayerOptions(GDALDriver& driver) {
+    std::vector<const char*> options;
     for (const auto& [name, option] : layerOptions) {
-        if (EQUAL(driver.GetDescription(), name)) arguments.insert(arguments.end(), {"-lco", option});
+        if (EQUAL(driver.GetDescription(), name)) options.push_back(option);
     }
-    return arguments;
+    return options;
 }
 
 }  // namespace vemrado::gdal

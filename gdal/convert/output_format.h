@@ -3,6 +3,7 @@
 #pragma once
 
 #include <gdal_priv.h>
+#include <ogr_core.h>
 
 #include <string>
 #include <vector>
@@ -25,7 +26,8 @@ struct OutputFormat {
 // name.
 OutputFormat FindFormat(const std::string& name);
 
-// Arguments of ogr2ogr by which the driver keeps what it would lose by default: lists, geometries, letters.
-std::vector<std::string> LosslessArguments(GDALDriver& driver);
+// By these the driver keeps what it would lose by default: lists as text, geometries, letters.
+OGRFieldType FieldTypeFor(GDALDriver& driver, OGRFieldType wanted);
+std::vector<const char*> LayerOptions(GDALDriver& driver);
 
 }  // namespace vemrado::gdal

@@ -1,5 +1,8 @@
 """Checks `vkm convert`: python3 convert_test.py. VKM names the program, VKM_DATA the folder of the sample maps."""
 
+import collections
+import csv
+import json
 import os
 import resource
 import signal
@@ -7,6 +10,7 @@ import subprocess
 import tempfile
 import time
 import unittest
+import zipfile
 import xml.etree.ElementTree as xml
 
 from osgeo import gdal
@@ -99,8 +103,7 @@ class Convert(unittest.TestCase):
             self.write(f"{number}.vkm", MadeMap(number).bytes())
         self.write("3.vkm", MadeMap(3).bytes()[:-10])
         names = [f"{number}.vkm" for number in range(7)]
-        self.assertIn("--format", self.convert("map.vkm", "-o", "out/", code=2))
-        said = self.convert(*names, "missing.vkm", "-o", "out/", "--format", "gpkg", "--jobs", "3", code=1)
+        said = self.convert(*names, "missing.vkm", "-o", "out/", "--format", "gpkg", "--jobs", "3", code=4)
         for word in ("3.vkm", "missing.vkm"):
             self.assertIn(word, said)
         made = sorted(os.listdir(self.path("out")))
@@ -145,8 +148,8 @@ class Convert(unittest.TestCase):
         self.write("old.gpkg", b"old")
         for arguments, code, word in ((["cut.vkm", "-o", "cut.gpkg"], 1, "cut.vkm"),
                                       (["cut.vkm", "-o", "cut.gpkg", "--quiet"], 1, "cut.vkm"),
-                                      (["missing.vkm", "-o", "x.gpkg"], 1, "missing.vkm"),
-                                      (["map.vkm", "missing.vkm", "-o", "old.gpkg"], 1, "missing.vkm"),
+                                      (["missing.vkm", "-o", "x.gpkg"], 4, "missing.vkm"),
+                                      (["map.vkm", "missing.vkm", "-o", "old.gpkg"], 4, "missing.vkm"),
                                       (["map.vkm", "-o", "x.nothing"], 2, "nothing"),
                                       (["map.vkm", "-o", "x.gpkg", "--layers", "roads"], 2, "roads"),
                                       (["map.vkm", "-o", "x.gpkg", "--srs", "nowhere"], 2, "nowhere"),
@@ -187,7 +190,7 @@ class Convert(unittest.TestCase):
                     time.sleep(0.01)
                 os.killpg(run.pid, signal.SIGINT)
                 said = run.communicate()[1]
-                self.assertEqual((1, []), (run.returncode, self.left_behind()), said)
+                self.assertEqual((4, []), (run.returncode, self.left_behind()), said)
                 self.assertIn("stopped", said)
                 self.assertFalse(os.path.exists(self.path("out.gpkg")) or os.path.exists(self.path("out", "long.gpkg")))
 
@@ -205,6 +208,92 @@ class Convert(unittest.TestCase):
         self.assertEqual((3, []), (run.returncode, self.left_behind()), said)
         self.assertIn("long.vkm", said)
         self.assertEqual({f"{name}_{layer}.fgb" for name in ("map", "other") for layer in COUNTS}, set(os.listdir(self.path("out"))))
+
+    def sheets(self, *names):
+        """Maps of their own in files of these names."""
+        made = {}
+        for number, name in enumerate(names):
+            made[name] = MadeMap(20 + number)
+            os.makedirs(os.path.dirname(self.path(name)), exist_ok=True)
+            self.write(name, made[name].bytes())
+        return made
+
+    def report(self, name="report.json"):
+        with open(self.path(name), encoding="utf-8") as file:
+            return {row["source"]: row for row in (json.load(file) if name.endswith("json") else csv.DictReader(file))}
+
+    def test_folder_is_mirrored_and_reported(self):
+        self.sheets("in/a/1.vkm", "in/b/1.vkm", "in/2.vkm")
+        self.write("in/cut.vkm", MAP.bytes()[:-4])
+        self.convert("in", "-o", "flat/", "--report", "report.csv", "--format", "fgb", "--quiet", code=1)
+        self.assertEqual({"in/2.vkm": "true", "in/cut.vkm": "false"}, {key: row["complete"] for key, row in self.report("report.csv").items()})
+        self.write("in/none.vkm", b"")
+        os.mkdir(self.path("in/none.vkm.d"))
+        os.remove(self.path("in/none.vkm"))
+        os.symlink("nowhere", self.path("in/none.vkm"))
+        self.write("in/bad.zip", b"PK\3\4 nothing")
+        said = self.convert("-r", "in", "-o", "out/", "--jobs", "2", "--report", "report.json", code=4)
+        self.assertIn("4 of 5 maps", said)
+        self.assertEqual({"a", "b", "2.gpkg", "cut.gpkg"}, set(os.listdir(self.path("out"))))
+        self.assertEqual(["1.gpkg"], os.listdir(self.path("out", "b")))
+        report = self.report()
+        self.assertEqual(["source", "made", "complete", "lines", "points", "texts", "parcels", "seconds", "reason"], list(report["in/2.vkm"]))
+        self.assertEqual((True, True, None, len(MadeMap(22).lines)), tuple(report["in/2.vkm"][name] for name in ("made", "complete", "reason", "lines")))
+        self.assertEqual((True, False), (report["in/cut.vkm"]["made"], report["in/cut.vkm"]["complete"]))
+        self.assertEqual((False, True), (report["in/bad.zip"]["made"], "zip" in report["in/bad.zip"]["reason"]))
+
+    def test_archive_with_a_bad_sheet_becomes_one_output(self):
+        made = self.sheets("a.vkm", "b/a.vkm")
+        with zipfile.ZipFile(self.path("all.zip"), "w", zipfile.ZIP_DEFLATED) as archive:
+            for name in made:
+                archive.write(self.path(name), name)
+            archive.writestr("bad.vkm", "no map at all")
+        said = self.convert("all.zip", "-o", "out.gpkg", "--report", "report.json", code=4)
+        self.assertIn("all.zip/bad.vkm", said)
+        counts = counts_of(self.path("out.gpkg"))
+        self.assertEqual((sum(len(one.lines) for one in made.values()), 2), (counts["lines"], counts["sheets"]))
+        self.assertEqual({"all.zip/a.vkm", "all.zip/b/a.vkm"}, {name for name, in values_of(self.path("out.gpkg"), "lines", "source")})
+        # A point's line is the identifier of its line in the output, whatever sheet it is from.
+        dataset = gdal.OpenEx(self.path("out.gpkg"))
+        lines = {line.GetFID(): line["source"] for line in dataset.GetLayer("lines")}
+        points = [(point["line"], point["source"]) for point in dataset.GetLayer("points") if point["line"]]
+        self.assertTrue(points and all(lines[line] == source for line, source in points))
+        self.assertEqual(False, self.report()["all.zip/bad.vkm"]["made"])
+
+    def sheet_rows(self):
+        dataset = gdal.OpenEx(self.path("out.gpkg"))
+        return {row["source"]: row.GetFID() for row in dataset.GetLayer("sheets")}
+
+    def test_update_replaces_what_has_changed(self):
+        made = self.sheets("in/1.vkm", "in/2.vkm", "in/3.vkm")
+        self.convert("in", "-o", "out.gpkg")
+        before = self.sheet_rows()
+        made["in/2.vkm"] = MadeMap(40)
+        self.write("in/2.vkm", made["in/2.vkm"].bytes())
+        os.utime(self.path("in/1.vkm"), (1, 1))  # touched, not changed
+        os.remove(self.path("in/3.vkm"))
+        made.update(self.sheets("in/4.vkm"))
+        for arguments, names in (([], {1, 2, 3, 4}), (["--prune"], {1, 2, 4})):
+            self.convert("in", "-o", "out.gpkg", "--update", *arguments)
+            wanted = {name: one for name, one in made.items() if int(name[3]) in names}
+            for layer in COUNTS:
+                found = collections.Counter(name for name, in values_of(self.path("out.gpkg"), layer, "source"))
+                self.assertEqual({name: len(getattr(one, layer)) for name, one in wanted.items() if getattr(one, layer)}, dict(found))
+        after = self.sheet_rows()
+        self.assertEqual((before["in/1.vkm"], False), (after["in/1.vkm"], before["in/2.vkm"] == after["in/2.vkm"]))
+        self.convert("map.vkm", "-o", "out.gpkg", "--append")
+        self.assertEqual(4, counts_of(self.path("out.gpkg"))["sheets"])
+
+    def test_coordinates(self):
+        self.convert("map.vkm", "-o", "out.gpkg", "--layers", "texts", "--t-srs", "EPSG:4326")
+        dataset = gdal.OpenEx(self.path("out.gpkg"))
+        place = dataset.GetLayer("texts").GetExtent()
+        self.assertTrue(all(abs(number) < 180 for number in place), place)
+        self.assertIn("--t-srs", self.convert("map.vkm", "-o", "out.geojson", "--layers", "texts", "--srs", "EPSG:4326"))
+        x, y = MAP.texts[0]["place"]
+        self.convert("map.vkm", "-o", "out.fgb", "--layers", "texts", "--bbox", f"{x - 1},{y - 1},{x + 1},{y + 1}")
+        self.assertEqual(sum(abs(text["place"][0] - x) <= 1 and abs(text["place"][1] - y) <= 1 for text in MAP.texts),
+                         counts_of(self.path("out.fgb"))["texts"])
 
     def test_standard_input(self):
         with open(self.path("map.vkm"), "rb") as piped:

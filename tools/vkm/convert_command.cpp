@@ -15,47 +15,36 @@
 #include "common_options.h"
 #include "convert_jobs.h"
 #include "convert_library.h"
+#include "convert_report.h"
 #include "framework/framework.h"
+#include "input_progress.h"
+#include "inputs.h"
 #include "program.h"
-#include "zrvDX320/zrvDX320.h"
 
 namespace vemrado::tools {
 namespace {
 
 struct ConvertOptions {
-    std::vector<std::string> files;
+    InputOptions inputs;
     std::string output;
     std::string format;
     std::vector<std::string> layers;
     std::string reference;
+    std::string targetReference;
+    std::string angleUnit;
+    std::string schema;
+    std::string report;
+    std::vector<double> box;
+    std::vector<std::string> openOptions;
     bool parcels = false;
+    bool keepGoing = false;
+    bool append = false;
+    bool update = false;
+    bool prune = false;
+    bool index = false;  // of the command that makes nothing but an index
     int jobs = 1;
     int axisOrientation = 128;
     EncodingChoice encoding;
-};
-
-// The info window's bar of a conversion.
-class Progress {
-  public:
-    Progress() : window(create_info_ext(lines, 1, "", "")) {}
-    Progress(const Progress&) = delete;
-    Progress& operator=(const Progress&) = delete;
-    ~Progress() {
-        if (window != nullptr) close_info(window);
-    }
-
-    // False when the user asks to stop.
-    bool Draw(double share) {
-        const int percent = static_cast<int>(100 * share);
-        if (window == nullptr || percent == drawn) return !client::StopRequested();
-        drawn = percent;
-        return draw_info(window, 100, percent, 0) == 0 && !client::StopRequested();
-    }
-
-  private:
-    static constexpr const char* lines[] = {"Converting"};
-    void* window;
-    int drawn = -1;
 };
 
 std::vector<std::string> DriverOptions(const ConvertOptions& options) {
@@ -67,6 +56,9 @@ std::vector<std::string> DriverOptions(const ConvertOptions& options) {
         std::string("PARCELS=") + (options.parcels ? "YES" : "NO"),
     };
     if (!options.reference.empty()) list.push_back("SRS=" + options.reference);
+    if (!options.angleUnit.empty()) list.push_back("ANGLE_UNIT=" + options.angleUnit);
+    // Those that were given stand first: the driver takes the first of a name.
+    list.insert(list.begin(), options.openOptions.begin(), options.openOptions.end());
     return list;
 }
 
@@ -74,126 +66,278 @@ std::string InputName(const std::string& file) {
     return file == client::standardInputName ? "/vsistdin/" : file;
 }
 
-bool IsFolder(const std::string& output) {
-    return output.ends_with('/') || client::KindOfFile(output) == client::FileKind::directory;
+bool IsDatabase(const std::string& output) {
+    return output.starts_with("PG:");
 }
 
-// The requests of a run: one for all files, or one each when the output is a folder.
-std::vector<gdal::ConvertRequest> RequestsOf(const ConvertOptions& options) {
+bool IsFolder(const std::string& output) {
+    return !IsDatabase(output) &&
+           (output.ends_with('/') || client::KindOfFile(output) == client::FileKind::directory);
+}
+
+// The name of an input's output in a folder, without an ending.
+std::string OutputNameOf(const Input& input) {
+    std::filesystem::path place = input.place;
+    if (place.extension() == ".gz" || place.extension() == ".GZ") place.replace_extension();
+    return place.replace_extension().generic_string();
+}
+
+// One run of the converter: all inputs, or one of them.
+struct Work {
+    gdal::ConvertRequest request;
+    std::vector<size_t> inputs;  // their numbers among all
+};
+
+class Conversion {
+  public:
+    Conversion(const ConvertOptions& wanted, Environment& around)
+        : options(wanted), environment(around), inputs(FindInputs(wanted.inputs)), progress(inputs) {}
+
+    int Run();
+
+  private:
+    void Check() const;
+    bool GoesOn() const;
+    gdal::ConvertRequest CommonRequest() const;
+    void PrepareFolder();
+    std::vector<Work> Works();
+    void TakeProblems();
+    std::string Convert(const Work& work);
+    bool Take(const Work& work, const gdal::ConvertResult& result);
+    void TakeBroken(const Work& work, unsigned long process, int signal);
+    int Conclude();
+    int WorstOf(int a, int b) const;
+
+    const ConvertOptions& options;
+    Environment& environment;
+    std::vector<Input> inputs;
+    std::vector<ReportRow> rows;
+    InputProgress progress;
+    size_t done = 0;
+    uint64_t bytesDone = 0;
+    int exitCode = exitDone;
+    bool stoppedTold = false;
+};
+
+void Conversion::Check() const {
+    CheckReportName(options.report);
+    if (options.append && options.update)
+        throw Failure(exitUsage, "--append and --update exclude each other");
+    if (options.prune && !options.update) throw Failure(exitUsage, "--prune needs --update");
+    const bool toFolder = IsFolder(options.output);
+    if (toFolder && (options.append || options.update))
+        throw Failure(exitUsage, "--append and --update need one output, not a folder");
+    for (const std::string& option : options.openOptions) {
+        if (option.find('=') == std::string::npos)
+            throw Failure(exitUsage, "--open-option: '" + option + "' is not of the form NAME=VALUE");
+    }
+    for (const Input& input : inputs) {
+        if (toFolder && input.name == client::standardInputName)
+            throw Failure(exitUsage, "standard input has no name for a file in a folder: --output needs one");
+        std::error_code none;
+        if (!IsDatabase(options.output) && std::filesystem::equivalent(input.name, options.output, none))
+            throw Failure(exitUsage,
+                          client::SystemTextToUtf8(input.name) + ": an input cannot be the output as well");
+    }
+}
+
+// Sheets that cannot be read are left out where there are many of them.
+bool Conversion::GoesOn() const {
+    return options.keepGoing || IsFolder(options.output) ||
+           std::ranges::any_of(inputs, [](const Input& input) { return input.fromMany; });
+}
+
+gdal::ConvertRequest Conversion::CommonRequest() const {
     gdal::ConvertRequest request;
     request.output = options.output;
-    request.outputIsFolder = IsFolder(options.output);
     request.format = options.format;
     request.layers = options.layers;
     request.openOptions = DriverOptions(options);
-    std::vector<gdal::ConvertRequest> requests;
-    if (request.outputIsFolder) {
-        for (const std::string& file : options.files) {
-            requests.push_back(request);
-            requests.back().inputs = {InputName(file)};
-        }
-        return requests;
-    }
-    for (const std::string& file : options.files) request.inputs.push_back(InputName(file));
-    if (options.files.size() > 1) request.openOptions.push_back("SOURCE_FIELD=YES");
-    return {request};
+    request.keepGoing = GoesOn();
+    request.indexOnly = options.index;
+    request.prune = options.prune;
+    request.schema = options.schema;
+    request.targetReference = options.targetReference;
+    request.box = options.box;
+    if (options.append) request.mode = gdal::OutputMode::append;
+    if (options.update) request.mode = gdal::OutputMode::update;
+    return request;
 }
 
 // Each input gets an output of its own name in the folder, which is made when it is not there.
-void PrepareFolder(const ConvertOptions& options) {
-    if (options.format.empty())
-        throw Failure(exitUsage, "--output is a folder: say by --format what the files in it shall be");
+void Conversion::PrepareFolder() {
     std::set<std::string> names;
-    for (const std::string& file : options.files) {
-        if (file == client::standardInputName)
-            throw Failure(exitUsage, "standard input has no name for a file in a folder: --output needs one");
-        if (!names.insert(std::filesystem::path(file).stem()).second)
-            throw Failure(exitUsage,
-                          "two inputs would have the same output: " + client::SystemTextToUtf8(file));
-    }
     std::error_code error;
-    std::filesystem::create_directory(options.output, error);
+    std::filesystem::create_directories(options.output, error);
+    for (const Input& input : inputs) {
+        if (!input.problem.empty()) continue;
+        const std::filesystem::path name = OutputNameOf(input);
+        if (!names.insert(name.generic_string()).second)
+            throw Failure(exitUsage,
+                          "two inputs would have the same output: " + client::SystemTextToUtf8(input.name));
+        if (!error && name.has_parent_path())
+            std::filesystem::create_directories(options.output / name.parent_path(), error);
+    }
     if (error) {
         throw Failure(exitInternal, client::SystemTextToUtf8(options.output) +
                                         ": cannot be made: " + client::SystemTextToUtf8(error.message()));
     }
 }
 
-void CheckFile(const ConvertOptions& options) {
-    if (std::ranges::count(options.files, client::standardInputName) > 1)
-        throw Failure(exitUsage, "standard input can be read only once");
-    for (const std::string& file : options.files) {
-        std::error_code none;
-        if (std::filesystem::equivalent(file, options.output, none))
-            throw Failure(exitUsage,
-                          client::SystemTextToUtf8(file) + ": an input cannot be the output as well");
+std::vector<Work> Conversion::Works() {
+    std::vector<Work> works;
+    Work work{CommonRequest(), {}};
+    const bool toFolder = IsFolder(options.output);
+    if (toFolder && work.request.format.empty()) work.request.format = "gpkg";
+    for (size_t i = 0; i < inputs.size(); ++i) {
+        if (!inputs[i].problem.empty()) continue;
+        work.request.inputs.push_back(InputName(inputs[i].name));
+        work.inputs.push_back(i);
+        if (!toFolder) continue;
+        works.push_back(work);
+        works.back().request.nameInFolder = OutputNameOf(inputs[i]);
+        work.request.inputs.clear();
+        work.inputs.clear();
     }
+    if (toFolder || work.inputs.empty()) return works;
+    const bool many = inputs.size() > 1 || inputs.front().fromMany || IsDatabase(options.output);
+    work.request.manySheets = many || options.append || options.update;
+    return {work};
+}
+
+// Inputs that nobody need try to read.
+void Conversion::TakeProblems() {
+    for (const Input& input : inputs) {
+        rows.push_back({client::SystemTextToUtf8(client::ShownName(input.name.c_str())), {}});
+        if (input.problem.empty()) continue;
+        rows.back().sheet.reason = input.problem;
+        environment.Error(input.problem);
+        exitCode = exitNotMade;
+        ++done;
+    }
+}
+
+// In a process of its own: what the result says to the process that waits for it.
+std::string Conversion::Convert(const Work& work) {
+    gdal::ConvertResult result;
+    const bool single = work.inputs.size() == inputs.size();
+    const gdal::ConvertReports reports = {[] { return !client::StopRequested(); },
+                                          [&](size_t finished, double part) {
+                                              if (single) progress.ShowPart(finished, part);
+                                          },
+                                          [&](const std::string& text) { environment.Warn(text); }};
+    try {
+        (*LoadConverter())(work.request, reports, result);
+    } catch (const std::exception& error) {
+        result.outcome = gdal::ConvertOutcome::outputFailed;
+        result.problem = rows[work.inputs.front()].source + ": " + error.what();
+    }
+    return ResultText(result);
 }
 
 int ExitCodeOf(gdal::ConvertOutcome outcome) {
     switch (outcome) {
         case gdal::ConvertOutcome::complete:
             return exitDone;
+        case gdal::ConvertOutcome::incomplete:
+            return exitInput;
         case gdal::ConvertOutcome::badRequest:
             return exitUsage;
         case gdal::ConvertOutcome::outputFailed:
+        case gdal::ConvertOutcome::diskFull:
             return exitInternal;
         default:
-            return exitInput;
+            return exitNotMade;
     }
 }
 
-int RunOne(const gdal::ConvertRequest& request, const std::function<bool(double)>& progress,
-           Environment& environment) {
-    const gdal::ConvertReports reports = {progress, [&](const std::string& text) { environment.Warn(text); }};
-    gdal::ConvertResult result;
-    (*LoadConverter())(request, reports, result);
-    // The warnings have said what is incomplete.
-    const bool said = result.outcome == gdal::ConvertOutcome::incomplete && !environment.quiet;
-    if (!result.problem.empty() && !said) environment.Error(result.problem);
-    return ExitCodeOf(result.outcome);
+// A failure of ours says more than an input's, and that nothing was made more than that it is incomplete.
+int Conversion::WorstOf(int a, int b) const {
+    constexpr int ranks[] = {0, 1, 4, 3, 2};  // by exit code
+    return ranks[a] > ranks[b] ? a : b;
 }
 
-// A file each, in as many processes as wanted.
-int RunMany(const std::vector<gdal::ConvertRequest>& requests, int processes, Environment& environment) {
-    Progress bar;
-    Jobs jobs;
-    jobs.work = [&](size_t i) -> int {
-        if (client::StopRequested()) return exitInput;
-        try {
-            return RunOne(
-                requests[i], [](double) { return !client::StopRequested(); }, environment);
-        } catch (const std::exception& error) {
-            environment.Error(client::SystemTextToUtf8(requests[i].inputs.front()) + ": " + error.what());
-            return exitInternal;
+bool Conversion::Take(const Work& work, const gdal::ConvertResult& result) {
+    using gdal::ConvertOutcome;
+    const ConvertOutcome outcome = result.outcome;
+    const bool made = outcome == ConvertOutcome::complete || outcome == ConvertOutcome::incomplete ||
+                      outcome == ConvertOutcome::partial;
+    for (size_t i = 0; i < work.inputs.size(); ++i) {
+        gdal::SheetReport& sheet = rows[work.inputs[i]].sheet;
+        if (i < result.sheets.size()) sheet = result.sheets[i];
+        if (!made && sheet.reason.empty()) {
+            sheet.made = false;
+            sheet.reason = result.problem;
         }
-    };
-    jobs.progress = [&](size_t finished) {
-        bar.Draw(static_cast<double>(finished) / static_cast<double>(requests.size()));
-    };
-    jobs.broken = [&](size_t i, unsigned long process, int signal) -> int {
-        std::error_code none;
-        std::filesystem::remove_all(
-            std::filesystem::path(requests[i].output) / gdal::StagingFolderName(process), none);
-        environment.Error(client::SystemTextToUtf8(requests[i].inputs.front()) +
-                          ": the process that converted it was ended by signal " + std::to_string(signal));
-        return exitInternal;
-    };
-    return RunJobs(requests.size(), processes, jobs);
+        ++done;
+        bytesDone += inputs[work.inputs[i]].bytes;
+    }
+    progress.Show(done, bytesDone);
+    exitCode = WorstOf(exitCode, ExitCodeOf(outcome));
+    // The warnings have said what is incomplete or left out.
+    const bool said =
+        (outcome == ConvertOutcome::incomplete || outcome == ConvertOutcome::partial) && !environment.quiet;
+    const bool isStop = outcome == ConvertOutcome::stopped;
+    if (!result.problem.empty() && !said && !(isStop && work.inputs.size() < inputs.size()))
+        environment.Error(result.problem);
+    stoppedTold |= isStop && work.inputs.size() == inputs.size();
+    return outcome != ConvertOutcome::diskFull && outcome != ConvertOutcome::badRequest;
 }
 
-int RunConvert(const ConvertOptions& options, Environment& environment) {
-    if (IsFolder(options.output)) {
-        PrepareFolder(options);
-    } else {
-        CheckFile(options);
+void Conversion::TakeBroken(const Work& work, unsigned long process, int signal) {
+    std::error_code none;
+    const std::filesystem::path folder =
+        std::filesystem::path(options.output +
+                              (work.request.nameInFolder.empty() ? "" : "/" + work.request.nameInFolder))
+            .parent_path();
+    std::filesystem::remove_all(folder / gdal::StagingFolderName(process), none);
+    const bool stopped = client::StopRequested();
+    const std::string reason =
+        stopped ? "stopped on request; nothing was made"
+                : "the process that converted it was ended by signal " + std::to_string(signal);
+    for (const size_t i : work.inputs) rows[i].sheet.reason = reason;
+    exitCode = WorstOf(exitCode, stopped ? exitNotMade : exitInternal);
+    const bool single = work.inputs.size() > 1 || inputs.size() == 1;
+    stoppedTold |= stopped && single;
+    const std::string name =
+        single ? client::SystemTextToUtf8(options.output) : rows[work.inputs.front()].source;
+    if (!stopped || single) environment.Error(name + ": " + reason);
+}
+
+int Conversion::Conclude() {
+    size_t made = 0;
+    for (ReportRow& row : rows) {
+        if (row.sheet.made) ++made;
+        if (row.sheet.made || !row.sheet.reason.empty()) continue;
+        row.sheet.reason =
+            client::StopRequested() ? "stopped on request" : "not tried, for the run ended before";
+        exitCode = WorstOf(exitCode, exitNotMade);
     }
-    const std::vector<gdal::ConvertRequest> requests = RequestsOf(options);
+    if (!options.report.empty()) WriteReport(options.report, rows);
+    const std::string counts =
+        std::to_string(made) + " of " + std::to_string(rows.size()) + " maps were made";
+    if (client::StopRequested() && !stoppedTold) {
+        environment.Error("stopped on request; " + counts);
+    } else if (rows.size() > 1 && made < rows.size()) {
+        environment.Error(counts);
+    }
+    return exitCode;
+}
+
+int Conversion::Run() {
+    Check();
+    if (IsFolder(options.output)) PrepareFolder();
+    TakeProblems();
+    if (exitCode != exitDone && !GoesOn()) return exitCode;
+    const std::vector<Work> works = Works();
     LoadConverter();
-    if (requests.size() > 1) return RunMany(requests, options.jobs, environment);
-    Progress bar;
-    return RunOne(
-        requests.front(), [&](double share) { return bar.Draw(share); }, environment);
+    Jobs jobs;
+    jobs.work = [&](size_t i) { return Convert(works[i]); };
+    jobs.done = [&](size_t i, const std::string& told) { return Take(works[i], ResultOf(told)); };
+    jobs.broken = [&](size_t i, unsigned long process, int signal) { TakeBroken(works[i], process, signal); };
+    jobs.stopRequested = [] { return client::StopRequested(); };
+    RunJobs(works.size(), options.jobs, jobs);
+    return Conclude();
 }
 
 }  // namespace
@@ -207,19 +351,23 @@ void AddConvertCommand(Program& program) {
         "the output's name tells which, or --format. Formats that hold one layer only get a file for each, "
         "such as town_lines.shp; a DXF file takes all features with their layers. A GeoPackage opens in "
         "QGIS with the styles of the symbology.\n\n"
-        "Many inputs become one output with a field source, or an output each when OUT is a folder. An "
-        "output appears whole or not at all. A file without its closing record is converted without its "
-        "last element; the exit code is 1 then.",
+        "Many inputs become one output with fields source and map_scale, or an output each when OUT is a "
+        "folder, which mirrors the folders of the inputs. An output appears whole or not at all. "
+        "PG:dbname=gis is a database with PostGIS.\n\n"
+        "The exit code is 0 when all was made, 1 when something made lacks its closing record and so its "
+        "last "
+        "element, 4 when some input was not made.",
         {{"vkm convert town.vkm -o town.gpkg", "a GeoPackage that looks like the map"},
          {"vkm convert town.vkm -o town.gpkg --parcels", "with parcel polygons and their numbers"},
          {"vkm convert sheets/*.vkm -o country.gpkg", "many files in one"},
          {"vkm convert sheets/*.vkm -o out/ --format fgb --jobs 4", "a file each, four at a time"},
+         {"vkm convert -r sheets/ -o out/ --report report.csv", "a GeoPackage each, in the same folders"},
+         {"vkm convert archive.zip -o PG:dbname=gis --schema cadastre --update",
+          "what is new into a database"},
          {"vkm convert town.vkm -o lines.geojson --layers lines", "one layer only"}}};
-    CLI::App& command =
-        program.Add(text, [options](Environment& environment) { return RunConvert(*options, environment); });
-    command.add_option("FILE", options->files, "The VKM files; - is standard input")
-        ->type_name("")
-        ->required();
+    CLI::App& command = program.Add(
+        text, [options](Environment& environment) { return Conversion(*options, environment).Run(); });
+    AddInputOptions(command, options->inputs);
     command.add_option("-o,--output", options->output, "The output file, or a folder for an output each")
         ->type_name("OUT")
         ->required();
@@ -243,6 +391,32 @@ void AddConvertCommand(Program& program) {
         ->type_name("N")
         ->capture_default_str()
         ->check(CLI::Range(1, 256));
+    command
+        .add_option("--t-srs", options->targetReference,
+                    "Transform coordinates to this reference system, such as EPSG:4326")
+        ->type_name("SRS");
+    command
+        .add_option("--bbox", options->box, "Only what touches this box, in coordinates of --srs")
+        ->type_name("X,Y,X,Y")
+        ->delimiter(',')
+        ->expected(4);
+    CLI::Option* unit = command.add_option("--angle-unit", options->angleUnit,
+                                           "Unit of the rotations (U) in the file: gon, deg or rad");
+    unit->type_name("UNIT")->check(CLI::IsMember({"gon", "deg", "rad"}).description(""))->default_str("gon");
+    program.SetChoices(*unit, {"gon", "deg", "rad"});
+    command
+        .add_option("--open-option", options->openOptions,
+                    "An open option of the GDAL driver, such as PARCEL_LAYER=3")
+        ->type_name("NAME=VALUE")
+        ->allow_extra_args(false);
+    command.add_flag("--keep-going", options->keepGoing,
+                     "Leave out files that cannot be read; the default for folders, archives and lists");
+    command.add_option("--report", options->report, "Write what became of every input")
+        ->type_name("FILE.json|FILE.csv");
+    command.add_flag("--append", options->append, "Add to the layers that are there");
+    command.add_flag("--update", options->update, "Add new sheets and replace those that have changed");
+    command.add_flag("--prune", options->prune, "With --update: remove sheets that are not among the inputs");
+    command.add_option("--schema", options->schema, "Schema of a PostgreSQL output")->type_name("NAME");
     AddOrientationOption(program, command, options->axisOrientation);
     AddEncodingOption(program, command, options->encoding);
 }

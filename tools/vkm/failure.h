@@ -12,6 +12,7 @@ enum ExitCode : int {
     exitInput = 1,     // an input could not be used or is incomplete
     exitUsage = 2,     // the command line makes no sense
     exitInternal = 3,  // anything else, such as a full disk
+    exitNotMade = 4,   // of convert: some inputs were not made into an output
 };
 
 // Ends a command. what() is one clear sentence of UTF-8 that names file and reason.

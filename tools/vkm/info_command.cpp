@@ -66,7 +66,7 @@ int RunInfo(const InfoOptions& options, Environment& environment) {
     int exitCode = exitDone;
     for (const Input& input : inputs) {
         const InspectedFile inspected = Inspect(input, options.axisOrientation, environment);
-        progress.Finish(input);
+        if (inputs.size() > 1) progress.Finish(input);
         if (inspected.outcome != ReadOutcome::complete) exitCode = exitInput;
         if (options.json) {
             list.push_back(ReportJson(inspected.report));

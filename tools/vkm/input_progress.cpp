@@ -21,8 +21,17 @@ std::string Duration(double seconds) {
 
 }  // namespace
 
-InputProgress::InputProgress(const std::vector<Input>& inputs) : count(inputs.size()) {
-    for (const Input& input : inputs) bytesOfAll += input.bytes;
+InputProgress::InputProgress(const std::vector<Input>& all) : inputs(all), count(all.size()) {
+    for (const Input& input : inputs) {
+        bytesBefore.push_back(bytesOfAll);
+        bytesOfAll += input.bytes;
+    }
+}
+
+void InputProgress::ShowPart(size_t inputsDone, double part) {
+    if (inputsDone >= count) return Show(count, bytesOfAll);
+    const auto partBytes = part * static_cast<double>(inputs[inputsDone].bytes);
+    Show(inputsDone, bytesBefore[inputsDone] + static_cast<uint64_t>(partBytes));
 }
 
 InputProgress::~InputProgress() {
@@ -30,6 +39,7 @@ InputProgress::~InputProgress() {
 }
 
 std::string InputProgress::Text(Clock::time_point now) const {
+    if (count < 2) return "Converting";
     std::string text = std::to_string(done) + " of " + std::to_string(count) + " maps";
     if (bytesOfAll == 0) return text;
     text += ", " + Megabytes(bytesDone) + " of " + Megabytes(bytesOfAll) + " MB";
@@ -45,7 +55,7 @@ void InputProgress::Show(size_t inputsDone, uint64_t bytes) {
     done = std::min(inputsDone, count);
     bytesDone = std::min(bytes, bytesOfAll);
     const Clock::time_point now = Clock::now();
-    if (count < 2 || now - shown < between) return;
+    if (now - shown < between) return;
     shown = now;
     if (window != nullptr) close_info(window);
     window = create_info_ext(nullptr, 0, Text(now).c_str(), "");

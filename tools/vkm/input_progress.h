@@ -24,13 +24,17 @@ class InputProgress {
     void Finish(const Input& input) { Show(done + 1, bytesDone + input.bytes); }
     // So many are done, so many bytes of them.
     void Show(size_t inputsDone, uint64_t bytes);
+    // So many are done, and such a part of the next.
+    void ShowPart(size_t inputsDone, double part);
 
   private:
     using Clock = std::chrono::steady_clock;
 
     std::string Text(Clock::time_point now) const;
 
+    const std::vector<Input>& inputs;
     size_t count;
+    std::vector<uint64_t> bytesBefore;  // of each input
     uint64_t bytesOfAll = 0;
     size_t done = 0;
     uint64_t bytesDone = 0;

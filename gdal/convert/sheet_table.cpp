@@ -1,0 +1,129 @@
+#include "sheet_table.h"
+
+#include <cpl_string.h>
+
+#include <utility>
+
+namespace vemrado::gdal {
+
+namespace {
+
+enum SheetField : int {
+    sheetSource,
+    sheetScale,
+    sheetDate,
+    sheetTitle,
+    sheetComplete,
+    sheetLines,
+    sheetPoints,
+    sheetTexts,
+    sheetParcels,
+    sheetSize,
+    sheetModified,
+    sheetHash
+};
+constexpr FieldSchema sheetFields[] = {
+    {"source", OFTString, "File"},
+    {"map_scale", OFTReal, "Map scale number"},
+    {"date", OFTString, "Date (D record)"},
+    {"title", OFTString, "Comments of the header"},
+    {"complete", OFTInteger, "1 when the file has its closing record"},
+    {"lines", OFTInteger64, "Number of lines"},
+    {"points", OFTInteger64, "Number of points"},
+    {"texts", OFTInteger64, "Number of texts"},
+    {"parcels", OFTInteger64, "Number of parcels"},
+    {"size", OFTInteger64, "Bytes of the file"},
+    {"modified", OFTInteger64, "Time of the file's last change, s since 1970"},
+    {"hash", OFTString, "Hash of the file's bytes"}};
+constexpr LayerSchema sheetSchema = {"sheets", wkbPolygon, sheetFields};
+
+OGRGeometry* Outline(const OGREnvelope& extent) {
+    auto ring = new OGRLinearRing();
+    ring->addPoint(extent.MinX, extent.MinY);
+    ring->addPoint(extent.MaxX, extent.MinY);
+    ring->addPoint(extent.MaxX, extent.MaxY);
+    ring->addPoint(extent.MinX, extent.MaxY);
+    ring->closeRings();
+    auto outline = new OGRPolygon();
+    outline->addRingDirectly(ring);
+    return outline;
+}
+
+uint64_t CountOf(OGRFeature& row, const char* field) {
+    const int index = row.GetFieldIndex(field);
+    return index >= 0 ? static_cast<uint64_t>(row.GetFieldAsInteger64(index)) : 0;
+}
+
+std::string TextOf(OGRFeature& row, const char* field) {
+    const int index = row.GetFieldIndex(field);
+    return index >= 0 ? row.GetFieldAsString(index) : "";
+}
+
+}  // namespace
+
+SheetTable::SheetTable(const OGRSpatialReference* reference) : definition(sheetSchema, reference) {}
+
+bool SheetTable::AddTo(OutputLayers& output) {
+    if (!output.Add(outputSheets, *definition.Get(), wkbPolygon)) return false;
+    if (output.WasThere(outputSheets)) Load(*output.Layer(outputSheets));
+    return true;
+}
+
+void SheetTable::Load(OGRLayer& layer) {
+    layer.ResetReading();
+    while (const OGRFeatureUniquePtr feature{layer.GetNextFeature()}) {
+        Row row;
+        row.stamp.size = static_cast<int64_t>(CountOf(*feature, "size"));
+        row.stamp.modified = static_cast<int64_t>(CountOf(*feature, "modified"));
+        row.stamp.hash = TextOf(*feature, "hash");
+        row.report.made = true;
+        row.report.complete = CountOf(*feature, "complete") != 0;
+        row.report.lines = CountOf(*feature, "lines");
+        row.report.points = CountOf(*feature, "points");
+        row.report.texts = CountOf(*feature, "texts");
+        row.report.parcels = CountOf(*feature, "parcels");
+        if (feature->GetGeometryRef() != nullptr) feature->GetGeometryRef()->getEnvelope(&row.extent);
+        rows.insert_or_assign(TextOf(*feature, "source"), row);
+    }
+}
+
+const SheetTable::Row* SheetTable::Find(const std::string& name) const {
+    const auto found = rows.find(name);
+    return found != rows.end() ? &found->second : nullptr;
+}
+
+bool SheetTable::Put(OutputLayers& output, const std::string& name, const Row& row, double mapScale,
+                     const SheetHeader& header) {
+    OGRFeature feature(definition.Get());
+    feature.SetField(sheetSource, name.c_str());
+    feature.SetField(sheetScale, mapScale);
+    if (!header.date.empty()) feature.SetField(sheetDate, header.date.c_str());
+    if (!header.title.empty()) feature.SetField(sheetTitle, header.title.c_str());
+    feature.SetField(sheetComplete, row.report.complete ? 1 : 0);
+    feature.SetField(sheetLines, static_cast<GIntBig>(row.report.lines));
+    feature.SetField(sheetPoints, static_cast<GIntBig>(row.report.points));
+    feature.SetField(sheetTexts, static_cast<GIntBig>(row.report.texts));
+    feature.SetField(sheetParcels, static_cast<GIntBig>(row.report.parcels));
+    feature.SetField(sheetSize, static_cast<GIntBig>(row.stamp.size));
+    feature.SetField(sheetModified, static_cast<GIntBig>(row.stamp.modified));
+    feature.SetField(sheetHash, row.stamp.hash.c_str());
+    if (row.extent.IsInit()) {
+        OGRGeometry* outline = Outline(row.extent);
+        outline->assignSpatialReference(definition.Reference());
+        feature.SetGeometryDirectly(outline);
+    }
+    rows.insert_or_assign(name, row);
+    return output.Write(outputSheets, feature);
+}
+
+bool RemoveSheet(OutputLayers& output, const std::string& name) {
+    for (const OutputKind kind : {outputLines, outputPoints, outputTexts, outputSheets}) {
+        if (!output.WasThere(kind)) continue;
+        const std::string table = output.Table(output.Layer(kind)->GetName());
+        if (!output.Run("DELETE FROM " + table + " WHERE source = " + OutputLayers::Quoted(name)))
+            return false;
+    }
+    return true;
+}
+
+}  // namespace vemrado::gdal
