@@ -11,8 +11,8 @@ namespace vemrado::gdal {
 
 namespace {
 
-constexpr std::string_view containers[] = {"GPKG", "SQLite", "GML", "KML",   "LIBKML",
-                                           "ODS",  "XLSX",   "PDF", "PGDUMP"};
+constexpr std::string_view containers[] = {"GPKG", "SQLite", "GML", "KML",    "LIBKML",
+                                           "ODS",  "XLSX",   "PDF", "PGDUMP", "PostgreSQL"};
 constexpr std::string_view merging[] = {"DXF"};
 
 struct FieldType {
