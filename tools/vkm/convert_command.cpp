@@ -415,7 +415,7 @@ void AddConvertCommand(Program& program) {
         ->type_name("FILE.json|FILE.csv");
     command.add_flag("--append", options->append, "Add to the layers that are there");
     command.add_flag("--update", options->update, "Add new sheets and replace those that have changed");
-    command.add_flag("--prune", options->prune, "With --update: remove sheets that are not among the inputs");
+    command.add_flag("--prune", options->prune, "When updating, remove sheets that are not among the inputs");
     command.add_option("--schema", options->schema, "Schema of a PostgreSQL output")->type_name("NAME");
     AddOrientationOption(program, command, options->axisOrientation);
     AddEncodingOption(program, command, options->encoding);
