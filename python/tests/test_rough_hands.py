@@ -1,0 +1,133 @@
+"""No input, type or order of calls ends the process; snippets of the documents run; a cluster loses nothing."""
+
+from __future__ import annotations
+
+import json
+import os
+import re
+import subprocess
+import sys
+import warnings
+from pathlib import Path
+
+import pytest
+import vemrado
+from conftest import SMALL
+from hypothesis import HealthCheck, given, settings
+from hypothesis import strategies as st
+
+REPOSITORY = Path(__file__).resolve().parents[2]
+
+anything = st.one_of(
+    st.none(), st.booleans(), st.integers(), st.floats(), st.text(max_size=20), st.binary(max_size=40),
+    st.lists(st.integers(), max_size=3), st.just(SMALL), st.sampled_from(["lines", "-y,-x", "utf-8", "texts"]),
+)  # fmt: skip
+calls = [
+    lambda a, b, c: vemrado.open(a, layer=b, encoding=c),
+    lambda a, b, c: vemrado.open(a, orientation=b, symbology=c),
+    lambda a, b, c: vemrado.read_geopandas(a, layer=b, bbox=c),
+    lambda a, b, c: vemrado.read_many(a, threads=b, layer=c, progress=False),
+    lambda a, b, c: vemrado.check(a, only=b, ignore=c),
+    lambda a, b, c: vemrado.diff(a, b, tolerance=c),
+    lambda a, b, c: vemrado.render(a, format=b, width=c),
+    lambda a, b, c: vemrado.open(SMALL).table(a),
+    lambda a, b, c: vemrado.open(SMALL).line_style(a),
+    lambda a, b, c: vemrado.open(SMALL).texts.rows_in(a),
+    lambda a, b, c: vemrado.open(SMALL).texts[a],
+]
+
+
+@settings(max_examples=400, deadline=None, suppress_health_check=[HealthCheck.too_slow])
+@given(st.sampled_from(calls), anything, anything, anything)
+def test_everything_with_everything(call, a, b, c) -> None:  # type: ignore[no-untyped-def]
+    with warnings.catch_warnings():
+        warnings.simplefilter("ignore")
+        try:
+            call(a, b, c)
+        except (OSError, ValueError, TypeError, KeyError, AttributeError, OverflowError, NotImplementedError):
+            pass
+        except Exception as error:  # ctypes has a class of its own for arguments of a wrong type
+            assert type(error).__name__ in ("ArgumentError", "IndexError"), repr(error)
+
+
+@settings(max_examples=150, deadline=None)
+@given(st.integers(0, len(SMALL)), st.binary(max_size=12))
+def test_any_bytes_are_a_map(place: int, more: bytes) -> None:
+    with warnings.catch_warnings():
+        warnings.simplefilter("ignore")
+        try:
+            with vemrado.open(SMALL[:place] + more + SMALL[place:]) as opened:
+                rows = [len(opened.table(name)) for name in ("lines", "points", "texts", "parcels")]
+                assert rows[2] == sum(isinstance(element, vemrado.Text) for element in opened)
+        except vemrado.OpenError as error:
+            assert "not a VKM file" in str(error)
+
+
+def test_exit_with_everything_open() -> None:
+    script = f"""
+import threading, vemrado
+opened = vemrado.open({SMALL!r})
+capsule = opened.lines.__arrow_c_stream__()
+elements = iter(opened); next(elements)
+threading.Thread(target=lambda: [list(vemrado.open({SMALL!r})) for _ in range(200)], daemon=True).start()
+"""
+    assert subprocess.run([sys.executable, "-c", script], timeout=60).returncode == 0
+
+
+def test_snippets_of_the_guide_run(town_folder: Path) -> None:
+    matplotlib = pytest.importorskip("matplotlib")
+    matplotlib.use("Agg")
+    guide = (REPOSITORY / "docs" / "python.md").read_text()
+    names: dict[str, object] = {}
+    snippets = re.findall(r"```python\n(.*?)```", guide, re.DOTALL)
+    assert len(snippets) >= 8
+    for snippet in snippets:
+        exec(compile(snippet, "docs/python.md", "exec"), names)
+    assert (town_folder / "parcels.png").stat().st_size > 5000
+
+
+def test_the_notebook_runs(town_folder: Path) -> None:
+    nbclient = pytest.importorskip("nbclient")
+    nbformat = pytest.importorskip("nbformat")
+    book = nbformat.read(REPOSITORY / "samples" / "notebook.ipynb", as_version=4)
+    nbclient.NotebookClient(book, timeout=120, kernel_name="python3").execute()
+    kinds = {
+        kind for cell in book.cells for output in cell.get("outputs", []) for kind in output.get("data", {})
+    }
+    assert "text/html" in kinds and kinds & {"image/png", "image/svg+xml"}
+
+
+def test_a_cluster_that_loses_a_worker_loses_nothing(tmp_path: Path) -> None:
+    """A scheduler and two workers as processes; one worker is killed in the middle."""
+    pytest.importorskip("distributed")
+    sheets = tmp_path / "sheets"
+    sheets.mkdir()
+    for number in range(40):
+        text = SMALL if number != 7 else b"\x1f\x8bbroken"
+        (sheets / f"{number:02}.vkm").write_bytes(text)
+    script = tmp_path / "run.py"
+    script.write_text(
+        """
+import json, os, signal, sys, time
+from distributed import Client, LocalCluster, as_completed
+import vemrado, vemrado.dask
+
+def work(sheet):
+    time.sleep(0.05)
+    return len(sheet.lines)
+
+if __name__ == "__main__":
+    names = sorted(os.path.join(sys.argv[1], name) for name in os.listdir(sys.argv[1]))
+    with LocalCluster(n_workers=2, threads_per_worker=1, dashboard_address=None) as cluster, Client(cluster) as client:
+        futures = client.compute(vemrado.dask.bag(names, work).to_delayed())
+        next(iter(as_completed(futures)))
+        os.kill(next(iter(cluster.workers.values())).process.pid, signal.SIGKILL)
+        print(json.dumps([list(item) for part in client.gather(futures) for item in part]))
+"""
+    )
+    run = subprocess.run([sys.executable, script, sheets], capture_output=True, text=True, timeout=120)
+    assert run.returncode == 0, run.stderr
+    results = json.loads(run.stdout.splitlines()[-1])
+    assert [os.path.basename(name) for name, _, _ in results] == [f"{number:02}.vkm" for number in range(40)]
+    assert [name for name, rows, _ in results if rows != 2] == [str(sheets / "07.vkm")]
+    assert next(reason for name, rows, reason in results if rows is None)

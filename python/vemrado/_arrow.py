@@ -1,0 +1,281 @@
+"""Reads Arrow's C structures into numpy arrays without a copy, and hands streams on as capsules."""
+
+from __future__ import annotations
+
+import ctypes
+import os
+from ctypes import CFUNCTYPE, POINTER, Structure, c_char_p, c_int, c_int64, c_void_p
+from dataclasses import dataclass, field
+from typing import Any, Callable, Optional
+
+import numpy as np
+import numpy.typing as npt
+
+
+class ArrowSchema(Structure):
+    pass
+
+
+ArrowSchema._fields_ = [
+    ("format", c_char_p),
+    ("name", c_char_p),
+    ("metadata", c_void_p),
+    ("flags", c_int64),
+    ("n_children", c_int64),
+    ("children", POINTER(POINTER(ArrowSchema))),
+    ("dictionary", POINTER(ArrowSchema)),
+    ("release", c_void_p),
+    ("private_data", c_void_p),
+]
+
+
+class ArrowArray(Structure):
+    pass
+
+
+ArrowArray._fields_ = [
+    ("length", c_int64),
+    ("null_count", c_int64),
+    ("offset", c_int64),
+    ("n_buffers", c_int64),
+    ("n_children", c_int64),
+    ("buffers", POINTER(c_void_p)),
+    ("children", POINTER(POINTER(ArrowArray))),
+    ("dictionary", POINTER(ArrowArray)),
+    ("release", c_void_p),
+    ("private_data", c_void_p),
+]
+
+
+class ArrowArrayStream(Structure):
+    pass
+
+
+ArrowArrayStream._fields_ = [
+    ("get_schema", CFUNCTYPE(c_int, POINTER(ArrowArrayStream), POINTER(ArrowSchema))),
+    ("get_next", CFUNCTYPE(c_int, POINTER(ArrowArrayStream), POINTER(ArrowArray))),
+    ("get_last_error", CFUNCTYPE(c_char_p, POINTER(ArrowArrayStream))),
+    ("release", c_void_p),
+    ("private_data", c_void_p),
+]
+
+_RELEASE = CFUNCTYPE(None, c_void_p)
+_NULLABLE = 2
+
+#: Element types of the fixed-width formats.
+_DTYPES = {
+    "c": "i1",
+    "C": "u1",
+    "s": "<i2",
+    "S": "<u2",
+    "i": "<i4",
+    "I": "<u4",
+    "l": "<i8",
+    "L": "<u8",
+    "f": "<f4",
+    "g": "<f8",
+}
+
+
+def release(structure: Any) -> None:
+    """Ends the life of a schema, an array or a stream; a released one is left alone."""
+    if structure.release:
+        _RELEASE(structure.release)(ctypes.addressof(structure))
+
+
+@dataclass
+class Field:
+    """A column's type. ``kind`` is its format, ``metadata`` holds texts."""
+
+    name: str
+    kind: str
+    nullable: bool
+    metadata: dict[str, str]
+    children: list[Field] = field(default_factory=list)
+
+
+def dtype_of(kind: Field) -> str:
+    """What numpy calls the values; objects where they are texts or lists."""
+    return _DTYPES.get(kind.kind, "O")
+
+
+def _metadata(address: Optional[int]) -> dict[str, str]:
+    if not address:
+        return {}
+    place = address
+
+    def number() -> int:
+        nonlocal place
+        value = ctypes.c_int32.from_address(place).value
+        place += 4
+        return value
+
+    def text() -> str:
+        nonlocal place
+        length = number()
+        value = ctypes.string_at(place, length).decode("utf-8", "replace")
+        place += length
+        return value
+
+    return {text(): text() for _ in range(number())}
+
+
+def read_field(schema: ArrowSchema) -> Field:
+    return Field(
+        (schema.name or b"").decode(),
+        schema.format.decode(),
+        bool(schema.flags & _NULLABLE),
+        _metadata(schema.metadata),
+        [read_field(schema.children[i].contents) for i in range(schema.n_children)],
+    )
+
+
+class _Owner:
+    """Keeps a record batch of the library until no array looks into it any more."""
+
+    def __init__(self, array: ArrowArray, *kept: object) -> None:
+        self.array = array
+        self.kept = kept
+
+    def __del__(self, release: Callable[[Any], None] = release) -> None:
+        release(self.array)
+
+
+class Array:
+    """One column of one record batch: views into its buffers.
+
+    Attributes
+    ----------
+    field : Field
+    valid : numpy.ndarray of bool, or None
+        None where no value is missing.
+    values : numpy.ndarray or None
+        Of numbers; the bytes of a text column.
+    offsets : numpy.ndarray or None
+        Of lists and texts, one more than there are rows.
+    children : list of Array
+        Of lists (one) and structures.
+    """
+
+    def __init__(self, kind: Field, array: ArrowArray, owner: _Owner) -> None:
+        self.field = kind
+        self.length = array.length
+        self._owner = owner
+        self.valid = self._valid(array)
+        self.values: Optional[npt.NDArray[Any]] = None
+        self.offsets: Optional[npt.NDArray[Any]] = None
+        self.children = [
+            Array(child, array.children[i].contents, owner) for i, child in enumerate(kind.children)
+        ]
+        format_ = kind.kind
+        if format_ in _DTYPES:
+            self.values = self._buffer(array, 1, _DTYPES[format_], array.offset + array.length)[
+                array.offset :
+            ]
+        elif format_ in ("u", "U", "z", "Z", "+l", "+L"):
+            width = "<i4" if format_ in ("u", "z", "+l") else "<i8"
+            offsets = self._buffer(array, 1, width, array.offset + array.length + 1)
+            self.offsets = offsets[array.offset :] if offsets.size else np.zeros(1, width)
+            if format_[0] != "+":
+                self.values = self._buffer(array, 2, "u1", int(self.offsets[-1]))
+
+    def _buffer(self, array: ArrowArray, number: int, dtype: str, count: int) -> npt.NDArray[Any]:
+        address = array.buffers[number]
+        size = count * np.dtype(dtype).itemsize
+        if not address or size == 0:
+            return np.empty(0, dtype)
+        memory: Any = (ctypes.c_char * size).from_address(address)
+        memory.owner = self._owner  # the view keeps the memory, which keeps the batch
+        view = np.frombuffer(memory, dtype)
+        view.flags.writeable = False
+        return view
+
+    def _valid(self, array: ArrowArray) -> Optional[npt.NDArray[np.bool_]]:
+        if array.null_count == 0 or array.n_buffers == 0 or not array.buffers[0]:
+            return None
+        end = array.offset + array.length
+        bits = self._buffer(array, 0, "u1", (end + 7) // 8)
+        return np.unpackbits(bits, bitorder="little")[array.offset : end].astype(np.bool_)
+
+    def to_list(self) -> list[Any]:
+        """The values as Python objects, None where there is none."""
+        items: list[Any]
+        if self.field.kind in ("u", "U"):
+            assert self.values is not None and self.offsets is not None
+            data = self.values.tobytes()
+            ends = self.offsets.tolist()
+            items = [data[a:b].decode() for a, b in zip(ends, ends[1:])]
+        elif self.field.kind in ("+l", "+L"):
+            assert self.offsets is not None
+            inner = self.children[0].to_list()
+            ends = self.offsets.tolist()
+            items = [inner[a:b] for a, b in zip(ends, ends[1:])]
+        else:
+            assert self.values is not None
+            items = self.values.tolist()
+        if self.valid is None:
+            return items
+        return [item if good else None for item, good in zip(items, self.valid.tolist())]
+
+
+def read_stream(stream: ArrowArrayStream) -> tuple[Field, list[Array]]:
+    """Reads a stream to its end and releases it.
+
+    Raises
+    ------
+    OSError
+        When the stream fails; the text is its own.
+    """
+    try:
+        schema = ArrowSchema()
+        _check(stream, stream.get_schema(ctypes.byref(stream), ctypes.byref(schema)))
+        try:
+            kind = read_field(schema)
+        finally:
+            release(schema)
+        batches: list[Array] = []
+        while True:
+            array = ArrowArray()
+            _check(stream, stream.get_next(ctypes.byref(stream), ctypes.byref(array)))
+            if not array.release:
+                return kind, batches
+            batches.append(Array(kind, array, _Owner(array)))
+    finally:
+        release(stream)
+
+
+def _check(stream: ArrowArrayStream, code: int) -> None:
+    if code != 0:
+        text = stream.get_last_error(ctypes.byref(stream)) or os.strerror(code).encode()
+        raise OSError(code, text.decode("utf-8", "replace"))
+
+
+_STREAM_NAME = b"arrow_array_stream"
+# Functions of our own over the interpreter's: those of ctypes.pythonapi are everybody's.
+_new_capsule: Any = ctypes.PYFUNCTYPE(ctypes.py_object, c_void_p, c_char_p, c_void_p)(
+    ("PyCapsule_New", ctypes.pythonapi)
+)
+_is_valid: Any = ctypes.PYFUNCTYPE(c_int, c_void_p, c_char_p)(("PyCapsule_IsValid", ctypes.pythonapi))
+_pointer_of: Any = ctypes.PYFUNCTYPE(c_void_p, c_void_p, c_char_p)(("PyCapsule_GetPointer", ctypes.pythonapi))
+
+#: Streams in capsules, by their address.
+_exported: dict[int, ArrowArrayStream] = {}
+
+
+def _drop_capsule(capsule: int) -> None:
+    if not _is_valid(capsule, _STREAM_NAME):
+        return
+    stream = _exported.pop(_pointer_of(capsule, _STREAM_NAME), None)
+    if stream is not None:
+        release(stream)
+
+
+# A destructor runs while its object goes: it takes the plain address, for a reference would bring it back to life.
+_destructor = ctypes.PYFUNCTYPE(None, c_void_p)(_drop_capsule)
+
+
+def capsule_of(stream: ArrowArrayStream) -> Any:
+    """A capsule that owns the stream until a consumer moves it out."""
+    address = ctypes.addressof(stream)
+    _exported[address] = stream
+    return _new_capsule(address, _STREAM_NAME, ctypes.cast(_destructor, c_void_p))

@@ -1,0 +1,94 @@
+"""Many sheets as one table."""
+
+from __future__ import annotations
+
+import os
+from concurrent.futures import ThreadPoolExecutor
+from typing import Any, Iterable, Iterator, Optional, TypeVar, Union
+
+from ._source import Layers
+from .errors import MapError, MapWarning
+from .map import Map
+from .table import Table
+
+Item = TypeVar("Item")
+Path = Union[str, "os.PathLike[str]"]
+
+
+def _with_progress(items: Iterator[Item], total: int, shown: bool) -> Iterable[Item]:
+    if not shown:
+        return items
+    try:
+        from tqdm.auto import tqdm
+    except ImportError:
+        return items
+    bar: Iterable[Item] = tqdm(items, total=total, unit="sheet")
+    return bar
+
+
+def read_many(
+    paths: Iterable[Path],
+    threads: Optional[int] = None,
+    *,
+    layer: str = "lines",
+    where_layer: Layers = None,
+    on_error: str = "raise",
+    progress: bool = True,
+    **options: Any,
+) -> Table:
+    """Reads one table of many sheets, in parallel.
+
+    Parameters
+    ----------
+    paths : iterable of path
+    threads : int, optional
+        Sheets read at the same time; one for each processor by default.
+    layer : str
+        ``"lines"``, ``"points"``, ``"texts"`` or ``"parcels"``, of each sheet by itself.
+    where_layer : int or iterable of int, optional
+        Only rows of these layers of the files.
+    on_error : str
+        ``"raise"``: the first sheet that cannot be read ends it with its exception; ``"warn"``: it becomes a
+        `MapWarning` and is left out.
+    progress : bool
+        A progress bar, where tqdm is installed.
+    **options
+        As for `open`.
+
+    Returns
+    -------
+    Table
+        The rows in the order of the paths, with the column ``source`` that has each row's file.
+    """
+    import warnings
+
+    if on_error not in ("raise", "warn"):
+        raise ValueError(f"on_error is 'raise' or 'warn', not {on_error!r}")
+    names = [os.fspath(path) for path in paths]
+    if not names:
+        raise ValueError("there are no sheets to read")
+
+    def read(name: str) -> Union[Table, MapError]:
+        try:
+            with Map(name, layer=where_layer, **options) as sheet:
+                return sheet.table(layer)
+        except MapError as error:
+            if on_error == "raise":
+                raise
+            return error
+
+    tables, sources = [], []
+    with ThreadPoolExecutor(threads or os.cpu_count() or 1) as pool:
+        try:
+            for name, made in zip(names, _with_progress(pool.map(read, names), len(names), progress)):
+                if isinstance(made, Table):
+                    tables.append(made)
+                    sources.append(name)
+                else:
+                    warnings.warn(MapWarning(f"{made}; left out"), stacklevel=2)
+        except BaseException:
+            pool.shutdown(wait=False, cancel_futures=True)
+            raise
+    if not tables:
+        raise MapError("none of the sheets can be read")
+    return Table.joined(tables, "source", sources)

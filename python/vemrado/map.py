@@ -1,0 +1,393 @@
+"""One map: its header, its elements, its tables."""
+
+from __future__ import annotations
+
+import os
+import threading
+import warnings
+from contextlib import contextmanager
+from ctypes import POINTER, addressof, byref, c_double, sizeof
+from dataclasses import dataclass
+from typing import TYPE_CHECKING, Any, Iterator, Optional, Sequence, Union
+
+from . import _arrow, _library
+from ._library import lib
+from ._source import Layers, OpenedSource, Source, make_options
+from .elements import Line, Text, copy_element
+from .errors import Call, IncompleteMapWarning, ReadError, UnsupportedError, _text
+from .table import Table
+
+if TYPE_CHECKING:
+    import matplotlib.axes
+
+Element = Union[Line, Text]
+
+
+@dataclass(frozen=True)
+class LineStyle:
+    """How lines of a code are drawn: sizes in millimetres on paper.
+
+    Attributes
+    ----------
+    name : str
+        Empty when the tables give none.
+    colour : tuple of int
+        Red, green and blue, 0 to 255.
+    width : float
+    dashes : tuple of float
+        Drawn, gap, drawn, gap, ...; empty: continuous.
+    visible : bool
+    """
+
+    name: str
+    colour: tuple[int, int, int]
+    width: float
+    dashes: tuple[float, ...]
+    visible: bool
+
+
+@dataclass(frozen=True)
+class Symbol:
+    """A point symbol around its insertion point, y up, in millimetres on paper.
+
+    Attributes
+    ----------
+    name : str
+    strokes : tuple of tuple of (float, float)
+    """
+
+    name: str
+    strokes: tuple[tuple[tuple[float, float], ...], ...]
+
+
+class Map:
+    """An opened map. Use `open` to make one; it is a context manager.
+
+    Iterating gives `Line` and `Text` objects in the order of the file. Every method may be called from any thread.
+    """
+
+    def __init__(
+        self,
+        source: Source,
+        *,
+        layer: Layers = None,
+        encoding: str = "windows-1250",
+        orientation: str = "-y,-x",
+        symbology: Union[None, str, "os.PathLike[str]"] = None,
+        parcels: bool = False,
+        strict: bool = False,
+        **more: int,
+    ) -> None:
+        self._reader: Optional[int] = None
+        self._lock = threading.RLock()
+        self._tables: dict[str, Table] = {}
+        self._strict = strict
+        self._source = OpenedSource(source)
+        self._options = make_options(layer, encoding, orientation, symbology, **more)
+        self._reader = self._source.open(self._options)
+        self._complete: Optional[bool] = None
+        header = _library.Header(size=sizeof(_library.Header))
+        with Call() as call:
+            call.check(lib.vkm_get_header(self._reader, byref(header), call.error))
+        self.scale: float = header.scale
+        self.relative = bool(header.relative)
+        self.crs: Optional[str] = _text(header.crs) or None
+        self.metadata: dict[str, Any] = {
+            "name": _text(header.name),
+            "date": _text(header.date),
+            "comments": _text(header.comments).splitlines(),
+            "origin": (header.origin[0], header.origin[1]),
+        }
+        if parcels:
+            self.table("parcels")
+
+    # --- Life ---
+
+    @property
+    def name(self) -> str:
+        """The file's name, or what stands for one."""
+        return self._source.name
+
+    @property
+    def closed(self) -> bool:
+        return self._reader is None
+
+    def close(self) -> None:
+        """Gives the library's memory back. Tables that were read stay usable."""
+        with self._lock:
+            reader, self._reader = self._reader, None
+        if reader:
+            lib.vkm_close(reader)
+
+    def __enter__(self) -> Map:
+        return self
+
+    def __exit__(self, *_: object) -> None:
+        self.close()
+
+    def __del__(self) -> None:
+        if getattr(self, "_reader", None):
+            self.close()
+
+    def __repr__(self) -> str:
+        return f"<vemrado.Map {self.name}>"
+
+    @contextmanager
+    def _using(self) -> Iterator[int]:
+        with self._lock:
+            if self._reader is None:
+                raise ValueError(f"{self.name}: the map is closed")
+            yield self._reader
+
+    def _open_another(self) -> int:
+        if self._reader is None:
+            raise ValueError(f"{self.name}: the map is closed")
+        return self._source.open(self._options)
+
+    # --- Elements ---
+
+    def __iter__(self) -> Iterator[Element]:
+        reader = self._open_another()
+        element = POINTER(_library.Element)()
+        try:
+            while True:
+                if self._reader is None:
+                    raise ValueError(f"{self.name}: the map is closed")
+                with Call() as call:
+                    if call.check(lib.vkm_next(reader, byref(element), call.error)) != _library.OK:
+                        break
+                yield copy_element(element.contents)
+            self._note_end(bool(lib.vkm_complete(reader)))
+        finally:
+            lib.vkm_close(reader)
+
+    def _note_end(self, complete: bool) -> None:
+        self._complete = complete
+        if not complete and self._strict:
+            raise ReadError(f"{self.name}: the file ends without its closing record", self.name)
+
+    @property
+    def complete(self) -> bool:
+        """Whether the closing record is there: no element was lost at the end of the file."""
+        if self._complete is None:
+            reader = self._open_another()
+            element = POINTER(_library.Element)()
+            try:
+                with warnings.catch_warnings():
+                    warnings.simplefilter("ignore", IncompleteMapWarning)
+                    with Call() as call:
+                        while call.check(lib.vkm_next(reader, byref(element), call.error)) == _library.OK:
+                            pass
+                self._complete = bool(lib.vkm_complete(reader))
+            finally:
+                lib.vkm_close(reader)
+        return self._complete
+
+    @property
+    def bounds(self) -> Optional[tuple[float, float, float, float]]:
+        """Smallest x and y, largest x and y of all points; None for a map without points."""
+        box = (c_double * 4)()
+        with self._using() as reader, Call() as call:
+            if call.check(lib.vkm_extent(reader, box, call.error)) == _library.NOTHING:
+                return None
+        return box[0], box[1], box[2], box[3]
+
+    # --- Symbology ---
+
+    def line_style(self, code: int) -> Optional[LineStyle]:
+        """How lines of a code are drawn; None for a code that the symbology lacks."""
+        style = _library.LineStyle(size=sizeof(_library.LineStyle))
+        with self._using() as reader, Call() as call:
+            if call.check(lib.vkm_get_line_style(reader, code, byref(style), call.error)) != _library.OK:
+                return None
+            return LineStyle(
+                _text(style.name),
+                (style.colour & 255, style.colour >> 8 & 255, style.colour >> 16 & 255),
+                style.width,
+                tuple(style.dashes[: style.dash_count]),
+                bool(style.visible),
+            )
+
+    def symbol(self, code: int) -> Optional[Symbol]:
+        """The drawing of a symbol code; None for a code that the symbology lacks."""
+        drawing = _library.Symbol(size=sizeof(_library.Symbol))
+        with self._using() as reader, Call() as call:
+            if call.check(lib.vkm_get_symbol(reader, code, byref(drawing), call.error)) != _library.OK:
+                return None
+            points = [(drawing.points[2 * i], drawing.points[2 * i + 1]) for i in range(drawing.point_count)]
+            begins = [*drawing.strokes[: drawing.stroke_count], drawing.point_count]
+            strokes = tuple(tuple(points[a:b]) for a, b in zip(begins, begins[1:]))
+            return Symbol(_text(drawing.name), strokes)
+
+    # --- Tables ---
+
+    def _stream(self, table: str, options: Optional[_library.Options] = None) -> _arrow.ArrowArrayStream:
+        stream = _arrow.ArrowArrayStream()
+        with Call() as call:
+            if options is None:
+                with self._using() as reader:
+                    status = lib.vkm_stream(reader, _library.TABLES[table], addressof(stream), call.error)
+            else:
+                reader = self._source.open(options)
+                try:
+                    status = lib.vkm_stream(reader, _library.TABLES[table], addressof(stream), call.error)
+                finally:
+                    lib.vkm_close(reader)
+            call.check(status)
+        return stream
+
+    def _export(self, table: str) -> _arrow.ArrowArrayStream:
+        """A stream in batches, in constant memory, for whoever takes the table through a capsule."""
+        batched = _library.Options.from_buffer_copy(self._options)
+        batched.batch_rows = 65536
+        return self._stream(table, batched)
+
+    def table(self, name: str) -> Table:
+        """One of the tables ``"lines"``, ``"points"``, ``"texts"`` and ``"parcels"``, read at the first call.
+
+        Raises
+        ------
+        ReadError
+            When reading fails in the middle; with ``strict=True`` for an incomplete map too.
+        """
+        if name not in _library.TABLES:
+            raise ValueError(f"there is no table '{name}'; there are {', '.join(_library.TABLES)}")
+        with self._lock:
+            if name not in self._tables:
+                stream = self._stream(name)
+                try:
+                    with warnings.catch_warnings():
+                        if self._strict:
+                            warnings.simplefilter("error", IncompleteMapWarning)
+                        with Call():
+                            kind, batches = _arrow.read_stream(stream)
+                except IncompleteMapWarning as warning:
+                    raise ReadError(str(warning), self.name) from None
+                except OSError as error:
+                    raise ReadError(error.strerror or str(error), self.name) from None
+                self._tables[name] = Table(name, kind, batches, lambda: self._export(name))
+            return self._tables[name]
+
+    @property
+    def lines(self) -> Table:
+        """Strokes of two points or more."""
+        return self.table("lines")
+
+    @property
+    def points(self) -> Table:
+        """Elements that carry a symbol or lie on no stroke."""
+        return self.table("points")
+
+    @property
+    def texts(self) -> Table:
+        return self.table("texts")
+
+    @property
+    def parcels(self) -> Table:
+        """Areas that the boundary lines enclose, with their numbers."""
+        return self.table("parcels")
+
+    # --- Pictures ---
+
+    def plot(self, ax: Optional[matplotlib.axes.Axes] = None) -> matplotlib.axes.Axes:
+        """Draws the map in its own style.
+
+        Parameters
+        ----------
+        ax : matplotlib.axes.Axes, optional
+            Where to draw; a new figure by default.
+        """
+        from ._plot import plot
+
+        return plot(self, ax)
+
+    def render(self, out: Union[str, "os.PathLike[str]", None] = None, **options: Any) -> Optional[bytes]:
+        """Draws the map as the command ``vkm render`` does; see `vemrado.render`."""
+        from .picture import render_map
+
+        return render_map(self, out, **options)
+
+    def _repr_png_(self) -> Optional[bytes]:
+        try:
+            return self.render(format="png", width=900)
+        except UnsupportedError:
+            return None
+
+    def _repr_svg_(self) -> Optional[str]:
+        picture = self.render(format="svg", width=900)
+        return picture.decode() if picture else None
+
+
+def open(
+    source: Source,
+    *,
+    layer: Layers = None,
+    encoding: str = "windows-1250",
+    orientation: str = "-y,-x",
+    symbology: Union[None, str, "os.PathLike[str]"] = None,
+    parcels: bool = False,
+    strict: bool = False,
+) -> Map:
+    """Opens a map.
+
+    Parameters
+    ----------
+    source : path, bytes, binary file object or zipfile.Path
+        Where the map is read from; gzipped ones are unpacked.
+    layer : int or iterable of int, optional
+        Layers of the file to read; all by default.
+    encoding : str
+        ``"windows-1250"``, ``"cp852"``, ``"iso-8859-2"`` or ``"utf-8"``.
+    orientation : str
+        What a point (x, y) of the file becomes; the default gives x to the east and y to the north.
+    symbology : path, optional
+        Directory that holds VKMSym; by default the sample symbology, ``""`` for none.
+    parcels : bool
+        Build the parcels at once, so that what is wrong with them is told now.
+    strict : bool
+        An incomplete map is a `ReadError` instead of an `IncompleteMapWarning`.
+
+    Returns
+    -------
+    Map
+
+    Raises
+    ------
+    OpenError
+        When the source cannot be opened; it names file and reason.
+    """
+    return Map(
+        source,
+        layer=layer,
+        encoding=encoding,
+        orientation=orientation,
+        symbology=symbology,
+        parcels=parcels,
+        strict=strict,
+    )
+
+
+def read_geopandas(
+    path: Source,
+    layer: str = "lines",
+    bbox: Optional[Sequence[float]] = None,
+    where_layer: Layers = None,
+    **options: Any,
+) -> Any:
+    """One table of a map as a geopandas.GeoDataFrame.
+
+    Parameters
+    ----------
+    path : path, bytes or file object
+    layer : str
+        ``"lines"``, ``"points"``, ``"texts"`` or ``"parcels"``.
+    bbox : sequence of four float, optional
+        Only rows whose bounds meet the box: min x, min y, max x, max y.
+    where_layer : int or iterable of int, optional
+        Only rows of these layers of the file.
+    **options
+        As for `open`.
+    """
+    with Map(path, layer=where_layer, **options) as opened:
+        table = opened.table(layer)
+        return table.to_geopandas(None if bbox is None else table.rows_in(bbox))

@@ -1,0 +1,110 @@
+"""Pictures of maps, drawn as the command ``vkm render`` draws them."""
+
+from __future__ import annotations
+
+import ctypes
+import os
+from ctypes import byref, c_double, sizeof
+from typing import Any, Optional, Sequence, Union
+
+from . import _library
+from ._library import lib
+from ._source import Source, _encoded
+from .errors import Call
+from .map import Map
+
+
+def render_map(
+    opened: Map,
+    out: Union[str, "os.PathLike[str]", None] = None,
+    *,
+    format: Optional[str] = None,
+    width: int = 0,
+    dpi: float = 150,
+    legend: bool = False,
+    title: Optional[str] = None,
+    bbox: Optional[Sequence[float]] = None,
+    symbols: bool = True,
+) -> Optional[bytes]:
+    picture = _library.Picture(size=sizeof(_library.Picture))
+    lib.vkm_picture_init(byref(picture))
+    picture.format = format.encode() if format else None
+    picture.width = width
+    picture.dpi = dpi
+    picture.legend = legend
+    picture.title = title.encode() if title is not None else None
+    if bbox is not None:
+        picture.box = (c_double * 4)(*bbox)
+    picture.symbols = symbols
+    if out is not None:
+        with opened._using() as reader, Call() as call:
+            call.check(lib.vkm_render(reader, byref(picture), _encoded(os.fspath(out)), call.error))
+        return None
+    if format is None:
+        raise ValueError("a picture in memory needs a format: png, svg or pdf")
+    parts: list[bytes] = []
+
+    def write(_: Any, data: int, length: int) -> int:
+        parts.append(ctypes.string_at(data, length))
+        return 0
+
+    with opened._using() as reader, Call() as call:
+        call.check(lib.vkm_render_to(reader, byref(picture), _library.Write(write), None, call.error))
+    return b"".join(parts)
+
+
+def render(
+    source: Source,
+    out: Union[str, "os.PathLike[str]", None] = None,
+    *,
+    format: Optional[str] = None,
+    width: int = 0,
+    dpi: float = 150,
+    legend: bool = False,
+    title: Optional[str] = None,
+    bbox: Optional[Sequence[float]] = None,
+    symbols: bool = True,
+    **options: Any,
+) -> Optional[bytes]:
+    """Draws a map.
+
+    Parameters
+    ----------
+    source : path, bytes or file object
+    out : path, optional
+        The picture, whose ending says its format. It appears whole or not at all. None: the picture is returned.
+    format : str, optional
+        ``"png"``, ``"svg"`` or ``"pdf"``.
+    width : int
+        In pixels; 0: as large as on paper.
+    dpi : float
+        Pixels per inch of a PNG picture without a width.
+    legend : bool
+        Frame, title, grid, scale bar, north arrow and legend around the map.
+    title : str, optional
+        The file's name by default.
+    bbox : sequence of four float, optional
+        What the map shows: min x, min y, max x, max y.
+    symbols : bool
+    **options
+        As for `open`.
+
+    Raises
+    ------
+    WriteError
+        When the picture cannot be written.
+    UnsupportedError
+        When the library was built without what the format needs.
+    """
+    with Map(source, **options) as opened:
+        return render_map(
+            opened,
+            out,
+            format=format,
+            width=width,
+            dpi=dpi,
+            legend=legend,
+            title=title,
+            bbox=bbox,
+            symbols=symbols,
+        )
