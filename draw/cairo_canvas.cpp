@@ -287,6 +287,10 @@ class PdfCanvas : public CairoCanvas {
 
 }  // namespace
 
+const char* WhyNoCairo() {
+    return nullptr;
+}
+
 std::unique_ptr<Canvas> MakePngCanvas(const PageSize& page, double dotsPerInch, ByteSink sink) {
     return std::make_unique<PngCanvas>(page, dotsPerInch, std::move(sink));
 }

@@ -21,7 +21,7 @@ constexpr double largestSvgSide = 1e6;                   // mm
     throw TooLarge(text);
 }
 
-[[maybe_unused]] void CheckPixels(const PixelSize& size) {
+void CheckPixels(const PixelSize& size) {
     if (size.width <= largestPixelSide && size.height <= largestPixelSide &&
         size.width * size.height <= largestPixelCount) {
         return;
@@ -63,18 +63,14 @@ PixelSize PixelsOf(const PageSize& page, double dotsPerInch) {
     return {pixels(page.width), pixels(page.height)};
 }
 
-void CheckSupport([[maybe_unused]] Format format) {
-#if !VEMRADO_CAIRO
-    if (format != Format::svg)
-        throw Unsupported(
-            "PNG and PDF pictures need the cairo library, which this build lacks; .svg needs nothing");
-#endif
+void CheckSupport(Format format) {
+    if (format == Format::svg) return;
+    if (const char* reason = WhyNoCairo()) throw Unsupported(reason);
 }
 
-std::unique_ptr<Canvas> MakeCanvas(Format format, const PageSize& page, [[maybe_unused]] double dotsPerInch,
+std::unique_ptr<Canvas> MakeCanvas(Format format, const PageSize& page, double dotsPerInch,
                                    const std::string& title, ByteSink sink) {
     CheckSupport(format);
-#if VEMRADO_CAIRO
     if (format == Format::png) {
         CheckPixels(PixelsOf(page, dotsPerInch));
         return MakePngCanvas(page, dotsPerInch, std::move(sink));
@@ -83,7 +79,6 @@ std::unique_ptr<Canvas> MakeCanvas(Format format, const PageSize& page, [[maybe_
         CheckMillimetres(page, largestPdfSide, "a side of a PDF page holds at most 5080 mm");
         return MakePdfCanvas(page, title, std::move(sink));
     }
-#endif
     CheckMillimetres(page, largestSvgSide, "a side holds at most 1000 m");
     return MakeSvgCanvas(page, title, std::move(sink));
 }

@@ -84,6 +84,8 @@ void CheckSupport(Format format);
 std::unique_ptr<Canvas> MakeCanvas(Format format, const PageSize& page, double dotsPerInch,
                                    const std::string& title, ByteSink sink);
 
+// Of what was linked beside the drawing. Null: PNG and PDF canvases can be made; otherwise why not.
+const char* WhyNoCairo();
 std::unique_ptr<Canvas> MakePngCanvas(const PageSize& page, double dotsPerInch, ByteSink sink);
 std::unique_ptr<Canvas> MakePdfCanvas(const PageSize& page, const std::string& title, ByteSink sink);
 std::unique_ptr<Canvas> MakeSvgCanvas(const PageSize& page, const std::string& title, ByteSink sink);
