@@ -1,6 +1,5 @@
 // The accessors of the importer: what the host copies out after each element.
 
-#include "framework/framework.h"
 #include "interface/vkm_input.h"
 #include "support/numbers.h"
 #include "vkm/coordinates.h"
@@ -40,12 +39,6 @@ void CopyPoint(const Element& element, double* point) {
 }
 
 }  // namespace
-
-const CVKMLineElement& CVkmInput::ElementAt(int index) const {
-    const size_t place = static_cast<uint32_t>(index);  // far beyond every count when the index is negative
-    if (place >= state.lineElements.Count()) AfxThrowInvalidArgException();
-    return state.lineElements[place];
-}
 
 bool CVkmInput::SymbolsWanted() const {
     return (openFlags & static_cast<uint32_t>(flgSymbols)) != 0;

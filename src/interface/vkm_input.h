@@ -6,6 +6,7 @@
 
 #include <cstdint>
 
+#include "framework/framework.h"
 #include "support/containers.h"
 #include "tables/kokes_tables.h"
 #include "vemrado/vkm_details.h"
@@ -77,7 +78,11 @@ class CVkmInput final : public CVKMDetails {
 
   private:
     // The element of an index; throws the framework's invalid-argument exception for any other index.
-    const CVKMLineElement& ElementAt(int index) const;
+    const CVKMLineElement& ElementAt(int index) const {
+        const size_t place = static_cast<uint32_t>(index);  // far beyond every count when it is negative
+        if (place >= state.lineElements.Count()) AfxThrowInvalidArgException();
+        return state.lineElements[place];
+    }
     bool SymbolsWanted() const;
     bool OpenFile(const char* fileName);
     void OpenProgressWindow();

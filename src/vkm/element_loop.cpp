@@ -85,7 +85,6 @@ Element ReadPlainLines(CVKMReaderState& state, CVKMLineReader& reader) {
     while (completed == Element::none) {
         bool opensLine;
         if (TakePlainElement(state, reader, opensLine)) {
-            state.lineElements.Working().fileLine = reader.FileLine();
             if (!opensLine) continue;
             completed = CompleteElement(state);
             state.currentRecord = 'L';

@@ -43,6 +43,7 @@ namespace vemrado {
     if (!fields.TakePoint(x, y)) return false;
     *element = defaultLineElement;
     element->type = static_cast<unsigned char>(text[type]);
+    element->fileLine = reader.FileLine() + 1;
     SetPoint(state, x, y, *element);
     while (fields.GoesOn()) {
         const Field field = fields.Take();
