@@ -185,6 +185,13 @@ def print_table():
                         for i, (text, width) in enumerate(zip(line, widths))).rstrip())
 
 
+def measure_interfaces():
+    """The C++ interface and the Arrow columns of lines and texts, beside the module's own operations."""
+    result = json.loads(run(programs / "bench_interfaces", "--repeat", 7, generated(50 << 20)))
+    for name, figure in (("elements", "Elements by vkm.hpp"), ("columns", "Columns of lines and texts, a pass each")):
+        row(figure, f"{result[name]:.3f} s", "the 22 operations", f"{result['slots']:.3f} s", result[f"{name}_ratio"])
+
+
 def main():
     work.mkdir(parents=True, exist_ok=True)
     sizes = [1 << 20, 1 << 24, 1 << 28, 1 << 30]
@@ -194,6 +201,7 @@ def main():
     measure_threads(1 << 26)
     measure_mixed(1 << 28)
     measure_commands(times)
+    measure_interfaces()
     measure_sample()
     measure_parts()
     measure_gdal(1000 if "--full" in sys.argv[1:] else 64)

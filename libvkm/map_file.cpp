@@ -50,9 +50,10 @@ void MapFile::Open(bool withSymbology) {
     throw Failure::WithText(VKM_ERROR_OPEN, state.boxes.back(), source->Name());
 }
 
+// While elements are read the module opens nothing and shows nothing, so it needs no services of this
+// reader's.
 map::ElementKind MapFile::ReadNext() {
     try {
-        const ModuleCalls calls(*source, options, state);
         return reading.Next();
     } catch (const CFileException& error) {
         throw Failure(VKM_ERROR_READ, error.Reason(), source->Name(),
@@ -102,8 +103,8 @@ draw::Scene MapFile::MakeScene(draw::SceneOptions sceneOptions) {
 void MapFile::CheckStop() {
     sinceProgress = 0;
     if (options.onProgress == nullptr) return;
-    state.stopped = state.stopped || options.onProgress(options.callbackContext, state.part) != 0;
-    if (state.stopped) throw Failure(VKM_ERROR_STOPPED, "stopped by the caller", source->Name());
+    if (options.onProgress(options.callbackContext, state.progress.Part()) != 0)
+        throw Failure(VKM_ERROR_STOPPED, "stopped by the caller", source->Name());
 }
 
 void MapFile::TellEnd() {

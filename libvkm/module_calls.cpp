@@ -50,7 +50,8 @@ int ModuleCalls::OnBox(void* self, const char* text, unsigned int) {
 void* ModuleCalls::OpenFile(void* self, const char* path) {
     auto& calls = *static_cast<ModuleCalls*>(self);
     try {
-        if (calls.source.Name() == path) return OpenAsMap(calls.source).release();
+        if (calls.source.Name() == path)
+            return OpenAsMap(calls.source, nullptr, &calls.state.progress).release();
         return OpenTable(path).release();
     } catch (...) {
         calls.state.failure = std::current_exception();
@@ -58,10 +59,9 @@ void* ModuleCalls::OpenFile(void* self, const char* path) {
     }
 }
 
-int ModuleCalls::OnProgress(void* self, int maximum, int position) {
-    auto& calls = *static_cast<ModuleCalls*>(self);
-    if (maximum > 0) calls.state.part = static_cast<double>(position) / maximum;
-    return calls.state.stopped ? 1 : 0;
+// The caller's function is asked between elements.
+int ModuleCalls::OnProgress(void*, int, int) {
+    return 0;
 }
 
 }  // namespace vemrado::capi

@@ -1,5 +1,5 @@
 // While the module runs for a reader, its services on this thread are the reader's: message boxes are kept,
-// files come from the source, and progress goes to the caller's function.
+// files come from the source, and no window is shown.
 
 #pragma once
 
@@ -18,8 +18,7 @@ namespace vemrado::capi {
 struct CallState {
     std::vector<std::string> boxes;  // texts in UTF-8, not told yet
     std::exception_ptr failure;      // of the source, which must not pass through the module
-    double part = -1;                // of the file that has been read; below 0: not known
-    bool stopped = false;            // the caller's function asked for it
+    ReadProgress progress;           // of the map; it outlives the file that the module has open
 };
 
 class ModuleCalls {

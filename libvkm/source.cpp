@@ -128,22 +128,31 @@ class OfCaller : public Source {
 // A file whose start has been read already.
 class LookedAtFile : public SourceFile {
   public:
-    LookedAtFile(std::unique_ptr<SourceFile> opened, std::string bytes, size_t skipped)
-        : file(std::move(opened)), start(std::move(bytes)), used(skipped), before(skipped) {}
+    LookedAtFile(std::unique_ptr<SourceFile> opened, std::string bytes, size_t skipped, ReadProgress* told)
+        : file(std::move(opened)), start(std::move(bytes)), used(skipped), before(skipped), progress(told) {
+        if (progress != nullptr) *progress = {0, Length()};
+    }
     int64_t Read(void* destination, size_t length) override {
-        if (used == start.size()) return file->Read(destination, length);
+        const int64_t given =
+            used < start.size() ? ReadStart(destination, length) : file->Read(destination, length);
+        if (progress != nullptr && given > 0) progress->done += given;
+        return given;
+    }
+    int64_t Length() override { return std::max<int64_t>(file->Length() - static_cast<int64_t>(before), 0); }
+
+  private:
+    int64_t ReadStart(void* destination, size_t length) {
         const size_t given = std::min(length, start.size() - used);
         std::copy_n(start.data() + used, given, static_cast<char*>(destination));
         used += given;
         return static_cast<int64_t>(given);
     }
-    int64_t Length() override { return std::max<int64_t>(file->Length() - static_cast<int64_t>(before), 0); }
 
-  private:
     std::unique_ptr<SourceFile> file;
     std::string start;
     size_t used;
     size_t before;
+    ReadProgress* progress;
 };
 
 std::string StartOf(SourceFile& file) {
@@ -186,7 +195,7 @@ std::unique_ptr<SourceFile> OpenTable([[maybe_unused]] const char* path) {
     return nullptr;
 }
 
-std::unique_ptr<SourceFile> OpenAsMap(Source& source, bool* markSkipped) {
+std::unique_ptr<SourceFile> OpenAsMap(Source& source, bool* markSkipped, ReadProgress* progress) {
     std::unique_ptr<SourceFile> file = source.Open();
     if (!file) return nullptr;
     std::string start = StartOf(*file);
@@ -194,7 +203,7 @@ std::unique_ptr<SourceFile> OpenAsMap(Source& source, bool* markSkipped) {
     if (!foreign.empty()) throw client::ForeignFile(client::ForeignFileMessage(source.Name(), foreign));
     const size_t mark = start.starts_with(client::byteOrderMark) ? client::byteOrderMark.size() : 0;
     if (markSkipped != nullptr) *markSkipped = mark != 0;
-    return std::make_unique<LookedAtFile>(std::move(file), std::move(start), mark);
+    return std::make_unique<LookedAtFile>(std::move(file), std::move(start), mark, progress);
 }
 
 std::unique_ptr<SourceFile> OpenOrFail(Source& source, bool* markSkipped) {

@@ -48,9 +48,19 @@ std::shared_ptr<Source> MemorySource(const void* data, size_t length, const char
                                      void (*release)(void*), void* context);
 std::shared_ptr<Source> CallersSource(const vkm_source& source, const char* name);
 
+// How far a map has been read.
+struct ReadProgress {
+    int64_t done = 0;
+    int64_t length = 0;  // 0: not known
+
+    // Of the whole, 0 to 1; below 0: not known.
+    double Part() const { return length > 0 ? static_cast<double>(done) / static_cast<double>(length) : -1; }
+};
+
 // Opens a source after a look at its start: what is no map is told by client::ForeignFile, a byte order mark
 // is passed over. Null as for Source::Open.
-std::unique_ptr<SourceFile> OpenAsMap(Source& source, bool* markSkipped = nullptr);
+std::unique_ptr<SourceFile> OpenAsMap(Source& source, bool* markSkipped = nullptr,
+                                      ReadProgress* progress = nullptr);
 
 // The same for readers that do not go through the module: throws Failure when it cannot be opened.
 std::unique_ptr<SourceFile> OpenOrFail(Source& source, bool* markSkipped = nullptr);
