@@ -8,17 +8,31 @@ namespace vemrado::draw {
 namespace {
 
 constexpr size_t fewestPoints = 8;
+constexpr size_t mostSampled = 100000;
 constexpr size_t oneIn = 200;         // so many of all points may be stray
 constexpr double farOff = 20;         // times the distance that the others reach from the middle
 constexpr double smallestReach = 10;  // m
 
-std::vector<Point> PointsOf(const Scene& scene) {
-    std::vector<Point> points;
+template <class Take>
+void ForEachPoint(const Scene& scene, Take take) {
     for (const auto& [number, layer] : scene.layers) {
-        points.insert(points.end(), layer.points.begin(), layer.points.end());
-        for (const PlacedSymbol& symbol : layer.symbols) points.push_back(symbol.point);
-        for (const PlacedText& text : layer.texts) points.push_back(text.point);
+        for (const Point point : layer.points) take(point);
+        for (const PlacedSymbol& symbol : layer.symbols) take(symbol.point);
+        for (const PlacedText& text : layer.texts) take(text.point);
     }
+}
+
+// Every point of a small map, points all over a large one.
+std::vector<Point> SampleOf(const Scene& scene) {
+    size_t count = 0;
+    ForEachPoint(scene, [&](Point) { ++count; });
+    const size_t step = count / mostSampled + 1;
+    std::vector<Point> points;
+    points.reserve(count / step + 1);
+    size_t next = 0;
+    ForEachPoint(scene, [&](Point point) {
+        if (next++ % step == 0) points.push_back(point);
+    });
     return points;
 }
 
@@ -31,7 +45,7 @@ double Median(std::vector<Point>& points, double Point::*axis) {
 }  // namespace
 
 std::optional<StrayPoints> FindStrayPoints(const Scene& scene) {
-    std::vector<Point> points = PointsOf(scene);
+    std::vector<Point> points = SampleOf(scene);
     if (points.size() < fewestPoints) return std::nullopt;
     const Point middle{Median(points, &Point::x), Median(points, &Point::y)};
     const auto distance = [&](const Point& point) {
@@ -44,14 +58,14 @@ std::optional<StrayPoints> FindStrayPoints(const Scene& scene) {
 
     StrayPoints stray;
     double farthest = 0;
-    for (const Point& point : points) {
+    ForEachPoint(scene, [&](Point point) {
         if (distance(point) <= reach) {
             stray.rest.Add(point);
         } else {
             ++stray.count;
             farthest = std::max(farthest, std::hypot(point.x - middle.x, point.y - middle.y));
         }
-    }
+    });
     stray.distance = farthest;
     return stray.count > 0 ? std::optional(stray) : std::nullopt;
 }
