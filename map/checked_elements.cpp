@@ -202,22 +202,35 @@ void CheckedReading::ApplyTextDefaults() {
 
 // The file's first coordinate is y.
 Point CheckedReading::ReadNumbers() {
-    const Field second = cursor.NextToken();
-    const FieldCursor behindSecond = cursor;
-    const Field number = cursor.NextToken();
+    firstNumber = cursor.NextToken();
+    const FieldCursor behindFirst = cursor;
+    secondNumber = cursor.NextToken();
     Point point;
-    point.y = Coordinate(second, behindSecond);
-    if (!IsNone(second)) point.x = Coordinate(number, cursor);
+    point.y = Coordinate(firstNumber, behindFirst);
+    if (!IsNone(firstNumber)) point.x = Coordinate(secondNumber, cursor);
     return point;
 }
 
 Point CheckedReading::ReadPoint() {
     Point point = ReadNumbers();
-    if (!relative) return point;
-    header.UseOrigin();
-    point.x += originX;
-    point.y += originY;
+    if (relative) {
+        header.UseOrigin();
+        point.x += originX;
+        point.y += originY;
+    }
+    if (known != nullptr) CheckExtent(point);
     return point;
+}
+
+// The extent of the Czech Republic in S-JTSK. What is wrong with the point otherwise has been told.
+void CheckedReading::CheckExtent(Point point) {
+    constexpr double leastY = 430000, mostY = 905000, leastX = 935000, mostX = 1230000;
+    if (!waiting.empty() || quiet || header.OriginMissed()) return;
+    if (!(point.y >= leastY && point.y <= mostY)) {
+        Report(Rule::outsideCountry, firstNumber);
+    } else if (!(point.x >= leastX && point.x <= mostX)) {
+        Report(Rule::outsideCountry, secondNumber);
+    }
 }
 
 // A field that is none, such as a key field behind a coordinate that is missing, counts as 0 and is used up.

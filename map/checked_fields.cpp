@@ -69,15 +69,19 @@ void CheckedReading::TakeLineKey(const KeyField& found) {
             break;
         case 'M':
             vertex.valueM = Real(found.value, found.field);
+            CheckSize(vertex.valueM, found);
             break;
         case 'R':
             vertex.valueR = Real(found.value, found.field);
             break;
         case 'S':
             vertex.symbolCode = Integer(found.value, found.field);
+            if (known != nullptr && vertex.symbolCode != 0)
+                CheckKnown(Rule::unknownSymbol, known->symbols, vertex.symbolCode, found.field);
             break;
         case 'U':
             vertex.valueU = Real(found.value, found.field);
+            CheckRotation(vertex.valueU, found);
             break;
         default:
             break;  // X is passed over
@@ -94,12 +98,14 @@ void CheckedReading::TakeTextKey(const KeyField& found) {
             break;
         case 'H':
             text.valueH = Real(found.value, found.field);
+            CheckSize(text.valueH, found);
             break;
         case 'K':
             text.code = Integer(found.value, found.field);
             break;
         case 'U':
             text.valueU = Real(found.value, found.field);
+            CheckRotation(text.valueU, found);
             break;
         default:
             break;
@@ -136,10 +142,34 @@ int CheckedReading::Integer(Field number, Field field) {
 // The code of a line is kept as text, but looked up as the number at its start.
 void CheckedReading::CheckLineCode(const KeyField& found) {
     const Field value = found.value;
+    const int code = known != nullptr ? ReadInteger(value).value : lastCode;
+    if (code != lastCode) CheckKnown(Rule::unknownCode, known->lines, code, found.field);
     if (!IsDigit(value[0])) return;
     const auto end = std::find_if_not(value.begin(), value.end(), IsDigit);
     if (end != value.end())
         Report(Rule::numberCut, found.field, std::string(value), std::string(value.begin(), end));
+}
+
+// --- Values ---
+
+void CheckedReading::CheckKnown(Rule rule, const std::vector<int>& codes, int code, Field field) {
+    const bool told = !waiting.empty() && waiting.back().field.data() == field.data();
+    if (codes.empty() || told) return;
+    if (!std::binary_search(codes.begin(), codes.end(), code))
+        return Report(rule, field, std::to_string(code));
+    if (rule == Rule::unknownCode) lastCode = code;
+}
+
+void CheckedReading::CheckRotation(double value, const KeyField& found) {
+    constexpr double fullTurn = 400;  // gon
+    if (known != nullptr && std::abs(value) > fullTurn && std::isfinite(value))
+        Report(Rule::rotationRange, found.field, std::string(found.value));
+}
+
+void CheckedReading::CheckSize(double value, const KeyField& found) {
+    constexpr double largest = 100;
+    if (known != nullptr && (value <= 0 || value > largest) && std::isfinite(value))
+        Report(Rule::sizeRange, found.field, std::string(found.value));
 }
 
 // --- What nobody reads ---

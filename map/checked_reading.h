@@ -14,6 +14,7 @@
 #include "map/field_cursor.h"
 #include "map/findings.h"
 #include "map/header_check.h"
+#include "map/known_codes.h"
 
 namespace vemrado::map {
 
@@ -65,6 +66,9 @@ class CheckedReading {
     // Says that a byte order mark stood before what the source gives.
     void NoteByteOrderMark() { lines.NoteByteOrderMark(); }
 
+    // Checks places, codes, rotations and sizes too. The codes must outlive it.
+    void CheckValues(const KnownCodes& codes) { known = &codes; }
+
     // Reads the whole file. What the source throws leaves it.
     void Run();
 
@@ -107,6 +111,8 @@ class CheckedReading {
     // Fields.
     Point ReadPoint();
     Point ReadNumbers();
+    Field firstNumber;  // of the point read last
+    Field secondNumber;
     double Coordinate(Field field, FieldCursor behind);
     bool ReadKeys(LetterSet keys, bool behindPoint);
     void TakeKey(const KeyField& found);
@@ -121,6 +127,10 @@ class CheckedReading {
     void CheckStray();
     void CheckLayer();
     void CheckLineCode(const KeyField& found);
+    void CheckExtent(Point point);
+    void CheckKnown(Rule rule, const std::vector<int>& codes, int code, Field field);
+    void CheckRotation(double value, const KeyField& found);
+    void CheckSize(double value, const KeyField& found);
     void CheckBeforeText(FieldCursor between);
     void CheckPassedOver(const KeyField& found);
     void CheckUnread();
@@ -160,6 +170,8 @@ class CheckedReading {
     CheckedText text;
     uint32_t keysSeen = 0;  // of the element being read, a bit for each letter
     bool recordSeen = false;
+    const KnownCodes* known = nullptr;  // null: values are not checked
+    int lastCode = -1;                  // a line code that is known
     std::optional<Finding> firstStray;  // before the first record
     std::string firstStrayField;
 };

@@ -67,6 +67,25 @@ enum class Rule : uint8_t {
     textUnclosed,
     textTooLong,
     keysBeforeText,
+    // Values
+    outsideCountry,
+    unknownCode,
+    unknownSymbol,
+    rotationRange,
+    sizeRange,
+    // The map as a whole; those from freeEnd on need its parcels
+    farFromRest,
+    pointWithoutSymbol,
+    equalPoints,
+    doubledSegment,
+    textsOnEachOther,
+    freeEnd,
+    crossingWithoutPoint,
+    parcelWithoutNumber,
+    parcelWithNumbers,
+    numberOutside,
+    numberTwice,
+    sliver,
     count
 };
 

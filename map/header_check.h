@@ -24,6 +24,8 @@ class HeaderCheck {
     void MakeRelative(Place place, Field field) { relative = {place, std::string(field)}; }
     // A point that takes the origin.
     void UseOrigin();
+    // There was such a point without an origin.
+    bool OriginMissed() const { return originMissed; }
     void FileEnd();
 
   private:

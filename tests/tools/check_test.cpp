@@ -78,7 +78,7 @@ TEST(Check, SelectsRulesAndCountsAll) {
         return std::to_string(run.exitCode) + " " + std::to_string(std::ranges::count(run.output, '[')) +
                " " + total;
     };
-    EXPECT_EQ(check({"--ignore", "number-cut", "--ignore", "repeated-key"}),
+    EXPECT_EQ(check({"--ignore", "number-cut,repeated-key", "--ignore", "map"}),
               "0 1 0 errors, 0 warnings, 1 note in 1 file\n");
     EXPECT_EQ(check({"--only", "mixed-line-ends", "--strict"}),
               "1 1 0 errors, 0 warnings, 1 note in 1 file\n");
@@ -93,7 +93,8 @@ TEST(Check, FindsNothingInMapsThatAreWell) {
     for (const std::vector<std::string>& options :
          std::vector<std::vector<std::string>>{{"--sheets", "2", "--relative"},
                                                {"--sheets", "1", "--scale", "500", "--seed", "7"},
-                                               {"--sheets", "3", "--seed", "3"}}) {
+                                               {"--sheets", "3", "--seed", "3"},
+                                               {"--sheets", "1", "--plain-lines"}}) {
         const std::string map = RunVkm(options, {.program = GENERATE_PROGRAM}).output;
         EXPECT_EQ(RunVkm({"check", "--strict", "-"}, {.input = map}).output,
                   "0 errors, 0 warnings, 0 notes in 1 file\n");

@@ -29,8 +29,14 @@ void Drawing::Add(Layer layer, GridPoint at, char type, bool startsLine, int32_t
 
 void Drawing::AddPath(Layer layer, const Path& path, int32_t code, char type) {
     if (path.size() < 2) return;
-    StartLine(layer, grid_.Snap(path[0]), code);
-    for (std::size_t i = 1; i < path.size(); ++i) Element(layer, grid_.Snap(path[i]), code, type);
+    GridPoint last = grid_.Snap(path[0]);
+    StartLine(layer, last, code);
+    for (std::size_t i = 1; i < path.size(); ++i) {
+        const GridPoint at = grid_.Snap(path[i]);
+        if (at.east == last.east && at.north == last.north) continue;  // too close for the decimals
+        Element(layer, at, code, type);
+        last = at;
+    }
 }
 
 void Drawing::AddRing(Layer layer, const Ring& ring, int32_t code) {

@@ -66,6 +66,9 @@ class SheetPainter {
             net_.Line(i, points);
             const bool uncertain = !net_.IsOutline(i) && random_.Chance(0.02);
             const int32_t code = uncertain ? codeParcelUncertain : codeParcel;
+            const auto same = [](GridPoint a, GridPoint b) { return a.east == b.east && a.north == b.north; };
+            points.erase(std::unique(points.begin(), points.end(), same), points.end());
+            if (points.size() < 2) continue;  // too short for the decimals
             drawing_.StartLine(layerBoundaries, points[0], code);
             for (std::size_t k = 1; k < points.size(); ++k)
                 drawing_.Element(layerBoundaries, points[k], code);

@@ -59,7 +59,7 @@ std::string MapWriter::Header() const {
     writer.Record('V', OffsetFields(OriginOf(headerNumber)));
     writer.Record('R', "1 1 0 0 " + std::to_string(options_.scale) + (options_.relative ? " R" : " A"));
     writer.Record('D', "1.1.2026 S=1");
-    if (options_.plainLines) writer.Record('U', "1");
+    if (options_.plainLines) writer.Record('U', "4");  // they bound nothing
     return writer.Take();
 }
 

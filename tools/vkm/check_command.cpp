@@ -21,6 +21,9 @@ namespace vemrado::tools {
 namespace {
 
 constexpr uint64_t defaultMost = 10;
+// Names for the rules that look at lines of the file, and for those that look at the map.
+constexpr const char* fileGroup = "file";
+constexpr const char* mapGroup = "map";
 
 struct CheckOptions {
     InputOptions inputs;
@@ -40,12 +43,24 @@ map::Rule RuleOf(const std::string& name) {
     return *rule;
 }
 
-map::RuleSet SelectedRules(const CheckOptions& options) {
+// Rules by name, or all of a group.
+map::RuleSet RulesOf(const std::vector<std::string>& names) {
     map::RuleSet rules;
-    if (options.only.empty()) rules.set();
-    for (const std::string& name : options.only) rules.set(static_cast<size_t>(RuleOf(name)));
-    for (const std::string& name : options.ignored) rules.reset(static_cast<size_t>(RuleOf(name)));
+    for (const std::string& name : names) {
+        if (name == fileGroup) {
+            rules |= map::FileRules();
+        } else if (name == mapGroup) {
+            rules |= ~map::FileRules();
+        } else {
+            rules.set(static_cast<size_t>(RuleOf(name)));
+        }
+    }
     return rules;
+}
+
+map::RuleSet SelectedRules(const CheckOptions& options) {
+    const map::RuleSet all = map::RuleSet().set();
+    return (options.only.empty() ? all : RulesOf(options.only)) & ~RulesOf(options.ignored);
 }
 
 int ListRules(Environment& environment) {
@@ -106,7 +121,9 @@ int RunCheck(const CheckOptions& options, Environment& environment) {
     if (options.listRules) return ListRules(environment);
     if (!options.explained.empty()) return ExplainRule(options.explained, environment);
     const std::vector<Input> inputs = FindInputs(options.inputs);
-    const map::CheckSettings settings = {.rules = SelectedRules(options)};
+    map::CheckSettings settings;
+    settings.rules = SelectedRules(options);
+    if ((settings.rules & ~map::FileRules()).any()) settings.codes = map::LoadKnownCodes();
     // Programs get everything unless they ask for less.
     const uint64_t most = options.json ? std::numeric_limits<uint64_t>::max() : defaultMost;
     FindingReport report(environment.output, {options.json, options.most.value_or(most)});
@@ -157,14 +174,17 @@ void AddCheckCommand(Program& program) {
     std::vector<std::string> names;
     for (size_t i = 0; i < map::ruleCount; ++i)
         names.emplace_back(map::TextOf(static_cast<map::Rule>(i)).name);
+    std::vector<std::string> selectable = names;
+    selectable.insert(selectable.end(), {fileGroup, mapGroup});
     const auto addRules = [&](const char* name, std::vector<std::string>& rules, const char* says) {
         CLI::Option* option = command.add_option(name, rules, says)
                                   ->type_name("RULE,...")
                                   ->delimiter(',')
                                   ->allow_extra_args(false);
-        program.SetChoices(*option, names);
+        program.SetChoices(*option, selectable);
     };
-    addRules("--only", options->only, "Look for these rules only");
+    addRules("--only", options->only,
+             "Look for these rules only; file and map are all that need a line or the map");
     addRules("--ignore", options->ignored, "Leave these rules out");
     command.add_flag("--rules", options->listRules, "List the rules and exit");
     CLI::Option* explain =
