@@ -71,11 +71,15 @@ vemrado_component(programs vemrado science
   DEPENDS "${exactly_this}, fonts-dejavu-core" ${recommends})
 vemrado_component(library libvemrado1 libs
   "Import module for VKM cadastral map files"
-  "VKM is a text format in which sheets of digital cadastral maps are exchanged.\nSurveying and mapping programs load this library to read such files element by\nelement, with colours, line types and symbols. A sample symbology comes with it.")
+  "VKM is a text format in which sheets of digital cadastral maps are exchanged.\nSurveying and mapping programs load this library to read such files element\nby element, with colours, line types and symbols. A sample symbology comes\nwith it.")
+vemrado_component(interface libvkm1 libs
+  "C interface to VKM cadastral map files"
+  "Programs in C, C++ and other languages read VKM files, the text exchange format\nof digital cadastral maps, through this library: elements, strokes, columns,\nchecks and pictures."
+  DEPENDS "${exactly_this}, fonts-dejavu-core")
 vemrado_component(development libvemrado-dev libdevel
-  "Headers of the import module for VKM cadastral map files"
+  "Headers of the libraries for VKM cadastral map files"
   "What programmers need to build programs that read VKM files, the text exchange\nformat of digital cadastral maps: headers, and the files by which CMake and\npkg-config find the library."
-  DEPENDS "${exactly_this}")
+  DEPENDS "${exactly_this}, libvkm1 (= ${PROJECT_VERSION})")
 if(TARGET ogr_VKM)
   vemrado_component(gdal vemrado-gdal science
     "GDAL vector driver for VKM cadastral map files"
@@ -84,6 +88,7 @@ if(TARGET ogr_VKM)
 endif()
 
 set(CPACK_DEBIAN_LIBRARY_PACKAGE_CONTROL_EXTRA "${PROJECT_SOURCE_DIR}/cmake/debian/triggers")
+set(CPACK_DEBIAN_INTERFACE_PACKAGE_CONTROL_EXTRA "${PROJECT_SOURCE_DIR}/cmake/debian/triggers")
 set(CPACK_DEBIAN_PACKAGE_CONTROL_STRICT_PERMISSION ON)
 
 include(CPack)
