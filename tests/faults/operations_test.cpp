@@ -117,11 +117,20 @@ constexpr Operation operations[] = {
     {"GetExtents",
      [](Host& host) {
          double box[4];
-         host.Reading([&] { return host.vkm->GetExtents(&box[0], &box[1], &box[2], &box[3]); });
+         const int found =
+             host.Reading([&] { return host.vkm->GetExtents(&box[0], &box[1], &box[2], &box[3]); });
+         EXPECT_TRUE(found != 1 || (box[0] <= box[2] && box[1] <= box[3]));
+         EXPECT_TRUE(found <= 0 || host.open);
      }},
     {"SetLayerName",
      [](Host& host) {
-         host.vkm->SetLayerName(host.Pick({"", "x", nullptr, "a layer of a long name"}));
+         const char* name = host.Pick({"", "x", nullptr, "a layer of a long name"});
+         host.vkm->SetLayerName(name);
+         int number = -1;
+         const std::string layer = host.vkm->GetLayer(&number);
+         if (countedMemory.failing == 0 && name != nullptr && *name != '\0') {
+             EXPECT_EQ(layer + std::to_string(number), name + std::string("0"));
+         }
      }},
     {"ReadNext", ReadNext},
     {"GetElementPoint",
@@ -177,7 +186,14 @@ constexpr Operation operations[] = {
          const int result = host.vkm->GetLayerStyle(layer, &colour, &pattern);
          EXPECT_TRUE(result == 0 || (layer >= 1 && layer <= 11));
      }},
-    {"SetLayerValue", [](Host& host) { host.vkm->SetLayerValue(7, host.AnyLayer()); }},
+    {"SetLayerValue",
+     [](Host& host) {
+         const int layer = host.AnyLayer();
+         const int before = host.vkm->GetLayerValue(layer);
+         host.vkm->SetLayerValue(7, layer);
+         const int value = host.vkm->GetLayerValue(layer);
+         EXPECT_TRUE(value == before || value == 7);
+     }},
     {"GetText", [](Host& host) { EXPECT_LE(std::string(host.vkm->GetText()).size(), 255u); }},
     {"GetTextPoint",
      [](Host& host) {

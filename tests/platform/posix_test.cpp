@@ -185,8 +185,11 @@ TEST_F(PosixRegistryTest, TakesTheFirstFileThatExists) {
     memoryCallsLeft = -1;
     files.failingRead = files.reads + 2;
     EXPECT_EQ(LocalPath(), "none");
-    files[directory.Path("own.reg")] += std::string(largestRegFile, '\n');
+    // Read no further than the step that passes the limit: 64 KiB, four times as much with each read.
+    files[directory.Path("own.reg")] += std::string(5 * largestRegFile, '\n');
+    files.reads = 0;
     EXPECT_EQ(LocalPath(), "none");
+    EXPECT_EQ(files.reads, 6);
 }
 
 TEST_F(PosixRegistryTest, TheHostsDataDirectoryStandsForBothPaths) {

@@ -97,10 +97,10 @@ TEST_F(Symbols, OneUnreadableShapeFileIsReported) {
     files["WKOKES.SYM"] = "gone foreign\n1\n2\n256";
     files["foreign.ksh"] = "text";
     symbols.LoadSymbols();
+    const bool firstOfTheProcess = MessageBoxes::ofShapeFiles == 0;
     for (const int32_t code : {1, 2, 3, 1}) EXPECT_EQ(symbols.GetSymbolPattern(code), 0);
-    // Another test of this program may have had the one warning of its life.
-    EXPECT_LE(files.boxes.count, 1);
-    if (files.boxes.count == 1) {
+    EXPECT_EQ(files.boxes.count, firstOfTheProcess ? 1 : 0);
+    if (firstOfTheProcess) {
         EXPECT_EQ(files.boxes.texts, SymbologyFiles::Path("gone.ksh") + ": " + vemrado::msgNoSymbolFile +
                                          "\n" + vemrado::msgSymbolsNotImported + "|");
     }
