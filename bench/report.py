@@ -140,6 +140,24 @@ def measure_sample():
             times[name] / times["MallocOnSample"])
 
 
+def measure_symbology():
+    """Tables far larger than any in use: loads and lookups that stay linear whatever the codes."""
+    times = benchmarked("bench_symbology")
+
+    def compare(figure, name, reference, reference_name, unit, factor):
+        row(figure, f"{times[name] * factor:.1f} {unit}", reference, f"{times[reference_name] * factor:.1f} {unit}",
+            times[name] / times[reference_name])
+
+    per_code = [times["LoadCodeTable/colliding:1"] / 20_000 * 1e9, times["LoadCodeTable/colliding:0"] / 1_000_000 * 1e9]
+    row("load a code, 20 thousand of one bucket", f"{per_code[0]:.1f} ns", "of a million", f"{per_code[1]:.1f} ns",
+        per_code[0] / per_code[1])
+    compare("load 100 thousand colours, descending", "LoadColours/descending:1", "ascending",
+            "LoadColours/descending:0", "ms", 1e3)
+    for name, figure in (("LineStyleOfManyCodes", "style, of a million codes"),
+                         ("LineStyleOfCollidingCodes", "style, of colliding codes")):
+        compare(figure, name, "of one code", "LineStyle", "ns", 1e9)
+
+
 def measure_parts():
     times = benchmarked("bench_micro")
 
@@ -203,6 +221,7 @@ def main():
     measure_commands(times)
     measure_interfaces()
     measure_sample()
+    measure_symbology()
     measure_parts()
     measure_gdal(1000 if "--full" in sys.argv[1:] else 64)
     print_table()
