@@ -4,10 +4,14 @@
 #include <gdal_priv.h>
 
 #include <algorithm>
-#include <cstdlib>
+#include <charconv>
+#include <cstring>
 
+#include "archives/archive_files.h"
+#include "archives/map_files.h"
 #include "client/axis_orientation.h"
 #include "client/foreign_file.h"
+#include "client/system.h"
 #include "client/text_encoding.h"
 #include "sample_symbology.h"
 #include "vkm_dataset.h"
@@ -30,13 +34,33 @@ constexpr const char* openOptions = R"(<OpenOptionList>
   <Option name='PARCELS' type='boolean' default='NO' description='Add the layer parcels: polygons that the boundary lines enclose, with the parcel numbers that lie inside'/>
   <Option name='PARCEL_LAYER' type='int' default='1' description='Layer of the file whose lines bound parcels'/>
   <Option name='NUMBER_LAYER' type='int' default='2' description='Layer of the file whose texts are parcel numbers'/>
+  <Option name='ANGLE_UNIT' type='string-select' default='gon' description='Unit of the rotations (U) in the file; features have them in gons'>
+    <Value>gon</Value>
+    <Value>deg</Value>
+    <Value>rad</Value>
+  </Option>
   <Option name='SOURCE_FIELD' type='boolean' default='NO' description='Add to every layer a field source with the name of the file'/>
 </OpenOptionList>)";
 
+constexpr const char* collectionPrefix = "VKM:";
+
+bool IsCollection(const GDALOpenInfo& info) {
+    return STARTS_WITH_CI(info.pszFilename, collectionPrefix);
+}
+
+// Whoever names the driver (-if VKM) wants it for everything that the module can make something of.
+bool IsForced(const GDALOpenInfo& info) {
+    return info.papszAllowedDrivers != nullptr && CSLCount(info.papszAllowedDrivers) == 1 &&
+           EQUAL(info.papszAllowedDrivers[0], "VKM");
+}
+
 bool Identify(GDALOpenInfo* info) {
+    if (IsCollection(*info)) return true;
     if (info->fpL == nullptr || info->nHeaderBytes <= 0 || info->pabyHeader[0] == '\0') return false;
-    const std::string_view start(reinterpret_cast<const char*>(info->pabyHeader),
-                                 static_cast<size_t>(info->nHeaderBytes));
+    std::string_view start(reinterpret_cast<const char*>(info->pabyHeader),
+                           static_cast<size_t>(info->nHeaderBytes));
+    if (IsForced(*info) && client::ForeignKind(start).empty()) return true;
+    if (start.starts_with(client::byteOrderMark)) start.remove_prefix(client::byteOrderMark.size());
     return client::IsCertainlyVkm(start, EQUAL(CPLGetExtension(info->pszFilename), "vkm"));
 }
 
@@ -56,6 +80,32 @@ void SayWhatElseItIs(const GDALOpenInfo& info) {
                  client::ForeignFileMessage(info.pszFilename, kind).c_str());
 }
 
+// The maps of VKM:sheets/ or VKM:archive.zip; none when there is a problem, which is reported.
+std::vector<std::string> FilesOf(const std::string& collection) {
+    const bool isFolder = client::KindOfFile(collection) == client::FileKind::directory;
+    const std::vector<archives::MapFile> found =
+        isFolder                          ? archives::MapsInFolder(collection, true)
+        : archives::IsArchive(collection) ? archives::MapsInArchive(collection)
+                                          : std::vector<archives::MapFile>{{collection, "", 0, ""}};
+    std::vector<std::string> files;
+    for (const archives::MapFile& file : found) {
+        if (file.problem.empty()) {
+            files.push_back(file.name);
+        } else {
+            CPLError(found.size() == 1 ? CE_Failure : CE_Warning, CPLE_OpenFailed, "%s: %s",
+                     file.name.c_str(), file.problem.c_str());
+        }
+    }
+    return files;
+}
+
+GDALDataset* OpenCollection(const GDALOpenInfo& info, OpenSettings& settings) {
+    const std::vector<std::string> files = FilesOf(info.pszFilename + std::strlen(collectionPrefix));
+    if (files.empty()) return nullptr;
+    settings.withSourceField = CPLFetchBool(info.papszOpenOptions, "SOURCE_FIELD", true);
+    return VkmDataset::Open(files, settings).release();
+}
+
 GDALDataset* OnOpen(GDALOpenInfo* info) {
     if (!Identify(info)) {
         SayWhatElseItIs(*info);
@@ -69,6 +119,7 @@ GDALDataset* OnOpen(GDALOpenInfo* info) {
     }
     OpenSettings settings;
     if (!ReadOpenOptions(info->papszOpenOptions, settings)) return nullptr;
+    if (IsCollection(*info)) return OpenCollection(*info, settings);
     return VkmDataset::Open({info->pszFilename}, settings).release();
 }
 
@@ -93,6 +144,26 @@ bool ReadReference(const char* name, OpenSettings& settings) {
     }
     settings.reference->SetAxisMappingStrategy(OAMS_TRADITIONAL_GIS_ORDER);
     return true;
+}
+
+bool ReadLayerNumber(const char* const* options, const char* name, int& number) {
+    const char* text = CSLFetchNameValue(options, name);
+    if (text == nullptr) return true;
+    const char* end = text + std::strlen(text);
+    const auto [stop, error] = std::from_chars(text, end, number);
+    if (error == std::errc() && stop == end && stop != text) return true;
+    CPLError(CE_Failure, CPLE_IllegalArg, "%s: '%s' is no layer number", name, text);
+    return false;
+}
+
+bool ReadAngleUnit(const std::string& unit, OpenSettings& settings) {
+    constexpr double gonsOfCircle = 400;
+    constexpr double pi = 3.14159265358979323846;
+    if (unit == "gon") return true;
+    settings.gonsOfAngle = unit == "deg" ? gonsOfCircle / 360 : gonsOfCircle / (2 * pi);
+    if (unit == "deg" || unit == "rad") return true;
+    CPLError(CE_Failure, CPLE_IllegalArg, "ANGLE_UNIT: '%s' is none of gon, deg and rad", unit.c_str());
+    return false;
 }
 
 }  // namespace
@@ -125,10 +196,17 @@ bool ReadOpenOptions(const char* const* options, OpenSettings& settings) {
         settings.dataDirectory = SampleSymbology();
     } else {
         settings.dataDirectory = IsNo(symbology) ? "" : HolderOfTables(symbology);
+        VSIStatBufL status;
+        if (!settings.dataDirectory.empty() && VSIStatL(settings.dataDirectory.c_str(), &status) != 0) {
+            CPLError(CE_Failure, CPLE_IllegalArg, "SYMBOLOGY: there is no directory '%s'", symbology);
+            return false;
+        }
     }
     settings.parcels = CPLFetchBool(options, "PARCELS", false);
-    settings.parcelLayers.boundaries = std::atoi(CSLFetchNameValueDef(options, "PARCEL_LAYER", "1"));
-    settings.parcelLayers.numbers = std::atoi(CSLFetchNameValueDef(options, "NUMBER_LAYER", "2"));
+    if (!ReadLayerNumber(options, "PARCEL_LAYER", settings.parcelLayers.boundaries) ||
+        !ReadLayerNumber(options, "NUMBER_LAYER", settings.parcelLayers.numbers) ||
+        !ReadAngleUnit(CSLFetchNameValueDef(options, "ANGLE_UNIT", "gon"), settings))
+        return false;
     settings.withSourceField = CPLFetchBool(options, "SOURCE_FIELD", false);
     return true;
 }
@@ -142,6 +220,10 @@ void RegisterDriver() {
     driver->SetMetadataItem(GDAL_DMD_EXTENSION, "vkm");
     driver->SetMetadataItem(GDAL_DMD_EXTENSIONS, "vkm");
     driver->SetMetadataItem(GDAL_DMD_OPENOPTIONLIST, openOptions);
+    driver->SetMetadataItem(GDAL_DMD_CONNECTION_PREFIX, collectionPrefix);
+    driver->SetMetadataItem(GDAL_DMD_SUPPORTED_SQL_DIALECTS, "OGRSQL SQLITE");
+    driver->SetMetadataItem(GDAL_DMD_HELPTOPIC, "docs/gis.md");
+    driver->SetMetadataItem(GDAL_DCAP_MULTIPLE_VECTOR_LAYERS, "YES");
     driver->SetMetadataItem(GDAL_DCAP_VIRTUALIO, "YES");
     driver->SetMetadataItem(GDAL_DCAP_FEATURE_STYLES, "YES");
     driver->pfnIdentify = OnIdentify;

@@ -177,6 +177,7 @@ void ElementReader::CopyVertex(ModuleSession& session, int index, LineRecord& li
     const int type = importer->GetElementType(index);
     VertexValues values;
     importer->GetElementValues(index, &values.valueM, &values.valueR, &values.valueU);
+    values.valueU *= source.gonsOfAngle;
     values.symbol = importer->GetElementSymbolCode(index);
     const char* code = importer->GetElementCode(index);
     values.code = AddString(batch, code, std::strlen(code));
@@ -226,6 +227,7 @@ void ElementReader::CopyText(ModuleSession& session, Batch& batch) {
     if (!IsPlace(point)) return LeaveOut(session);
     text.point = OGRRawPoint(point[0], point[1]);
     importer->GetTextAttributes(&text.valueD, &text.valueF, &text.height, &text.rotation);
+    text.rotation *= source.gonsOfAngle;
     text.code = importer->GetTextCode();
     decoded.clear();
     decoder.Append(importer->GetText(), decoded);

@@ -31,6 +31,7 @@ struct Source {
     std::vector<FileState> states;   // for each file
     client::Encoding encoding = client::Encoding::windows1250;
     int axisOrientation = 128;
+    double gonsOfAngle = 1.0;  // gons that the file's unit of rotations has
     bool withSourceField = false;
     std::function<bool()> stopRequested;  // asked before each batch; true ends the reading as failed
 };

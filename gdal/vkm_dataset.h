@@ -24,6 +24,7 @@ struct OpenSettings {
     int axisOrientation = 128;
     std::string dataDirectory;  // holds VKMSym; empty: no styles
     std::optional<OGRSpatialReference> reference;
+    double gonsOfAngle = 1.0;  // gons that the file's unit of rotations has
     bool parcels = false;
     map::ParcelLayers parcelLayers;
     bool withSourceField = false;

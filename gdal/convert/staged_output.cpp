@@ -4,7 +4,10 @@
 #include <cpl_string.h>
 #include <cpl_vsi.h>
 
+#include <signal.h>
+
 #include <cerrno>
+#include <cstdlib>
 #include <cstring>
 
 #include "client/system.h"
@@ -21,7 +24,21 @@ StagedOutput::~StagedOutput() {
     VSIRmdirRecursive(folder.c_str());
 }
 
+// Processes that were killed leave theirs.
+void StagedOutput::RemoveForsaken() const {
+    const CPLStringList names(VSIReadDir(target.c_str()));
+    const std::string start = stagingFolderStart;
+    for (int i = 0; i < names.Count(); ++i) {
+        const std::string name = names[i];
+        if (!name.starts_with(start)) continue;
+        const int process = std::atoi(name.c_str() + start.size());
+        const bool runs = process <= 0 || kill(process, 0) == 0 || errno != ESRCH;
+        if (!runs) VSIRmdirRecursive(CPLFormFilename(target.c_str(), names[i], nullptr));
+    }
+}
+
 bool StagedOutput::Make(std::string& reason) {
+    RemoveForsaken();
     constexpr long everyone = 0777;
     if (VSIMkdir(folder.c_str(), everyone) == 0) return true;
     reason = std::strerror(errno);

@@ -23,6 +23,8 @@ class StagedOutput {
     bool PutInPlace(std::string& reason);
 
   private:
+    void RemoveForsaken() const;
+
     std::string target;  // folder of the output
     std::string folder;
 };

@@ -10,6 +10,7 @@ void AddCommands(Program& program) {
     AddRenderCommand(program);
 #if VEMRADO_CONVERTER
     AddConvertCommand(program);
+    AddIndexCommand(program);
 #else
     program.LeaveOut(
         "convert",

@@ -15,6 +15,7 @@ void AddCheckCommand(Program& program);
 void AddDiffCommand(Program& program);
 void AddRenderCommand(Program& program);
 void AddConvertCommand(Program& program);
+void AddIndexCommand(Program& program);
 void AddParcelsCommand(Program& program);
 void AddSymbologyCommand(Program& program);
 void AddShapesCommand(Program& program);

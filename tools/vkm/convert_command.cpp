@@ -143,7 +143,7 @@ void Conversion::Check() const {
 
 // Sheets that cannot be read are left out where there are many of them.
 bool Conversion::GoesOn() const {
-    return options.keepGoing || IsFolder(options.output) ||
+    return options.keepGoing || options.index || IsFolder(options.output) ||
            std::ranges::any_of(inputs, [](const Input& input) { return input.fromMany; });
 }
 
@@ -395,8 +395,7 @@ void AddConvertCommand(Program& program) {
         .add_option("--t-srs", options->targetReference,
                     "Transform coordinates to this reference system, such as EPSG:4326")
         ->type_name("SRS");
-    command
-        .add_option("--bbox", options->box, "Only what touches this box, in coordinates of --srs")
+    command.add_option("--bbox", options->box, "Only what touches this box, in coordinates of --srs")
         ->type_name("X,Y,X,Y")
         ->delimiter(',')
         ->expected(4);
@@ -417,6 +416,37 @@ void AddConvertCommand(Program& program) {
     command.add_flag("--update", options->update, "Add new sheets and replace those that have changed");
     command.add_flag("--prune", options->prune, "When updating, remove sheets that are not among the inputs");
     command.add_option("--schema", options->schema, "Schema of a PostgreSQL output")->type_name("NAME");
+    AddOrientationOption(program, command, options->axisOrientation);
+    AddEncodingOption(program, command, options->encoding);
+}
+
+void AddIndexCommand(Program& program) {
+    const auto options = std::make_shared<ConvertOptions>();
+    options->index = true;
+    const CommandText text = {
+        "index",
+        "Make an index of many maps: outlines, scales, dates, counts",
+        "Writes a layer sheets with the outline of each map, its scale, date and title from its header, "
+        "counts "
+        "of lines, points and texts, and a hash of the file. The exit codes are those of convert.",
+        {{"vkm index -r sheets/ -o index.gpkg", "the maps of a folder and the folders in it"},
+         {"vkm index archive.zip -o index.geojson", "those of an archive"}}};
+    CLI::App& command = program.Add(
+        text, [options](Environment& environment) { return Conversion(*options, environment).Run(); });
+    AddInputOptions(command, options->inputs);
+    command.add_option("-o,--output", options->output, "The index; its ending says the format")
+        ->type_name("OUT")
+        ->required();
+    command.add_option("-f,--format", options->format, "A file extension or the name of a GDAL driver")
+        ->type_name("FORMAT");
+    command
+        .add_option("--srs", options->reference,
+                    "Reference system, such as EPSG:5514 (the default); NO for none")
+        ->type_name("SRS");
+    command.add_flag("--update", options->update, "Read only what is new or has changed");
+    command.add_flag("--prune", options->prune, "When updating, remove maps that are not among the inputs");
+    command.add_option("--report", options->report, "Write what became of every input")
+        ->type_name("FILE.json|FILE.csv");
     AddOrientationOption(program, command, options->axisOrientation);
     AddEncodingOption(program, command, options->encoding);
 }

@@ -10,6 +10,7 @@
 #include <system_error>
 
 #include "archives/archive_files.h"
+#include "archives/map_files.h"
 #include "client/file_providers.h"
 #include "client/standard_input.h"
 #include "client/system.h"
@@ -20,22 +21,6 @@ namespace vemrado::tools {
 namespace {
 
 namespace fs = std::filesystem;
-
-bool EndsWith(std::string_view name, std::string_view end) {
-    if (name.size() < end.size()) return false;
-    name.remove_prefix(name.size() - end.size());
-    return std::ranges::equal(
-        name, end, [](char a, char b) { return std::tolower(static_cast<unsigned char>(a)) == b; });
-}
-
-bool IsMapName(std::string_view name) {
-    return EndsWith(name, ".vkm") || EndsWith(name, ".vkm.gz");
-}
-
-bool IsArchiveName(std::string_view name) {
-    constexpr std::string_view ends[] = {".zip", ".tar", ".tar.gz", ".tgz"};
-    return std::ranges::any_of(ends, [&](std::string_view end) { return EndsWith(name, end); });
-}
 
 std::string Shown(const std::string& name) {
     return client::SystemTextToUtf8(name);
@@ -57,9 +42,9 @@ class Finder {
                 throw Failure(exitUsage, "standard input can be read only once");
             found.push_back({name, "", 0, "", fromMany});
         } else if (client::KindOfFile(name) == client::FileKind::directory) {
-            AddFolder(name);
-        } else if (!IsMapName(name) && archives::IsArchive(name)) {
-            AddArchive(name, "");
+            AddFound(archives::MapsInFolder(name, intoFolders));
+        } else if (!archives::IsMapName(name) && archives::IsArchive(name)) {
+            AddFound(archives::MapsInArchive(name));
         } else {
             found.push_back({name, fs::path(name).filename().string(), SizeOf(name), "", fromMany});
         }
@@ -90,51 +75,10 @@ class Finder {
         }
     }
 
-    void AddProblem(const std::string& name, const std::string& problem) {
-        found.push_back({name, name, 0, Shown(name) + ": " + Shown(problem), true});
-    }
-
-    template <typename Iterator>
-    static std::vector<fs::path> FilesOf(Iterator entries, std::error_code& error) {
-        std::vector<fs::path> files;
-        for (const Iterator end; !error && entries != end; entries.increment(error)) {
-            std::error_code none;
-            if (entries->is_regular_file(none)) files.push_back(entries->path());
-        }
-        std::ranges::sort(files);
-        return files;
-    }
-
-    void AddFolder(const std::string& folder) {
-        std::error_code error;
-        constexpr auto some = fs::directory_options::skip_permission_denied;
-        const std::vector<fs::path> files =
-            intoFolders ? FilesOf(fs::recursive_directory_iterator(folder, some, error), error)
-                        : FilesOf(fs::directory_iterator(folder, some, error), error);
-        if (error) return AddProblem(folder, error.message());
-        const size_t before = found.size();
-        for (const fs::path& file : files) {
-            const std::string name = file.generic_string();
-            const std::string place = file.lexically_relative(folder).generic_string();
-            if (IsMapName(name)) found.push_back({name, place, SizeOf(file), "", true});
-            if (IsArchiveName(name)) AddArchive(name, place + "/");
-        }
-        if (found.size() == before) AddProblem(folder, "the folder holds no VKM file");
-    }
-
-    void AddArchive(const std::string& archive, const std::string& placeBefore) {
-        try {
-            const std::vector<archives::ArchivedFile> files = archives::FilesInArchive(archive);
-            const size_t before = found.size();
-            for (const archives::ArchivedFile& file : files) {
-                if (!IsMapName(file.name) && files.size() != 1) continue;
-                found.push_back({archive + "/" + file.name, placeBefore + file.name, file.size, "", true});
-            }
-            if (found.size() == before) AddProblem(archive, "the archive holds no VKM file");
-        } catch (const archives::ArchiveError& error) {
-            AddProblem(archive, error.what());
-        } catch (const std::system_error& error) {
-            AddProblem(archive, error.code().message());
+    void AddFound(const std::vector<archives::MapFile>& files) {
+        for (const archives::MapFile& file : files) {
+            const std::string problem = file.problem.empty() ? "" : Shown(file.name + ": " + file.problem);
+            found.push_back({file.name, file.place, file.bytes, problem, true});
         }
     }
 
