@@ -19,11 +19,14 @@ endif()
 set(CMAKE_BUILD_RPATH_USE_ORIGIN ON)
 if(WIN32)
   add_link_options(LINKER:--no-insert-timestamp)  # the same bytes from the same sources
-else()
+elseif(NOT EMSCRIPTEN)
   add_link_options(LINKER:--enable-new-dtags)
 endif()
 
 add_compile_options(-Wall -Wextra -Wpedantic -Wconversion -Wshadow)
+if(EMSCRIPTEN)
+  add_compile_options(-Wno-sign-conversion -Wno-shorten-64-to-32)  # memory has 32 bits here
+endif()
 if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND CMAKE_CXX_COMPILER_VERSION VERSION_LESS 13)
   # GCC 12 warns of its own std::string wherever that is compiled into the caller.
   add_compile_options(-Wno-restrict)

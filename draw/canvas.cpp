@@ -10,10 +10,10 @@ namespace vemrado::draw {
 namespace {
 
 constexpr double millimetresPerInch = 25.4;
-constexpr double largestPixelSide = 32767;               // what the drawing library's pictures hold
-constexpr double largestPixelCount = 16384.0 * 16384.0;  // 1 GB of memory
-constexpr double largestPdfSide = 5080;                  // mm; 200 inches, a page's limit in PDF
-constexpr double largestSvgSide = 1e6;                   // mm
+constexpr double largestPixelSide = 32767;                // what the drawing library's pictures hold
+constexpr double largestPixelCount = 16384.0 * 16384.0;   // 1 GB of memory
+[[maybe_unused]] constexpr double largestPdfSide = 5080;  // mm; 200 inches, a page's limit in PDF
+constexpr double largestSvgSide = 1e6;                    // mm
 
 [[noreturn]] void Refuse(const char* format, double width, double height, const char* limit) {
     char text[256];

@@ -34,6 +34,9 @@ class SceneBuilder {
     // The scene of all elements taken. The builder is used up.
     Scene Finish();
 
+    // The scene of the elements taken so far; strokes are in the order of the file.
+    const Scene& SoFar() const { return scene; }
+
     // Knows of bytes of texts and codes that were no characters of the encoding.
     const client::TextDecoder& Decoder() const { return reading.Decoder(); }
 

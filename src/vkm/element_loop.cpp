@@ -33,7 +33,8 @@ void NoteHeaderLine(CVKMHeader& header, uint32_t recordClass, Field mark, CVKMTo
     if (recordClass != '*') return;
     // A comment may begin right behind its mark.
     const char* begin = mark.data() + 2;
-    String comment = Trimmed({begin, line.Rest().data() + line.Rest().size()});
+    const std::string_view rest = line.Rest();
+    String comment = Trimmed({begin, static_cast<size_t>(rest.data() + rest.size() - begin)});
     if (comment.empty()) return;
     if (!header.comments.empty()) header.comments += '\n';
     header.comments.append(

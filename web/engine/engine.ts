@@ -1,0 +1,272 @@
+// The module and its map behind one class: what C exports say, in JavaScript's own types. Runs in a Worker, in a page
+// or in Node; everything in it is synchronous.
+
+import type {
+    Box,
+    CheckReport,
+    Comparison,
+    Element,
+    Hit,
+    Inspection,
+    Legend,
+    ParcelList,
+    ParcelRings,
+    Picked,
+    Summary,
+    View,
+} from "./types.ts";
+
+// Bytes that the module reads as it needs them.
+export interface Source {
+    readonly name: string;
+    readonly size: number;
+    // At most so many bytes from the offset; fewer only at the end. Throws when they cannot be read.
+    read(offset: number, length: number): Uint8Array;
+}
+
+// The numbers and texts that a picture is drawn from, see replay.ts.
+export interface Commands {
+    numbers: Float32Array;
+    texts: string[];
+}
+
+interface Module {
+    HEAPU8: Uint8Array;
+    HEAPF32: Float32Array;
+    FS: { mkdirTree(path: string): void; writeFile(path: string, bytes: Uint8Array): void };
+    readFile: (file: number, offset: number, destination: number, count: number) => number;
+    _malloc(size: number): number;
+    _free(pointer: number): void;
+    [name: `_vkm_${string}`]: (...values: number[]) => number;
+}
+
+export type ModuleFactory = (settings: object) => Promise<Module>;
+
+export const encodings = ["windows-1250", "cp852", "iso-8859-2", "utf-8"] as const;
+export type Encoding = (typeof encodings)[number];
+
+// The module refuses nothing by itself; a map takes about one and a half times its bytes of the 4 GB there are.
+export const largestFile = 2 * 1024 ** 3;
+
+const sampleSymbology = "/symbology";
+
+// Numbers that JSON has no form for are written as their names.
+export function parseElement(line: string): Element {
+    if (!/"(NaN|-?Infinity)"/.test(line)) return JSON.parse(line) as Element;
+    return JSON.parse(line, (key, value: unknown) =>
+        typeof value === "string" && key !== "text" && key !== "K" && /^(NaN|-?Infinity)$/.test(value)
+            ? Number(value)
+            : value,
+    ) as Element;
+}
+
+export class VkmError extends Error {
+    constructor(
+        message: string,
+        readonly file: string,
+        readonly line: number, // that had been read; 0: none
+    ) {
+        super(message);
+        this.name = "VkmError";
+    }
+}
+
+export class Engine {
+    private readonly sources = new Map<number, Source>();
+    private readonly decoder = new TextDecoder();
+    private lastFile = 0;
+
+    private constructor(private readonly module: Module) {
+        module.readFile = (file, offset, destination, count) =>
+            this.readFile(file, offset, destination, count);
+    }
+
+    // language: a country's number or the name of a language, for the words of messages and legends.
+    static async load(factory: ModuleFactory, wasm: BufferSource, language = "en"): Promise<Engine> {
+        let engine: Engine | undefined;
+        const environment = (module: { ENV?: Record<string, string> }): void => {
+            if (module.ENV) module.ENV["VEMRADO_COUNTRY"] = language;
+        };
+        const module = await factory({
+            wasmBinary: wasm,
+            locateFile: (name: string) => name,
+            preRun: [environment],
+            print: () => undefined,
+            printErr: () => undefined,
+        });
+        engine = new Engine(module);
+        engine.withText(sampleSymbology, (directory) => module._vkm_symbology!(directory));
+        return engine;
+    }
+
+    // Opens a source as the next sheet of the map. Its number.
+    open(source: Source, encoding: Encoding = "windows-1250"): number {
+        if (source.size > largestFile) throw new RangeError(`${source.name}: larger than 2 GB`);
+        const file = ++this.lastFile;
+        this.sources.set(file, source);
+        return this.withText(source.name, (name) =>
+            this.module._vkm_open!(name, file, source.size, encodings.indexOf(encoding)),
+        );
+    }
+    // Reads on for so long; false when all is read.
+    read(sheet: number, milliseconds: number): boolean {
+        return this.module._vkm_read!(sheet, milliseconds) !== 0;
+    }
+    stop(sheet: number): void {
+        this.module._vkm_stop!(sheet);
+    }
+    index(sheet: number): void {
+        this.module._vkm_index!(sheet);
+    }
+    clear(): void {
+        this.module._vkm_clear!();
+        this.sources.clear();
+    }
+
+    // The elements of a source, as they stand in it. Throws VkmError where it cannot be read.
+    *elements(
+        source: Source,
+        encoding: Encoding = "windows-1250",
+        axisOrientation = 128,
+    ): Generator<Element, boolean> {
+        const file = ++this.lastFile;
+        this.sources.set(file, source);
+        const { module } = this;
+        const batch = 1 << 16;
+        try {
+            const failure = this.withText(source.name, (name) =>
+                this.text(
+                    module._vkm_elements_open!(
+                        name,
+                        file,
+                        source.size,
+                        encodings.indexOf(encoding),
+                        axisOrientation,
+                    ),
+                ),
+            );
+            if (failure !== "") throw new VkmError(failure, source.name, 0);
+            for (;;) {
+                const lines = this.text(module._vkm_elements_next!(batch));
+                if (lines.startsWith("!")) {
+                    throw new VkmError(lines.slice(1), source.name, module._vkm_elements_line!());
+                }
+                if (lines === "") return module._vkm_elements_complete!() !== 0;
+                for (const line of lines.split("\n")) if (line !== "") yield parseElement(line);
+            }
+        } finally {
+            module._vkm_elements_close!();
+            this.sources.delete(file);
+        }
+    }
+
+    // The files of a symbology of one's own, for sheets opened from now on.
+    useSymbology(files: { name: string; bytes: Uint8Array }[]): void {
+        const directory = `/own-${++this.lastFile}`;
+        this.module.FS.mkdirTree(`${directory}/VKMSym`);
+        for (const file of files) this.module.FS.writeFile(`${directory}/VKMSym/${file.name}`, file.bytes);
+        this.withText(directory, (name) => this.module._vkm_symbology!(name));
+    }
+
+    summary(): Summary {
+        return this.json(this.module._vkm_summary!()) as Summary;
+    }
+    showLayer(layer: number, shown: boolean): void {
+        this.module._vkm_show_layer!(layer, shown ? 1 : 0);
+    }
+    legend(box: Box): Legend {
+        return this.json(this.module._vkm_legend!(...box)) as Legend;
+    }
+    find(text: string, most: number): { count: number; hits: Hit[] } {
+        const found = this.withText(text, (wanted) => this.module._vkm_find!(wanted, most));
+        return this.json(found) as { count: number; hits: Hit[] };
+    }
+    pick(x: number, y: number, distance: number): Picked[] {
+        return this.json(this.module._vkm_pick!(x, y, distance)) as Picked[];
+    }
+    inspect(picked: Picked): Inspection | null {
+        const kind = ["line", "symbol", "text"].indexOf(picked.kind);
+        return this.json(
+            this.module._vkm_inspect!(picked.sheet, picked.layer, kind, picked.number),
+        ) as Inspection | null;
+    }
+    parcels(): ParcelList {
+        return this.json(this.module._vkm_parcels!()) as ParcelList;
+    }
+    parcelAt(x: number, y: number): number {
+        return this.module._vkm_parcel_at!(x, y);
+    }
+    parcelRings(parcel: number): ParcelRings {
+        return this.json(this.module._vkm_parcel_rings!(parcel)) as ParcelRings;
+    }
+    check(sheet: number, most: number): CheckReport {
+        return this.json(this.module._vkm_check!(sheet, most)) as CheckReport;
+    }
+    // What changed since another state of the map.
+    compare(old: Source, encoding: Encoding, most: number): Comparison {
+        const file = ++this.lastFile;
+        this.sources.set(file, old);
+        try {
+            return this.json(
+                this.module._vkm_compare!(file, encodings.indexOf(encoding), most),
+            ) as Comparison;
+        } finally {
+            this.sources.delete(file);
+        }
+    }
+    svg(sheet: number, box: Box, legend: boolean, title: string): string {
+        return this.withText(title, (text) =>
+            this.text(this.module._vkm_svg!(sheet, ...box, legend ? 1 : 0, text)),
+        );
+    }
+
+    isThin(pixelsPerMetre: number): boolean {
+        return this.module._vkm_is_thin!(pixelsPerMetre) !== 0;
+    }
+    // Red, green, blue and opacity of the lines of a view that is seen from afar. indexed: only what the trees find.
+    paintThin(view: View, indexed: boolean): Uint8ClampedArray<ArrayBuffer> {
+        const { x, y, scale, width, height } = view;
+        const at = this.module._vkm_paint_thin!(x, y, scale, width, height, indexed ? 1 : 0);
+        const pixels = new Uint8ClampedArray(this.module.HEAPU8.slice(at, at + width * height * 4).buffer);
+        this.module._vkm_forget_pixels!();
+        return pixels;
+    }
+    // What else there is in a view, or everything where nothing is thin.
+    draw(view: View): Commands {
+        const count = this.module._vkm_draw!(view.x, view.y, view.scale, view.width, view.height);
+        const at = this.module._vkm_commands!() / 4;
+        const texts = this.text(this.module._vkm_texts!());
+        return {
+            numbers: this.module.HEAPF32.slice(at, at + count),
+            texts: texts === "" ? [] : texts.split("\n"),
+        };
+    }
+
+    private readFile(file: number, offset: number, destination: number, count: number): number {
+        try {
+            const bytes = this.sources.get(file)?.read(offset, count);
+            if (!bytes) return -1;
+            this.module.HEAPU8.set(bytes, destination);
+            return bytes.length;
+        } catch {
+            return -1;
+        }
+    }
+    private withText<Result>(text: string, use: (pointer: number) => Result): Result {
+        const bytes = new TextEncoder().encode(text.replaceAll("\0", " ") + "\0");
+        const pointer = this.module._malloc(bytes.length);
+        this.module.HEAPU8.set(bytes, pointer);
+        try {
+            return use(pointer);
+        } finally {
+            this.module._free(pointer);
+        }
+    }
+    private text(pointer: number): string {
+        const heap = this.module.HEAPU8;
+        return this.decoder.decode(heap.subarray(pointer, heap.indexOf(0, pointer)));
+    }
+    private json(pointer: number): unknown {
+        return JSON.parse(this.text(pointer));
+    }
+}

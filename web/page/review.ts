@@ -1,0 +1,165 @@
+// What is wrong with the file, and what changed since another state of it: lists that lead to their places.
+
+import type { Change, ChangeSide, CheckReport, Comparison, Finding } from "../engine/types.ts";
+import type { Client } from "./client.ts";
+import { button, make } from "./dom.ts";
+import type { MapFile } from "./files.ts";
+import type { MapView, Point } from "./map_view.ts";
+import { say, type Words } from "./words.ts";
+
+const mostListed = 1000;
+const colours = {
+    added: "rgb(20 130 60)",
+    removed: "rgb(200 40 40)",
+    changed: "rgb(210 120 0)",
+    moved: "rgb(60 80 200)",
+};
+
+// One list at a time, with what is marked on the map.
+abstract class Review {
+    protected marked: ChangeSide[] = [];
+    private colour = "rgb(200 40 40)";
+
+    constructor(
+        protected readonly client: Client,
+        protected readonly view: MapView,
+    ) {}
+
+    clear(): void {
+        this.marked = [];
+    }
+
+    draw(context: CanvasRenderingContext2D): void {
+        context.strokeStyle = this.colour;
+        context.lineWidth = 3;
+        for (const { outline } of this.marked) {
+            const places = points(outline).map((point) => this.view.toScreen(point));
+            context.beginPath();
+            for (const place of places) context.lineTo(place.x, place.y);
+            if (places.length === 1) context.arc(places[0]!.x, places[0]!.y, 13, 0, 7);
+            context.stroke();
+        }
+    }
+
+    protected mark(sides: ChangeSide[], colour: string): void {
+        this.marked = sides;
+        this.colour = colour;
+        const all = sides.flatMap((side) => points(side.outline));
+        if (all.length === 0) return;
+        const xs = all.map((point) => point.x);
+        const ys = all.map((point) => point.y);
+        const box = [Math.min(...xs), Math.min(...ys), Math.max(...xs), Math.max(...ys)] as const;
+        const center = { x: (box[0] + box[2]) / 2, y: (box[1] + box[3]) / 2 };
+        this.view.glide(center, Math.min(this.view.scaleFor([...box], 0.3), Math.max(this.view.scale, 8)));
+        this.view.redraw();
+    }
+}
+
+function points(outline: number[]): Point[] {
+    return Array.from({ length: outline.length / 2 }, (_, i) => ({
+        x: outline[2 * i]!,
+        y: outline[2 * i + 1]!,
+    }));
+}
+
+export class Findings extends Review {
+    private reports: CheckReport[] = [];
+
+    override clear(): void {
+        super.clear();
+        this.reports = [];
+    }
+
+    async panel(sheets: string[]): Promise<Node[]> {
+        if (this.reports.length === 0) {
+            for (const sheet of sheets.keys())
+                this.reports.push(await this.client.call("check", sheet, mostListed));
+        }
+        const total = (name: "error" | "warning" | "note"): number =>
+            this.reports.reduce((sum, report) => sum + report[name], 0);
+        const counts = { errors: total("error"), warnings: total("warning"), notes: total("note") };
+        const count = counts.errors + counts.warnings + counts.notes;
+        const summary = make("p", {}, count === 0 ? say("nothingWrong") : say("findingCounts", counts));
+        const rows = this.reports.flatMap((report, i) =>
+            report.findings.map((finding) => this.row(finding, sheets.length > 1 ? `${sheets[i]} ` : "")),
+        );
+        if (count > rows.length)
+            rows.push(make("li", { class: "quiet" }, say("moreFound", { count: count - rows.length })));
+        return [
+            make("p", { class: "quiet" }, say("checkHint")),
+            summary,
+            make("ul", { class: "rows list" }, ...rows),
+        ];
+    }
+
+    private row(finding: Finding, sheet: string): HTMLElement {
+        const { x, y, line, column, message, severity } = finding;
+        const place = `${sheet}${line}:${column}`;
+        const content = [
+            make("span", {
+                class: `severity ${severity}`,
+                title: say(severity),
+                "aria-label": say(severity),
+            }),
+            make("span", { class: "grow" }, message),
+            make("span", { class: "number" }, place),
+        ];
+        if (x === undefined || y === undefined) return make("li", { class: "finding" }, ...content);
+        const side = { fileLine: line, code: "", words: "", outline: [x, y] };
+        const row = button("", () => this.mark([side], "rgb(200 40 40)"), { class: "finding" });
+        row.append(...content);
+        return make("li", {}, row);
+    }
+}
+
+export class Changes extends Review {
+    comparison: Comparison | null = null;
+    private oldName = "";
+
+    override clear(): void {
+        super.clear();
+        this.comparison = null;
+    }
+
+    async compare(old: MapFile, encoding: "windows-1250" | "cp852" | "iso-8859-2" | "utf-8"): Promise<void> {
+        this.oldName = old.name;
+        this.comparison = await this.client.call("compare", old.name, old.blob, encoding, mostListed);
+    }
+
+    panel(): Node[] {
+        const { comparison } = this;
+        if (!comparison) return [];
+        const { added, removed, changed, moved } = comparison;
+        const count = added + removed + changed + moved;
+        const rows = comparison.changes.map((change) => {
+            const sides = [change.old, change.now].filter((side): side is ChangeSide => side !== undefined);
+            const row = button("", () => this.mark(sides, colours[change.kind]));
+            row.append(
+                make("span", {}, describe(change)),
+                make("span", { class: "number" }, say("layer") + ` ${change.layer}`),
+            );
+            row.style.borderLeft = `4px solid ${colours[change.kind]}`;
+            return make("li", {}, row);
+        });
+        if (count > rows.length)
+            rows.push(make("li", { class: "quiet" }, say("moreFound", { count: count - rows.length })));
+        return [
+            make("p", { class: "quiet" }, say("comparedWith", { name: this.oldName })),
+            make(
+                "p",
+                {},
+                count === 0 ? say("noChanges") : say("changeCounts", { added, removed, changed, moved }),
+            ),
+            make("ul", { class: "rows list" }, ...rows),
+        ];
+    }
+}
+
+function describe({ kind, thing, old, now }: Change): string {
+    const words = [old?.words, now?.words].filter((word) => word);
+    const codes = [old?.code, now?.code].filter((code) => code);
+    const values = words.length > 0 ? words : codes;
+    const what =
+        values.length === 2 && values[0] !== values[1] ? `${values[0]} → ${values[1]}` : (values[0] ?? "");
+    return `${say(kind as keyof Words)}: ${say(thing)} ${what}`;
+}

@@ -1,0 +1,210 @@
+// The Worker of the page: it holds the module and the map, reads files and draws tiles, so that the page itself
+// never waits.
+
+import createModule from "vkm_web";
+import { Engine, type Encoding, type Source } from "../engine/engine.ts";
+import { replay } from "../engine/replay.ts";
+import type { Box, Comparison, Picked, Summary, View } from "../engine/types.ts";
+
+export interface Font {
+    family: string;
+    weight: string;
+    style: string;
+    bytes: ArrayBuffer;
+}
+
+export interface Picture {
+    bitmap: ImageBitmap;
+    view: View;
+}
+
+// What the Worker says without being asked, while it opens a file.
+export type WorkerEvent =
+    | { event: "progress"; name: string; done: number; total: number }
+    | { event: "preview"; picture: Picture; summary: Summary };
+
+const window4 = 4 << 20; // bytes that are asked of a file at once
+const slice = 40; // ms of reading between looks at the messages
+const firstPreview = 120; // ms after the beginning
+
+// Bytes of a Blob as the module reads them: from beginning to end, a little at a time.
+class BlobSource implements Source {
+    private readonly reader = new FileReaderSync();
+    private begin = 0;
+    private kept = new Uint8Array(0);
+    consumed = 0;
+
+    constructor(
+        readonly name: string,
+        private readonly blob: Blob,
+    ) {}
+    get size(): number {
+        return this.blob.size;
+    }
+    read(offset: number, length: number): Uint8Array {
+        if (offset < this.begin || offset >= this.begin + this.kept.length) {
+            const end = Math.min(offset + window4, this.blob.size);
+            this.kept = new Uint8Array(this.reader.readAsArrayBuffer(this.blob.slice(offset, end)));
+            this.begin = offset;
+        }
+        const from = offset - this.begin;
+        const bytes = this.kept.subarray(from, from + length);
+        this.consumed = offset + bytes.length;
+        return bytes;
+    }
+}
+
+function emit(event: WorkerEvent): void {
+    postMessage(event, { transfer: event.event === "preview" ? [event.picture.bitmap] : [] });
+}
+
+// Lets messages that have come meanwhile be answered. A timer would wait 4 ms.
+function breathe(): Promise<void> {
+    return new Promise((resolve) => {
+        const { port1, port2 } = new MessageChannel();
+        port1.onmessage = () => {
+            port1.close();
+            resolve();
+        };
+        port2.postMessage(null);
+    });
+}
+
+// The view of a box in the middle of a picture of the size.
+export function fit(box: Box, width: number, height: number, margin = 0.04): View {
+    const boxWidth = Math.max(box[2] - box[0], 1);
+    const boxHeight = Math.max(box[3] - box[1], 1);
+    const scale = Math.min(width / boxWidth, height / boxHeight) * (1 - 2 * margin);
+    return {
+        x: (box[0] + box[2]) / 2 - width / 2 / scale,
+        y: (box[1] + box[3]) / 2 + height / 2 / scale,
+        scale,
+        width,
+        height,
+    };
+}
+
+let engine: Engine;
+let stopWanted = false;
+const encodingOf = new Map<number, Encoding>();
+
+function bitmapOf(view: View, draw: (context: OffscreenCanvasRenderingContext2D) => void): ImageBitmap {
+    const canvas = new OffscreenCanvas(view.width, view.height);
+    const context = canvas.getContext("2d", { willReadFrequently: true })!;
+    draw(context);
+    return canvas.transferToImageBitmap();
+}
+
+function drawView(context: OffscreenCanvasRenderingContext2D, view: View): void {
+    if (engine.isThin(view.scale)) {
+        context.putImageData(new ImageData(engine.paintThin(view, true), view.width, view.height), 0, 0);
+    } else {
+        context.fillStyle = "white";
+        context.fillRect(0, 0, view.width, view.height);
+    }
+    replay(context, engine.draw(view));
+}
+
+function preview(width: number, height: number): void {
+    const summary = engine.summary();
+    if (summary.extent.length === 0) return;
+    const view = fit(summary.extent, width, height);
+    const pixels = new ImageData(engine.paintThin(view, false), width, height);
+    const bitmap = bitmapOf(view, (context) => context.putImageData(pixels, 0, 0));
+    emit({ event: "preview", picture: { bitmap, view }, summary });
+}
+
+const methods = {
+    async init(wasm: ArrayBuffer, fonts: Font[], language: string): Promise<void> {
+        const loaded = fonts.map((font) => {
+            const { weight, style } = font;
+            return new FontFace(font.family, font.bytes, { weight, style }).load();
+        });
+        engine = await Engine.load(createModule, wasm, language);
+        const faces = (self as unknown as { fonts: FontFaceSet }).fonts;
+        for (const face of await Promise.all(loaded)) faces.add(face);
+    },
+
+    // Reads a file as a further sheet of the map. Pictures of what has come so far are as large as the page asks.
+    async open(
+        name: string,
+        blob: Blob,
+        encoding: Encoding,
+        width: number,
+        height: number,
+    ): Promise<Summary> {
+        stopWanted = false;
+        const source = new BlobSource(name, blob);
+        const sheet = engine.open(source, encoding);
+        encodingOf.set(sheet, encoding);
+        const began = performance.now();
+        let nextPreview = began + firstPreview;
+        while (engine.read(sheet, slice)) {
+            emit({ event: "progress", name, done: source.consumed, total: source.size });
+            await breathe();
+            if (stopWanted) engine.stop(sheet);
+            const now = performance.now();
+            if (now < nextPreview) continue;
+            preview(width, height);
+            const cost = performance.now() - now;
+            nextPreview = performance.now() + Math.max(300, 12 * cost);
+        }
+        preview(width, height);
+        return engine.summary();
+    },
+    stop(): void {
+        stopWanted = true;
+    },
+    index(sheet: number): void {
+        engine.index(sheet);
+    },
+    clear(): void {
+        engine.clear();
+    },
+    useSymbology(files: { name: string; bytes: Uint8Array }[]): void {
+        engine.useSymbology(files);
+    },
+
+    tile(view: View): ImageBitmap {
+        return bitmapOf(view, (context) => drawView(context, view));
+    },
+    isThin(scale: number): boolean {
+        return engine.isThin(scale);
+    },
+    async png(view: View): Promise<Blob> {
+        const canvas = new OffscreenCanvas(view.width, view.height);
+        drawView(canvas.getContext("2d", { willReadFrequently: true })!, view);
+        return canvas.convertToBlob();
+    },
+    compare(name: string, blob: Blob, encoding: Encoding, most: number): Comparison {
+        return engine.compare(new BlobSource(name, blob), encoding, most);
+    },
+    check: (sheet: number, most: number) => engine.check(sheet, most),
+    svg(sheet: number, box: Box, legend: boolean, title: string): string {
+        return engine.svg(sheet, box, legend, title);
+    },
+
+    summary: () => engine.summary(),
+    showLayer: (layer: number, shown: boolean) => engine.showLayer(layer, shown),
+    legend: (box: Box) => engine.legend(box),
+    find: (text: string, most: number) => engine.find(text, most),
+    pick: (x: number, y: number, distance: number) => engine.pick(x, y, distance),
+    inspect: (picked: Picked) => engine.inspect(picked),
+    parcels: () => engine.parcels(),
+    parcelAt: (x: number, y: number) => engine.parcelAt(x, y),
+    parcelRings: (parcel: number) => engine.parcelRings(parcel),
+};
+
+export type WorkerMethods = typeof methods;
+
+self.onmessage = async (
+    message: MessageEvent<{ id: number; method: keyof WorkerMethods; values: unknown[] }>,
+) => {
+    const { id, method, values } = message.data;
+    try {
+        const result = await (methods[method] as (...values: unknown[]) => unknown)(...values);
+        postMessage({ id, result }, { transfer: result instanceof ImageBitmap ? [result] : [] });
+    } catch (error) {
+        postMessage({ id, error: error instanceof Error ? error.message : String(error) });
+    }
+};
