@@ -284,6 +284,37 @@ class Convert(unittest.TestCase):
         self.convert("map.vkm", "-o", "out.gpkg", "--append")
         self.assertEqual(4, counts_of(self.path("out.gpkg"))["sheets"])
 
+    def write_net(self, name, wanted):
+        """Squares of 10 m, every side a line of its own, with a number in each; only sides and numbers at a wanted x."""
+        rows = ["&V 1 0 0", "&R 1 1 0 0 1000 A", "&U 1"]
+        sides = [((x, y), (x + dx, y + 1 - dx)) for x in range(5) for y in range(5) for dx in (0, 1) if x + dx <= 4 and y + 1 - dx <= 4]
+        rows += [f"&L P {10 * a[1]} {10 * a[0]}\n L {10 * b[1]} {10 * b[0]}" for a, b in sides if wanted((a[0] + b[0]) / 2)]
+        rows += ["&U 2"] + [f"&T {10 * y + 5} {10 * x + 5} {4 * x + y}" for x in range(4) for y in range(4) if wanted(x + 0.5)]
+        self.write(name, "\n".join(rows + ["&K", ""]).encode())
+
+    def test_parcels_over_many_sheets_are_those_of_one_file(self):
+        # The seams go through the squares, and one stands in two sheets.
+        self.write_net("one.vkm", lambda x: True)
+        for name, begin, end in (("in/b.vkm", 1, 2.5), ("in/a.vkm", 0, 1), ("in/c.vkm", 2.5, 4)):
+            os.makedirs(self.path("in"), exist_ok=True)
+            self.write_net(name, lambda x, begin=begin, end=end: begin <= x <= end)
+        found = {}
+        for source in ("one.vkm", "in"):
+            self.convert(source, "-o", f"{source}.gpkg", "--parcels", "--report", "report.json")
+            dataset = gdal.OpenEx(self.path(f"{source}.gpkg"))
+            found[source] = sorted((row["number"], round(row["area"], 6), row.geometry().GetEnvelope()) for row in dataset.GetLayer("parcels"))
+        self.assertEqual((16, found["one.vkm"]), (len(found["in"]), found["in"]))
+        self.assertEqual(16, sum(row["parcels"] for row in self.report().values()))
+        self.assertIn(("(2:in/a.vkm,in/b.vkm)",), set(values_of(self.path("in.gpkg"), "parcels", "sheets")))
+
+    def test_index_and_collection(self):
+        made = self.sheets("in/1.vkm", "in/deep/2.vkm")
+        subprocess.run([VKM, "index", "-r", "in", "-o", "index.gpkg"], cwd=self.folder, check=True)
+        wanted = [(name, len(one.lines), 1) for name, one in made.items()]
+        self.assertEqual(wanted, values_of(self.path("index.gpkg"), "sheets", "source", "lines", "complete"))
+        collection = values_of("VKM:" + self.path("in"), "lines", "source")
+        self.assertEqual({self.path(name): len(one.lines) for name, one in made.items()}, dict(collections.Counter(name for name, in collection)))
+
     def test_coordinates(self):
         self.convert("map.vkm", "-o", "out.gpkg", "--layers", "texts", "--t-srs", "EPSG:4326")
         dataset = gdal.OpenEx(self.path("out.gpkg"))
