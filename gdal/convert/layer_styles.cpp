@@ -31,6 +31,22 @@ OGRLayer* CreateTable(GDALDataset& output) {
 
 }  // namespace
 
+bool AddStyle(GDALDataset& geoPackage, OGRLayer& layer, const std::string& qml, const char* description) {
+    OGRLayer* table = geoPackage.GetLayerByName("layer_styles");
+    if (table == nullptr) table = CreateTable(geoPackage);
+    if (table == nullptr) return false;
+    OGRFeature row(table->GetLayerDefn());
+    row.SetField("f_table_catalog", "");
+    row.SetField("f_table_schema", "");
+    row.SetField("f_table_name", layer.GetName());
+    row.SetField("f_geometry_column", layer.GetGeometryColumn());
+    row.SetField("styleName", "map");
+    row.SetField("styleQML", qml.c_str());
+    row.SetField("description", description);
+    row.SetField("useAsDefault", 1);
+    return table->CreateFeature(&row) == OGRERR_NONE;
+}
+
 LayerStyles::LayerStyles(const std::string& dataDirectory, double scale)
     : symbology(Symbology::Of(dataDirectory)), mapScale(scale) {}
 
@@ -42,20 +58,8 @@ std::string LayerStyles::QmlOf(std::string_view layer) const {
 }
 
 bool LayerStyles::AddTo(GDALDataset& geoPackage, const std::vector<OGRLayer*>& layers) const {
-    OGRLayer* table = geoPackage.GetLayerByName("layer_styles");
-    if (table == nullptr) table = CreateTable(geoPackage);
-    if (table == nullptr) return false;
     for (OGRLayer* layer : layers) {
-        OGRFeature row(table->GetLayerDefn());
-        row.SetField("f_table_catalog", "");
-        row.SetField("f_table_schema", "");
-        row.SetField("f_table_name", layer->GetName());
-        row.SetField("f_geometry_column", layer->GetGeometryColumn());
-        row.SetField("styleName", "map");
-        row.SetField("styleQML", QmlOf(layer->GetName()).c_str());
-        row.SetField("description", "As the symbology draws it");
-        row.SetField("useAsDefault", 1);
-        if (table->CreateFeature(&row) != OGRERR_NONE) return false;
+        if (!AddStyle(geoPackage, *layer, QmlOf(layer->GetName()), "As the symbology draws it")) return false;
     }
     return true;
 }

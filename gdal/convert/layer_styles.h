@@ -14,6 +14,10 @@
 
 namespace vemrado::gdal {
 
+// Adds a default style for a layer to the table layer_styles of a GeoPackage, which is made when it is not
+// there. False when it cannot be written, which is reported to GDAL.
+bool AddStyle(GDALDataset& geoPackage, OGRLayer& layer, const std::string& qml, const char* description);
+
 class LayerStyles {
   public:
     LayerStyles(const std::string& dataDirectory, double mapScale);

@@ -87,6 +87,20 @@ TEST(Check, SelectsRulesAndCountsAll) {
     EXPECT_EQ(RunVkm({"check", "/nowhere.vkm"}).exitCode, 1);
 }
 
+TEST(Check, WritesPagesAndLayers) {
+    const TestFolder folder;
+    for (const char* name : {"page.html", "points.geojson"}) {
+        const std::string path = folder.Path(name);
+        EXPECT_EQ(
+            RunVkm({"check", "--only", "number-cut", "--max", "0", "-o", path, "-"}, {.input = faultyMap})
+                .exitCode,
+            1);
+        const std::string bytes = FileBytes(path);
+        EXPECT_NE(bytes.find("'2,5' is read as 2"), std::string::npos) << bytes;
+    }
+    EXPECT_EQ(RunVkm({"check", "-o", folder.Path("x.nonsense"), "-"}, {.input = faultyMap}).exitCode, 2);
+}
+
 TEST(Check, FindsNothingInMapsThatAreWell) {
     EXPECT_EQ(RunVkm({"check", "--strict", DATA_FOLDER "/sample-town.vkm"}).output,
               "0 errors, 0 warnings, 0 notes in 1 file\n");

@@ -5,11 +5,13 @@
 #include <memory>
 
 #include "check_pages.h"
+#include "client/atomic_output.h"
 #include "client/input_file.h"
 #include "client/standard_input.h"
 #include "client/system.h"
 #include "commands.h"
 #include "common_options.h"
+#include "feature_file.h"
 #include "finding_report.h"
 #include "input_progress.h"
 #include "inputs.h"
@@ -35,6 +37,7 @@ struct CheckOptions {
     std::vector<std::string> only;
     std::optional<uint64_t> most;
     EncodingChoice encoding;
+    std::string output;
 };
 
 map::Rule RuleOf(const std::string& name) {
@@ -117,6 +120,14 @@ bool CheckFile(const Input& input, const EncodingChoice& encoding, map::CheckSet
     return false;
 }
 
+void WritePage(const FindingPage& page, const std::string& output) {
+    try {
+        page.Write(output);
+    } catch (const client::OutputError& error) {
+        throw Failure(exitInternal, error.what());
+    }
+}
+
 int RunCheck(const CheckOptions& options, Environment& environment) {
     if (options.listRules) return ListRules(environment);
     if (!options.explained.empty()) return ExplainRule(options.explained, environment);
@@ -127,6 +138,14 @@ int RunCheck(const CheckOptions& options, Environment& environment) {
     // Programs get everything unless they ask for less.
     const uint64_t most = options.json ? std::numeric_limits<uint64_t>::max() : defaultMost;
     FindingReport report(environment.output, {options.json, options.most.value_or(most)});
+    std::optional<FeatureFile> features;
+    FindingPage page;
+    const bool isPage = options.output.ends_with(".html");
+    if (isPage) {
+        report.AddTo(page);
+    } else if (!options.output.empty()) {
+        report.AddTo(features.emplace(options.output));
+    }
     bool allRead = true;
     InputProgress progress(inputs);
     for (const Input& input : inputs) {
@@ -134,6 +153,8 @@ int RunCheck(const CheckOptions& options, Environment& environment) {
         allRead = CheckFile(input, options.encoding, settings, report, environment) && allRead;
         progress.Finish(input);
     }
+    if (features) features->Write();
+    if (isPage) WritePage(page, options.output);
     report.WriteSummary();
     const bool faulty = report.Count(map::Severity::error) + report.Count(map::Severity::warning) > 0 ||
                         (options.strict && report.Count(map::Severity::note) > 0);
@@ -156,6 +177,7 @@ void AddCheckCommand(Program& program) {
          {"vkm check --json sheets/*.vkm > findings.jsonl", "for programs, one object a line"},
          {"vkm check --only number-cut,number-range map.vkm", "two rules only"},
          {"vkm check --explain number-cut", "what a rule means, with an example"},
+         {"vkm check map.vkm -o faults.gpkg", "as points that a GIS opens over the map"},
          {"zcat map.vkm.gz | vkm check --strict -", "a compressed file; notes count too"}}};
     CLI::App& command =
         program.Add(text, [options](Environment& environment) { return RunCheck(*options, environment); });
@@ -170,6 +192,11 @@ void AddCheckCommand(Program& program) {
         .add_option("--max", options->most,
                     "Show so many findings of each rule in a file (default: 10, with --json all)")
         ->type_name("N");
+    command
+        .add_option("-o,--output", options->output,
+                    "Write all findings as points too, in a format that GDAL writes, such as GeoPackage,\nor "
+                    "as a page (.html)")
+        ->type_name("OUT");
     command.add_flag("--strict", options->strict, "Notes count for the exit code too");
     std::vector<std::string> names;
     for (size_t i = 0; i < map::ruleCount; ++i)

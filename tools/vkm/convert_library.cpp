@@ -32,4 +32,8 @@ decltype(&VkmVirtualFiles) LoadVirtualFiles() {
     return reinterpret_cast<decltype(&VkmVirtualFiles)>(LoadEntry("VkmVirtualFiles"));
 }
 
+decltype(&VkmWriteFeatures) LoadFeatureWriter() {
+    return reinterpret_cast<decltype(&VkmWriteFeatures)>(LoadEntry("VkmWriteFeatures"));
+}
+
 }  // namespace vemrado::tools

@@ -3,6 +3,7 @@
 #pragma once
 
 #include "convert/converter.h"
+#include "convert/feature_layers.h"
 
 namespace vemrado::tools {
 
@@ -10,5 +11,6 @@ namespace vemrado::tools {
 // when it is not there.
 decltype(&VkmConvert) LoadConverter();
 decltype(&VkmVirtualFiles) LoadVirtualFiles();
+decltype(&VkmWriteFeatures) LoadFeatureWriter();
 
 }  // namespace vemrado::tools

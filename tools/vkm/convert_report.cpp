@@ -64,8 +64,7 @@ std::string CsvOf(const std::vector<ReportRow>& rows) {
     for (const ReportRow& row : rows) {
         std::string line;
         const Json json = RowJson(row);
-        for (const auto& [name, value] : json.items())
-            line += (line.empty() ? "" : ",") + Field(value);
+        for (const auto& [name, value] : json.items()) line += (line.empty() ? "" : ",") + Field(value);
         text += line + "\n";
     }
     return text;

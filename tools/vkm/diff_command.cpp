@@ -25,6 +25,7 @@ struct DiffOptions {
     double tolerance = 0.05;
     bool json = false;
     EncodingChoice encoding;
+    std::string output;
 };
 
 struct NoFindings : map::FindingSink {
@@ -69,7 +70,10 @@ int RunDiff(const DiffOptions& options, Environment& environment) {
     const bool oldRead = read(options.oldFile, old, oldEncoding);
     if (!read(options.newFile, now, newEncoding) || !oldRead) return exitBroken;
     DiffReport report(environment.output, options.json, oldEncoding, newEncoding);
+    std::optional<FeatureFile> features;
+    if (!options.output.empty()) report.AddTo(features.emplace(options.output));
     map::CompareMaps(old, now, values, options.tolerance, report);
+    if (features) features->Write();
     report.WriteTotals();
     return report.Any() ? exitDifferent : exitEqual;
 }
@@ -91,6 +95,7 @@ void AddDiffCommand(Program& program) {
         "compared.",
         {{"vkm diff old.vkm new.vkm", "one line for each change"},
          {"vkm diff --json old.vkm new.vkm | jq 'select(.kind == \"text\")'", "the texts that changed"},
+         {"vkm diff old.vkm new.vkm -o diff.gpkg", "for QGIS: added green, removed red, changed blue"},
          {"vkm diff --tolerance 0.5 old.vkm new.vkm", "texts may have moved by half a metre"}}};
     CLI::App& command =
         program.Add(text, [options](Environment& environment) { return RunDiff(*options, environment); });
@@ -104,6 +109,10 @@ void AddDiffCommand(Program& program) {
         ->type_name("M")
         ->capture_default_str()
         ->check(CLI::NonNegativeNumber);
+    command
+        .add_option("-o,--output", options->output,
+                    "Write the changes as features too, in a format that GDAL writes, such as GeoPackage")
+        ->type_name("OUT");
     command.add_flag("--json", options->json, "Write changes as JSON Lines");
     AddEncodingOption(program, command, options->encoding);
 }

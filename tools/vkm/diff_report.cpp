@@ -50,6 +50,7 @@ double Distance(map::Point a, map::Point b) {
 void DiffReport::Take(const map::Change& change) {
     any = true;
     ++counts[static_cast<size_t>(change.kind)][static_cast<size_t>(change.thing)];
+    if (features != nullptr) WriteFeature(change);
     if (json) {
         WriteJson(change);
     } else {
@@ -101,6 +102,35 @@ void DiffReport::WriteText(const map::Change& change) {
     if (change.old && change.now) text += ", ";
     if (change.now) text += "new line " + std::to_string(change.now->fileLine);
     output.Write(text + ")\n");
+}
+
+// The layers have the order of the things.
+void DiffReport::AddTo(FeatureFile& file) {
+    constexpr StyledValue colours[] = {
+        {"added", "30,150,60"}, {"removed", "200,30,30"}, {"changed", "40,80,200"}, {"moved", "40,80,200"}};
+    features = &file;
+    for (const std::string_view thing : map::thingNames)
+        file.AddLayer(std::string(thing) + "s", thing == "line", "change", colours);
+}
+
+void DiffReport::WriteFeature(const map::Change& change) {
+    std::string members = "\"change\":\"" + std::string(map::changeNames[static_cast<size_t>(change.kind)]) +
+                          "\",\"layer\":" + std::to_string(change.layer);
+    const auto add = [&](const char* name, const std::optional<map::ChangeSide>& side,
+                         client::TextDecoder& decoder) {
+        const std::string member = std::string(",\"") + name;
+        if (!side) {
+            members += member + "\":null" + member + "_line\":null";
+            return;
+        }
+        members += member + "\":";
+        map::AppendJsonText(members, Described(*side, decoder));
+        members += member + "_line\":" + std::to_string(side->fileLine);
+    };
+    add("old", change.old, oldDecoder);
+    add("new", change.now, newDecoder);
+    const std::vector<map::Point>& points = change.now ? change.now->points : change.old->points;
+    features->Add(static_cast<size_t>(change.thing), points, members);
 }
 
 void DiffReport::WriteTotals() {

@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <string>
 
+#include "feature_file.h"
 #include "map/diff.h"
 #include "standard_output.h"
 
@@ -20,15 +21,19 @@ class DiffReport : public map::ChangeSink {
     void Take(const map::Change& change) override;
     // The totals, for people.
     void WriteTotals();
+    // All changes go there too, in the layers lines, texts and symbols.
+    void AddTo(FeatureFile& file);
     bool Any() const { return any; }
 
   private:
     void WriteJson(const map::Change& change);
     void WriteText(const map::Change& change);
+    void WriteFeature(const map::Change& change);
 
     StandardOutput& output;
     bool json;
     bool any = false;
+    FeatureFile* features = nullptr;
     client::TextDecoder oldDecoder;
     client::TextDecoder newDecoder;
     // By change and thing.

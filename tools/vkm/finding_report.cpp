@@ -1,7 +1,10 @@
 #include "finding_report.h"
 
 #include <algorithm>
+#include <cmath>
 #include <cstdio>
+
+#include "map/json_text.h"
 
 namespace vemrado::tools {
 namespace {
@@ -25,9 +28,13 @@ void FindingReport::BeginFile(const std::string& name, client::Encoding encoding
 void FindingReport::Take(const map::Finding& finding) {
     const auto rule = static_cast<size_t>(finding.rule);
     ++counts[rule];
-    if (++countsOfFile[rule] > settings.most) return;
+    const bool isShown = ++countsOfFile[rule] <= settings.most;
+    if (!isShown && features == nullptr && page == nullptr) return;
     field.clear();
     decoder->Append(finding.field, field);
+    if (features != nullptr) WriteFeature(finding);
+    if (page != nullptr) page->Add(file, finding, map::MessageOf(finding, field));
+    if (!isShown) return;
     if (settings.json) {
         WriteJson(finding);
     } else {
@@ -71,6 +78,29 @@ void FindingReport::WriteJson(const map::Finding& finding) {
         json.Raw("]");
     }
     json.Raw("}\n");
+}
+
+void FindingReport::AddTo(FeatureFile& featureFile) {
+    constexpr StyledValue colours[] = {
+        {"error", "200,30,30"}, {"warning", "240,150,20"}, {"note", "40,110,200"}};
+    features = &featureFile;
+    featureLayer = features->AddLayer("findings", false, "severity", colours);
+}
+
+void FindingReport::WriteFeature(const map::Finding& finding) {
+    const map::RuleText& rule = map::TextOf(finding.rule);
+    std::string members = "\"rule\":\"" + std::string(rule.name) + "\",\"severity\":\"" +
+                          std::string(map::severityNames[static_cast<size_t>(rule.severity)]) +
+                          "\",\"file\":";
+    map::AppendJsonText(members, file);
+    members += ",\"line\":" + std::to_string(finding.place.line) +
+               ",\"column\":" + std::to_string(finding.place.column) + ",\"message\":";
+    map::AppendJsonText(members, map::MessageOf(finding, field));
+    members += ",\"field\":";
+    map::AppendJsonText(members, field);
+    const bool isPlace = finding.point && std::isfinite(finding.point->x) && std::isfinite(finding.point->y);
+    features->Add(featureLayer, isPlace ? std::span(&*finding.point, 1) : std::span<const map::Point>(),
+                  members);
 }
 
 uint64_t FindingReport::Count(map::Severity severity) const {

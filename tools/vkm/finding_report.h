@@ -8,6 +8,8 @@
 #include <string>
 
 #include "client/text_encoding.h"
+#include "feature_file.h"
+#include "finding_page.h"
 #include "json_writer.h"
 #include "map/findings.h"
 #include "standard_output.h"
@@ -28,12 +30,16 @@ class FindingReport : public map::FindingSink {
     void BeginFile(const std::string& name, client::Encoding encoding);
     void Take(const map::Finding& finding) override;
     void WriteSummary();
+    // All findings go there too, as points of a layer findings.
+    void AddTo(FeatureFile& file);
+    void AddTo(FindingPage& findingPage) { page = &findingPage; }
 
     uint64_t Count(map::Severity severity) const;
 
   private:
     void WriteText(const map::Finding& finding);
     void WriteJson(const map::Finding& finding);
+    void WriteFeature(const map::Finding& finding);
 
     StandardOutput& output;
     JsonWriter json;
@@ -42,6 +48,9 @@ class FindingReport : public map::FindingSink {
     std::string file;
     std::string field;  // of the finding being written, in UTF-8
     uint64_t files = 0;
+    FeatureFile* features = nullptr;
+    FindingPage* page = nullptr;
+    size_t featureLayer = 0;
     std::array<uint64_t, map::ruleCount> countsOfFile{};
     std::array<uint64_t, map::ruleCount> counts{};
 };
