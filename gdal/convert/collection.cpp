@@ -327,7 +327,10 @@ std::optional<Problem> Collection::Take(size_t input, OutputKind only) {
     diagnostics.WritingBegins();
     const SheetFacts& facts = sheet->Facts();
     if (!layersAdded && !AddLayers(facts)) return OutputFailed();
-    if (request.mode == OutputMode::update && !RemoveSheet(*layers, sheet->Name())) return OutputFailed();
+    // An output without the table of sheets may have it all the same.
+    const bool mayBeThere = table.Find(sheet->Name()) != nullptr || !layers->WasThere(outputSheets);
+    if (request.mode == OutputMode::update && mayBeThere && !RemoveSheet(*layers, sheet->Name()))
+        return OutputFailed();
     if (!WriteSheet(*sheet, only) || !FailedWrite().empty() || !diagnostics.Failure().empty())
         return OutputFailed();
     changed = true;

@@ -35,6 +35,7 @@ constexpr FieldSchema sheetFields[] = {
     {"size", OFTInteger64, "Bytes of the file"},
     {"modified", OFTInteger64, "Time of the file's last change, s since 1970"},
     {"hash", OFTString, "Hash of the file's bytes"}};
+constexpr const char* kindNames[] = {"lines", "points", "texts", "parcels", "sheets"};
 constexpr LayerSchema sheetSchema = {"sheets", wkbPolygon, sheetFields};
 
 OGRGeometry* Outline(const OGREnvelope& extent) {
@@ -120,6 +121,8 @@ bool RemoveSheet(OutputLayers& output, const std::string& name) {
     for (const OutputKind kind : {outputLines, outputPoints, outputTexts, outputSheets}) {
         if (!output.WasThere(kind)) continue;
         const std::string table = output.Table(output.Layer(kind)->GetName());
+        const std::string index = "\"" + std::string(kindNames[kind]) + "_source\"";
+        if (!output.Run("CREATE INDEX IF NOT EXISTS " + index + " ON " + table + " (source)")) return false;
         if (!output.Run("DELETE FROM " + table + " WHERE source = " + OutputLayers::Quoted(name)))
             return false;
     }
