@@ -30,6 +30,8 @@ if(TARGET vkm)
   install(TARGETS vkm RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
 endif()
 
+# The page for browsers, where the preset web has been built.
+install(FILES ${PROJECT_SOURCE_DIR}/build/web/vemrado.html DESTINATION ${CMAKE_INSTALL_DATADIR}/vemrado OPTIONAL)
 install(DIRECTORY data/symbology DESTINATION ${CMAKE_INSTALL_DATADIR}/vemrado COMPONENT library
   PATTERN sources EXCLUDE)
 install(DIRECTORY data/ DESTINATION ${CMAKE_INSTALL_DATADIR}/vemrado/maps FILES_MATCHING PATTERN "*.vkm"

@@ -16,6 +16,7 @@
 #include "draw/stray_points.h"
 #include "input_progress.h"
 #include "inputs.h"
+#include "map_page.h"
 #include "picture.h"
 #include "program.h"
 #include "reading.h"
@@ -174,6 +175,12 @@ void CheckScene(const draw::Scene& scene, const RenderOptions& options, const st
 
 int RunRender(RenderOptions options, Environment& environment) {
     const std::vector<Input> inputs = FindInputs(options.inputs);
+    if (options.picture.format.empty() && IsMapPage(options.picture.file)) {
+        if (inputs.size() != 1) throw Failure(exitUsage, "--output: a page for the browser holds one map");
+        RefuseInputAsOutput(inputs.front().name, options.picture.file);
+        WriteMapPage(inputs.front().name, options.picture.file);
+        return exitDone;
+    }
     CheckRenderOptions(options, inputs);
     const std::string& first = inputs.front().name;
     if (!ChooseEncoding(options.encoding, first, environment, options.scene.encoding)) return exitInput;
