@@ -12,6 +12,7 @@
 
 #include "archives/directory.h"
 #include "archives/unpacked.h"
+#include "client/system.h"
 
 namespace vemrado::archives {
 
@@ -60,7 +61,7 @@ Kind KindOf(const std::string& path) {
 
 bool IsRegularFile(const std::string& path) {
     std::error_code none;
-    return fs::is_regular_file(path, none);
+    return fs::is_regular_file(client::NativePath(path), none);
 }
 
 bool NamedCompressed(const std::string& name) {
@@ -183,7 +184,7 @@ class KnownArchives {
 
     Archive& Of(const std::string& path) {
         constexpr size_t most = 16;
-        const fs::file_time_type changed = fs::last_write_time(path);
+        const fs::file_time_type changed = fs::last_write_time(client::NativePath(path));
         Known& place = archives[path];
         if (place.archive != nullptr && place.changed == changed) return *place.archive;
         auto fresh = std::make_unique<Archive>(path);

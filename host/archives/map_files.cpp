@@ -7,6 +7,7 @@
 #include <system_error>
 
 #include "archives/archive_files.h"
+#include "client/system.h"
 
 namespace vemrado::archives {
 
@@ -24,6 +25,12 @@ bool EndsWith(std::string_view name, std::string_view end) {
 bool IsArchiveName(std::string_view name) {
     constexpr std::string_view ends[] = {".zip", ".tar", ".tar.gz", ".tgz"};
     return std::ranges::any_of(ends, [&](std::string_view end) { return EndsWith(name, end); });
+}
+
+// A file's name as the module takes it; narrow strings of the standard library are something else on Windows.
+std::string NameOf(const fs::path& path) {
+    const std::u8string name = path.generic_u8string();
+    return {name.begin(), name.end()};
 }
 
 uint64_t SizeOf(const fs::path& path) {
@@ -69,14 +76,15 @@ bool IsMapName(const std::string& name) {
 std::vector<MapFile> MapsInFolder(const std::string& folder, bool recursive) {
     std::error_code error;
     constexpr auto some = fs::directory_options::skip_permission_denied;
+    const fs::path root = client::NativePath(folder);
     const std::vector<fs::path> files =
-        recursive ? FilesOf(fs::recursive_directory_iterator(folder, some, error), error)
-                  : FilesOf(fs::directory_iterator(folder, some, error), error);
+        recursive ? FilesOf(fs::recursive_directory_iterator(root, some, error), error)
+                  : FilesOf(fs::directory_iterator(root, some, error), error);
     if (error) return {{folder, folder, 0, error.message()}};
     std::vector<MapFile> found;
     for (const fs::path& file : files) {
-        const std::string name = file.generic_string();
-        const std::string place = file.lexically_relative(folder).generic_string();
+        const std::string name = NameOf(file);
+        const std::string place = NameOf(file.lexically_relative(root));
         if (IsMapName(name)) found.push_back({name, place, SizeOf(file), ""});
         if (IsArchiveName(name)) AddArchive(name, place + "/", found);
     }

@@ -5,6 +5,7 @@ The programs lie in a folder of their own as in the archive, so that the symbolo
 language of the system (LC_ALL).
 """
 
+import gzip
 import os
 import pathlib
 import pty
@@ -66,6 +67,15 @@ class Places(unittest.TestCase):
         titled = self.vkm(place, "render", "b.vkm", "-o", "b.svg", "--legend", "--title", "wh* t?")
         self.assertEqual(titled.returncode, 0)  # blanks make the runner quote it
         self.assertIn("wh* t?", (place / "b.svg").read_text())
+
+    def test_reads_folders_and_compressed_files(self):
+        place = self.unpack("Dvořák")
+        folder = place / "složka ř"
+        folder.mkdir()
+        (folder / "ž.vkm.gz").write_bytes(gzip.compress(MAP))
+        read = self.vkm(place, "info", "--json", "složka ř")
+        self.assertEqual((read.returncode, read.stderr), (0, b""))
+        self.assertIn("ž.vkm.gz", read.stdout.decode())
 
     def test_writes_one_encoding_into_one_file(self):
         place = self.unpack("Dvořák")

@@ -26,6 +26,12 @@ std::string Shown(const std::string& name) {
     return client::SystemTextToUtf8(name);
 }
 
+// A file's name as the module takes it; narrow strings of the standard library are something else on Windows.
+std::string NameOf(const fs::path& path) {
+    const std::u8string name = path.generic_u8string();
+    return {name.begin(), name.end()};
+}
+
 uint64_t SizeOf(const fs::path& path) {
     std::error_code error;
     const auto size = fs::file_size(path, error);
@@ -46,7 +52,8 @@ class Finder {
         } else if (!archives::IsMapName(name) && archives::IsArchive(name)) {
             AddFound(archives::MapsInArchive(name));
         } else {
-            found.push_back({name, fs::path(name).filename().string(), SizeOf(name), "", fromMany});
+            found.push_back({name, NameOf(client::NativePath(name).filename()),
+                             SizeOf(client::NativePath(name)), "", fromMany});
         }
     }
 
