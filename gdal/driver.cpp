@@ -31,6 +31,7 @@ constexpr const char* openOptions = R"(<OpenOptionList>
   <Option name='ORIENTATION' type='string' default='-y,-x' description="What a point (x, y) of the file, x to the south and y to the west, becomes: x,y x,-y -x,y -x,-y y,x -y,x y,-x or -y,-x, or its code 1 2 4 8 16 32 64 128. The default gives east and north"/>
   <Option name='SYMBOLOGY' type='string' description='Directory that holds VKMSym with the symbology tables for the styles of features; NO for none. By default the sample symbology, where it is installed'/>
   <Option name='SRS' type='string' default='EPSG:5514' description='Reference system of the coordinates; NO for none. The default stands for the default orientation only'/>
+  <Option name='SPLIT_BY_CODE' type='boolean' default='YES' description='Make a line whose code changes along it one feature for each code; NO keeps it whole, with its first code'/>
   <Option name='PARCELS' type='boolean' default='NO' description='Add the layer parcels: polygons that the boundary lines enclose, with the parcel numbers that lie inside'/>
   <Option name='PARCEL_LAYER' type='int' default='1' description='Layer of the file whose lines bound parcels'/>
   <Option name='NUMBER_LAYER' type='int' default='2' description='Layer of the file whose texts are parcel numbers'/>
@@ -157,10 +158,8 @@ bool ReadLayerNumber(const char* const* options, const char* name, int& number) 
 }
 
 bool ReadAngleUnit(const std::string& unit, OpenSettings& settings) {
-    constexpr double gonsOfCircle = 400;
-    constexpr double pi = 3.14159265358979323846;
     if (unit == "gon") return true;
-    settings.gonsOfAngle = unit == "deg" ? gonsOfCircle / 360 : gonsOfCircle / (2 * pi);
+    settings.angleUnit = unit == "deg" ? map::AngleUnit::degree : map::AngleUnit::radian;
     if (unit == "deg" || unit == "rad") return true;
     CPLError(CE_Failure, CPLE_IllegalArg, "ANGLE_UNIT: '%s' is none of gon, deg and rad", unit.c_str());
     return false;
@@ -202,6 +201,7 @@ bool ReadOpenOptions(const char* const* options, OpenSettings& settings) {
             return false;
         }
     }
+    settings.splitByCode = CPLFetchBool(options, "SPLIT_BY_CODE", true);
     settings.parcels = CPLFetchBool(options, "PARCELS", false);
     if (!ReadLayerNumber(options, "PARCEL_LAYER", settings.parcelLayers.boundaries) ||
         !ReadLayerNumber(options, "NUMBER_LAYER", settings.parcelLayers.numbers) ||

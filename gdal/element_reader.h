@@ -8,9 +8,9 @@
 #include <string>
 #include <vector>
 
+#include "batch_writer.h"
 #include "client/text_encoding.h"
 #include "elements.h"
-#include "vemrado/vkm_details.h"
 
 namespace vemrado::gdal {
 
@@ -31,7 +31,8 @@ struct Source {
     std::vector<FileState> states;   // for each file
     client::Encoding encoding = client::Encoding::windows1250;
     int axisOrientation = 128;
-    double gonsOfAngle = 1.0;  // gons that the file's unit of rotations has
+    map::AngleUnit angleUnit = map::AngleUnit::gon;  // of rotations in the file
+    bool splitByCode = true;                         // a line whose code changes becomes one for each code
     bool withSourceField = false;
     std::function<bool()> stopRequested;  // asked before each batch; true ends the reading as failed
 };
@@ -63,32 +64,27 @@ class ElementReader {
     double MapScale() const { return mapScale; }
 
   private:
-    struct Destroy {
-        void operator()(CVKMDetails* vkm) const { CVKMInterface::DestroyVKMInterface(vkm); }
+    struct OpenedFile {
+        explicit OpenedFile(const Source& source) : reading(importer, source.encoding, source.angleUnit) {}
+
+        map::Importer importer;
+        map::Reading reading;
     };
 
-    bool Wants(Content part) const {
-        return (static_cast<unsigned>(content) & static_cast<unsigned>(part)) != 0;
-    }
-    bool OpenFile(ModuleSession& session);
+    static std::unique_ptr<OpenedFile> Open(ModuleSession& session, const Source& source, size_t file);
+    friend std::optional<Header> ReadHeader(const Source& source, size_t file);
+
+    bool OpenNext(ModuleSession& session);
     void Fail();
     void EndFile(ModuleSession& session);
     void ReadElements(ModuleSession& session, Batch& batch);
-    void CopyLine(ModuleSession& session, Batch& batch);
-    void CopyVertex(ModuleSession& session, int index, LineRecord& line, Batch& batch);
-    void CopyText(ModuleSession& session, Batch& batch);
     void LeaveOut(ModuleSession& session);
-    void AddPoints(Batch& batch, const LineRecord& line);
 
     Source& source;
-    Content content;
-    client::TextDecoder decoder;
-    std::string decoded;
-    std::unique_ptr<CVKMDetails, Destroy> importer;  // null between files
+    BatchWriter writer;
+    std::unique_ptr<OpenedFile> opened;  // null between files
     double mapScale = 1000.0;
     size_t nextFile = 0;
-    GIntBig linesSeen = 0;   // with a stroke: the identifier of the last one
-    bool gapBefore = false;  // the vertex before in the line was left out
     ReadState state = ReadState::reading;
 };
 

@@ -3,36 +3,34 @@
 #include <algorithm>
 #include <utility>
 
-#include "client/data_directory.h"
-#include "framework/framework.h"
+#include "client/message_boxes.h"
 #include "virtual_files.h"
 
 namespace vemrado::gdal {
 
 namespace {
 
-std::mutex moduleLock;
-
 // A box stops nothing, so it must not fail a host that turns errors into exceptions.
 constexpr CPLErr boxSeverity = CE_Warning;
 
 }  // namespace
 
-ModuleSession::ModuleSession(const std::string& dataDirectory) : lock(moduleLock) {
+ModuleSession::ModuleSession()
+    : services{OnBox, this, &virtualFiles, nullptr}, servicesBefore(FrameworkSetThreadServices(&services)) {
     CPLPushErrorHandlerEx(OnError, this);
-    boxes.emplace([this](const std::string& text) { Report(boxSeverity, CPLE_AppDefined, text); });
-    FrameworkSetFileProvider(&virtualFiles);
-    FrameworkSetDataDirectory(dataDirectory.empty() ? nullptr : dataDirectory.c_str());
 }
 
 ModuleSession::~ModuleSession() {
-    FrameworkSetDataDirectory(nullptr);
-    FrameworkSetFileProvider(nullptr);
-    boxes.reset();
     CPLPopErrorHandler();
-    lock.unlock();
+    FrameworkSetThreadServices(servicesBefore);
     for (const Message& message : messages)
         CPLError(message.severity, message.number, "%s", message.text.c_str());
+}
+
+int ModuleSession::OnBox(void* session, const char* text, unsigned int) {
+    constexpr int okButton = 1;
+    static_cast<ModuleSession*>(session)->Report(boxSeverity, CPLE_AppDefined, client::BoxText(text));
+    return okButton;
 }
 
 void ModuleSession::Report(CPLErr severity, CPLErrorNum number, std::string text) {

@@ -1,27 +1,24 @@
-// A stay in the module. GIS programs open one file several times and read from several threads at once, while
-// the module serves one thread at a time: every call of it stands inside a session.
+// A stay in the module: what the calling thread has in place of the process's services meanwhile.
 
 #pragma once
 
 #include <cpl_error.h>
 
 #include <memory>
-#include <mutex>
-#include <optional>
 #include <string>
 #include <vector>
 
-#include "client/message_boxes.h"
+#include "framework/framework.h"
 
 namespace vemrado::gdal {
 
-// Holds the one lock of the process around the module. For its length the module opens its files through
-// GDAL's virtual files and finds its symbology in the given directory (empty: where the registry says); its
-// message boxes, and what GDAL reports below it, are kept and handed to GDAL's error handler once the lock is
-// free, so that no handler of the host runs under it.
+// For its length, and on the thread that made it, the module opens its files through GDAL's virtual files;
+// its message boxes, and what GDAL reports below it, are kept and handed to GDAL's error handler at the end,
+// so that no handler of the host runs inside the module. Other threads have sessions of their own at the same
+// time.
 class ModuleSession {
   public:
-    explicit ModuleSession(const std::string& dataDirectory = {});
+    ModuleSession();
     ModuleSession(const ModuleSession&) = delete;
     ModuleSession& operator=(const ModuleSession&) = delete;
     ~ModuleSession();
@@ -39,11 +36,12 @@ class ModuleSession {
         std::string text;
     };
 
+    static int OnBox(void* session, const char* text, unsigned int style);
     static void CPL_STDCALL OnError(CPLErr severity, CPLErrorNum number, const char* text);
 
-    std::unique_lock<std::mutex> lock;
     std::vector<Message> messages;
-    std::optional<client::MessageBoxes> boxes;
+    FrameworkThreadServices services;
+    const FrameworkThreadServices* servicesBefore;
 };
 
 }  // namespace vemrado::gdal

@@ -45,12 +45,12 @@ void ForParcels(const Batch& batch, const map::ParcelLayers& layers, AddBoundary
     std::vector<map::Point> points;
     for (const LineRecord& line : batch.lines) {
         if (line.layer != layers.boundaries) continue;
-        ForEachStroke(batch, line, [&](size_t first, size_t count) {
+        for (const StrokeRecord& stroke : std::span(batch.strokes).subspan(line.firstStroke, line.strokes)) {
             points.clear();
-            for (size_t i = first; i < first + count; ++i)
-                points.push_back({batch.vertices[i].x, batch.vertices[i].y});
+            for (const OGRRawPoint& point : std::span(batch.vertices).subspan(stroke.first, stroke.count))
+                points.push_back({point.x, point.y});
             addBoundary(std::span<const map::Point>(points));
-        });
+        }
     }
     for (const TextRecord& text : batch.texts) {
         if (text.layer == layers.numbers)

@@ -2,13 +2,10 @@
 
 #include <charconv>
 #include <cstdio>
-#include <cstdlib>
 
 namespace vemrado::gdal {
 
 namespace {
-
-constexpr const char* plainStyle = "PEN(c:#000000,w:0.13mm)";
 
 // Digits enough for a drawing.
 void Append(std::string& text, double number) {
@@ -17,8 +14,8 @@ void Append(std::string& text, double number) {
     text.append(digits, end);
 }
 
-std::string PenStyle(const LinePen& pen) {
-    std::string style = "PEN(c:" + ColourText(pen.colour) + (pen.visible ? ",w:" : "00,w:");
+std::string PenStyle(const map::Pen& pen) {
+    std::string style = "PEN(c:" + ColourText(pen.colour) + (pen.invisible ? "00,w:" : ",w:");
     Append(style, pen.width);
     style += "mm";
     for (size_t i = 0; i < pen.dashes.size(); ++i) {
@@ -37,48 +34,38 @@ std::string ColourText(uint32_t colour) {
     return text;
 }
 
-TextFace FaceOf(int valueF) {
-    constexpr TextFace faces[] = {{false, false, false}, {false, false, true}, {false, true, false},
-                                  {false, true, true},   {true, false, false}, {true, true, false},
-                                  {true, true, true}};
-    constexpr int count = static_cast<int>(std::size(faces));
-    return faces[valueF >= 1 && valueF <= count ? valueF - 1 : 0];
+Styles::Styles(const Symbology& symbology) : plain{PenStyle({}), ColourText(0)} {
+    for (const auto& [code, named] : symbology.pens)
+        pens.emplace(code, Pen{PenStyle(named.pen), ColourText(named.pen.colour)});
+    for (const auto& [code, named] : symbology.symbols) symbolSizes.emplace(code, 2.0 * named.drawing.reach);
 }
 
-Styles::Styles(const Symbology& symbology) : plain{plainStyle, "#000000"} {
-    for (const auto& [code, pen] : symbology.pens)
-        pens.emplace(code, Pen{PenStyle(pen), ColourText(pen.colour)});
-    for (const auto& [code, symbol] : symbology.symbols) symbolSizes.emplace(code, 2.0 * symbol.reach);
-}
-
-const Styles::Pen& Styles::PenOf(const char* code) const {
-    if (code[0] == '\0') return plain;
-    const auto found = pens.find(std::atoi(code));
+const Styles::Pen& Styles::PenOf(CodeNumber code) const {
+    if (!code.given) return plain;
+    const auto found = pens.find(code.number);
     return found != pens.end() ? found->second : plain;
 }
 
-void Styles::SetPen(OGRFeature& feature, const Batch& batch, const LineRecord& line) const {
-    uint32_t code = 0;
-    for (size_t i = line.first; i < line.first + line.count && code == 0; ++i) code = batch.values[i].code;
-    feature.SetStyleString(PenOf(batch.String(code)).style.c_str());
+void Styles::SetPen(OGRFeature& feature, const LineRecord& line) const {
+    feature.SetStyleString(PenOf(line.code).style.c_str());
 }
 
 void Styles::SetSymbol(OGRFeature& feature, const Batch& batch, const PointRecord& point) const {
     const VertexValues& values = batch.values[point.vertex];
     const auto size = symbolSizes.find(values.symbol);
-    if (size == symbolSizes.end()) return;
+    if (size == symbolSizes.end() || !point.drawable) return;
     std::string style = "SYMBOL(id:\"vkm-" + std::to_string(values.symbol) + ",ogr-sym-2\",c:";
-    style += PenOf(batch.String(point.code)).colour + ",s:";
+    style += PenOf(point.pen).colour + ",s:";
     Append(style, size->second * values.valueM);
     style += "mm,a:";
-    Append(style, Degrees(values.valueU));
+    Append(style, point.rotation);
     style += ')';
     feature.SetStyleString(style.c_str());
 }
 
 void Styles::SetLabel(OGRFeature& feature, const char* text, const TextRecord& record) const {
-    const TextFace face = FaceOf(record.valueF);
-    std::string style = face.serif ? "LABEL(f:\"DejaVu Serif\",t:\"" : "LABEL(f:\"DejaVu Sans\",t:\"";
+    if (!record.drawable) return;
+    std::string style = std::string("LABEL(f:\"") + FontFamily(record.face) + "\",t:\"";
     for (; *text != '\0'; ++text) {
         if (*text == '"' || *text == '\\') style += '\\';
         style += *text;
@@ -86,10 +73,10 @@ void Styles::SetLabel(OGRFeature& feature, const char* text, const TextRecord& r
     style += "\",s:";
     Append(style, record.height);
     style += "g,a:";
-    Append(style, Degrees(record.rotation));
-    style += ",p:" + std::to_string(TextAnchor(record.valueD)) + ",c:#000000";
-    if (face.bold) style += ",bo:1";
-    if (face.italic) style += ",it:1";
+    Append(style, record.rotation);
+    style += ",p:" + std::to_string(record.anchor.Key()) + ",c:#000000";
+    if (record.face.bold) style += ",bo:1";
+    if (record.face.italic) style += ",it:1";
     style += ')';
     feature.SetStyleString(style.c_str());
 }

@@ -17,9 +17,11 @@ class Styles {
   public:
     explicit Styles(const Symbology& symbology);
 
-    // The pen of the line's first code; a thin black one when it has none that the symbology knows.
-    void SetPen(OGRFeature& feature, const Batch& batch, const LineRecord& line) const;
+    // The pen of the line's code; a thin black one when it has none that the symbology knows.
+    void SetPen(OGRFeature& feature, const LineRecord& line) const;
+    // None where the symbology does not know the symbol, or its scale or rotation are no such thing.
     void SetSymbol(OGRFeature& feature, const Batch& batch, const PointRecord& point) const;
+    // None where height or rotation are no such thing.
     void SetLabel(OGRFeature& feature, const char* text, const TextRecord& record) const;
 
   private:
@@ -27,30 +29,17 @@ class Styles {
         std::string style;
         std::string colour;  // #rrggbb
     };
-    const Pen& PenOf(const char* code) const;
+    const Pen& PenOf(CodeNumber code) const;
 
     Pen plain;
     std::unordered_map<int, Pen> pens;
     std::unordered_map<int, double> symbolSizes;  // mm, by symbol code
 };
 
-// Degrees counter-clockwise of a rotation in a file, which is in gons.
-inline double Degrees(double rotation) {
-    return rotation * 0.9;
+// Fonts that have the faces of texts.
+inline const char* FontFamily(const map::Face& face) {
+    return face.serif ? "DejaVu Serif" : "DejaVu Sans";
 }
-
-// The corner or side of a text that stands on its point, 1 to 9 as on a numeric keypad, from its D value.
-inline int TextAnchor(int valueD) {
-    return valueD >= 1 && valueD <= 9 ? valueD : 2;
-}
-
-// How a text looks, from its F value.
-struct TextFace {
-    bool serif;
-    bool bold;
-    bool italic;
-};
-TextFace FaceOf(int valueF);
 
 // #rrggbb
 std::string ColourText(uint32_t colour);

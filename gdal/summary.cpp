@@ -19,13 +19,15 @@ OGREnvelope EnvelopeOfPoint(const OGRRawPoint& point) {
 
 OGREnvelope EnvelopeOf(const Batch& batch, const LineRecord& line) {
     OGREnvelope envelope;
-    for (size_t i = line.first; i < line.first + line.count; ++i) {
-        if (!batch.values[i].stroked) continue;
-        const OGRRawPoint& point = batch.vertices[i];
-        envelope.MinX = std::min(envelope.MinX, point.x);
-        envelope.MinY = std::min(envelope.MinY, point.y);
-        envelope.MaxX = std::max(envelope.MaxX, point.x);
-        envelope.MaxY = std::max(envelope.MaxY, point.y);
+    for (size_t stroke = line.firstStroke; stroke < line.firstStroke + line.strokes; ++stroke) {
+        const auto& [first, count] = batch.strokes[stroke];
+        for (size_t i = first; i < first + count; ++i) {
+            const OGRRawPoint& point = batch.vertices[i];
+            envelope.MinX = std::min(envelope.MinX, point.x);
+            envelope.MinY = std::min(envelope.MinY, point.y);
+            envelope.MaxX = std::max(envelope.MaxX, point.x);
+            envelope.MaxY = std::max(envelope.MaxY, point.y);
+        }
     }
     return envelope;
 }

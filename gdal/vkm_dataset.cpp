@@ -15,7 +15,8 @@ std::unique_ptr<VkmDataset> VkmDataset::Open(const std::vector<std::string>& fil
     SharedState& state = dataset->state;
     state.source.encoding = settings.encoding;
     state.source.axisOrientation = settings.axisOrientation;
-    state.source.gonsOfAngle = settings.gonsOfAngle;
+    state.source.angleUnit = settings.angleUnit;
+    state.source.splitByCode = settings.splitByCode;
     state.source.withSourceField = settings.withSourceField;
     state.dataDirectory = settings.dataDirectory;
     client::EncodingEvidence evidence;

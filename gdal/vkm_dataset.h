@@ -24,7 +24,8 @@ struct OpenSettings {
     int axisOrientation = 128;
     std::string dataDirectory;  // holds VKMSym; empty: no styles
     std::optional<OGRSpatialReference> reference;
-    double gonsOfAngle = 1.0;  // gons that the file's unit of rotations has
+    map::AngleUnit angleUnit = map::AngleUnit::gon;  // of rotations in the file
+    bool splitByCode = true;
     bool parcels = false;
     map::ParcelLayers parcelLayers;
     bool withSourceField = false;
@@ -47,6 +48,7 @@ class VkmDataset : public GDALDataset {
     const std::string& DataDirectory() const { return state.dataDirectory; }
     // Of the first file.
     double MapScale() const { return mapScale; }
+    int AxisOrientation() const { return state.source.axisOrientation; }
     // What reading found in each file.
     const std::vector<FileState>& FileStates() const { return state.source.states; }
     // Asked between the batches of every reading; once it says true the reading ends as a failed one.

@@ -3,7 +3,6 @@
 #include <cpl_conv.h>
 #include <ogr_geometry.h>
 
-#include <cstdlib>
 #include <cstring>
 
 #include "styles.h"
@@ -25,7 +24,7 @@ enum LineField : int {
     lineValuesU
 };
 constexpr FieldSchema lineFields[] = {{"layer", OFTInteger, "Layer (U record)"},
-                                      {"code", OFTInteger, "Code (first K)"},
+                                      {"code", OFTInteger, "Code (K)"},
                                       {"codes", OFTStringList, "Code of each vertex (K)"},
                                       {"types", OFTStringList, "Type letter of each vertex"},
                                       {"symbols", OFTIntegerList, "Symbol code of each vertex (S)"},
@@ -41,7 +40,8 @@ enum PointField : int {
     pointCode,
     pointType,
     pointLine,
-    pointVertex
+    pointVertex,
+    pointPenCode
 };
 constexpr FieldSchema pointFields[] = {{"layer", OFTInteger, "Layer (U record)"},
                                        {"symbol", OFTInteger, "Symbol code (S)"},
@@ -51,7 +51,8 @@ constexpr FieldSchema pointFields[] = {{"layer", OFTInteger, "Layer (U record)"}
                                        {"code", OFTString, "Code of the line element (K)"},
                                        {"type", OFTString, "Type letter of the line element"},
                                        {"line", OFTInteger64, "Identifier of the line it lies on"},
-                                       {"vertex", OFTInteger, "Place in its line, from 0"}};
+                                       {"vertex", OFTInteger, "Place in its line, from 0"},
+                                       {"pen_code", OFTInteger, "Code whose pen colours its symbol"}};
 
 enum TextField : int { textText = 1, textCode, textHeight, textRotation, textValueD, textValueF };
 constexpr FieldSchema textFields[] = {
@@ -119,23 +120,23 @@ char* NewString(const char* text, size_t length) {
     return copy;
 }
 
-OGRGeometry* MakeStroke(const Batch& batch, size_t first, size_t count) {
+OGRGeometry* MakeStroke(const Batch& batch, const StrokeRecord& record) {
     auto stroke = new OGRLineString();
-    stroke->setPoints(static_cast<int>(count), &batch.vertices[first]);
+    stroke->setPoints(static_cast<int>(record.count), &batch.vertices[record.first]);
     return stroke;
 }
 
 OGRGeometry* MakeGeometry(const Batch& batch, const LineRecord& line) {
     OGRMultiLineString* strokes = line.strokes > 1 ? new OGRMultiLineString() : nullptr;
     OGRGeometry* geometry = strokes;
-    ForEachStroke(batch, line, [&](size_t first, size_t count) {
-        OGRGeometry* stroke = MakeStroke(batch, first, count);
+    for (size_t i = line.firstStroke; i < line.firstStroke + line.strokes; ++i) {
+        OGRGeometry* stroke = MakeStroke(batch, batch.strokes[i]);
         if (strokes != nullptr) {
             strokes->addGeometryDirectly(stroke);
         } else {
             geometry = stroke;
         }
-    });
+    }
     return geometry;
 }
 
@@ -146,7 +147,7 @@ void SetGeometry(OGRFeature& feature, OGRGeometry* geometry, const Definition& d
 
 // What the vertices of a line say beyond the defaults; lists that say nothing stay unset.
 struct LineContents {
-    uint32_t firstCode = 0;
+    bool codes = false;
     bool symbols = false;
     bool valuesM = false;
     bool valuesR = false;
@@ -157,7 +158,7 @@ LineContents ContentsOf(const Batch& batch, const LineRecord& line) {
     LineContents contents;
     for (size_t i = line.first; i < line.first + line.count; ++i) {
         const VertexValues& values = batch.values[i];
-        if (contents.firstCode == 0) contents.firstCode = values.code;
+        contents.codes |= values.code != 0;
         contents.symbols |= values.symbol != 0;
         contents.valuesM |= Differs(values.valueM, 1.0);
         contents.valuesR |= Differs(values.valueR, 0.0);
@@ -170,12 +171,10 @@ void WriteLineFields(FieldWriter& fields, const Batch& batch, const LineRecord& 
     const LineContents contents = ContentsOf(batch, line);
     const VertexValues* values = &batch.values[line.first];
     fields.Integer(layerField, line.layer);
-    if (contents.firstCode != 0) {
-        fields.Integer(lineCode, std::atoi(batch.String(contents.firstCode)));
-        if (fields.Wanted(lineCodes)) {
-            fields.Strings(lineCodes, line.count,
-                           [&](size_t i) { return CPLStrdup(batch.String(values[i].code)); });
-        }
+    if (line.code.given) fields.Integer(lineCode, line.code.number);
+    if (contents.codes && fields.Wanted(lineCodes)) {
+        fields.Strings(lineCodes, line.count,
+                       [&](size_t i) { return CPLStrdup(batch.String(values[i].code)); });
     }
     if (fields.Wanted(lineTypes)) {
         fields.Strings(lineTypes, line.count, [&](size_t i) { return NewString(&values[i].type, 1); });
@@ -225,7 +224,7 @@ OGRFeature* MakeFeature(const Definition& definition, const Batch& batch, const 
     FieldWriter fields(*feature);
     WriteLineFields(fields, batch, line);
     if (needs.geometry) SetGeometry(*feature, MakeGeometry(batch, line), definition);
-    if (needs.styles != nullptr) needs.styles->SetPen(*feature, batch, line);
+    if (needs.styles != nullptr) needs.styles->SetPen(*feature, line);
     return feature;
 }
 
@@ -244,6 +243,7 @@ OGRFeature* MakeFeature(const Definition& definition, const Batch& batch, const 
     fields.String(pointType, type);
     if (point.line != 0) fields.Long(pointLine, point.line);
     fields.Integer(pointVertex, point.index);
+    if (point.pen.given) fields.Integer(pointPenCode, point.pen.number);
     if (needs.geometry) {
         const OGRRawPoint& place = batch.vertices[point.vertex];
         SetGeometry(*feature, new OGRPoint(place.x, place.y), definition);
@@ -260,7 +260,7 @@ OGRFeature* MakeFeature(const Definition& definition, const Batch& batch, const 
     fields.String(textText, batch.String(text.text));
     if (text.code != 0) fields.Integer(textCode, text.code);
     fields.Real(textHeight, text.height);
-    fields.Real(textRotation, text.rotation);
+    fields.Real(textRotation, text.valueU);
     fields.Integer(textValueD, text.valueD);
     fields.Integer(textValueF, text.valueF);
     if (needs.geometry) SetGeometry(*feature, new OGRPoint(text.point.x, text.point.y), definition);

@@ -7,9 +7,7 @@
 namespace vemrado::map {
 namespace {
 
-constexpr double farthest = 1e9;      // m; farther is no place
-constexpr double largestScale = 1e3;  // of a symbol
-constexpr double tallestText = 1e3;   // mm
+constexpr double farthest = 1e9;  // m; farther is no place
 
 // Memory for the points of one line is kept up to this many; a longer line's goes with it.
 constexpr size_t keptPoints = 65536;

@@ -104,6 +104,9 @@ inline char TypeLetter(const VkmElement& element) {
     return element.type == 1 ? '?' : static_cast<char>(element.type);
 }
 
+constexpr double largestScale = 1e3;  // of a symbol
+constexpr double tallestText = 1e3;   // mm on paper
+
 // Coordinates that are numbers, and no farther than 1,000,000 km.
 bool IsPlace(Point point);
 

@@ -396,7 +396,7 @@ bool Collection::AddStyles() {
         if (layers->Has(kind) && !layers->WasThere(kind)) styled.push_back(layers->Layer(kind));
     }
     if (styled.empty()) return true;
-    const LayerStyles styles(settings.dataDirectory, firstScale);
+    const LayerStyles styles(settings.dataDirectory, firstScale, settings.axisOrientation);
     if (layers->IsGeoPackage()) return styles.AddTo(layers->Dataset(), styled);
     return AddPostgisStyles(*layers, styles, request.schema, styled);
 }

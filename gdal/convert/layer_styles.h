@@ -10,6 +10,7 @@
 #include <string_view>
 #include <vector>
 
+#include "qml_style.h"
 #include "symbology.h"
 
 namespace vemrado::gdal {
@@ -20,7 +21,7 @@ bool AddStyle(GDALDataset& geoPackage, OGRLayer& layer, const std::string& qml, 
 
 class LayerStyles {
   public:
-    LayerStyles(const std::string& dataDirectory, double mapScale);
+    LayerStyles(const std::string& dataDirectory, double mapScale, int axisOrientation);
 
     // The style document of a layer of that name.
     std::string QmlOf(std::string_view layer) const;
@@ -30,7 +31,7 @@ class LayerStyles {
 
   private:
     std::shared_ptr<const Symbology> symbology;
-    double mapScale;
+    MapLook look;
 };
 
 }  // namespace vemrado::gdal

@@ -3,9 +3,11 @@
 #include <cpl_conv.h>
 #include <cpl_string.h>
 
-#include <map>
 #include <vector>
 
+#include "map/placement.h"
+#include "map/reading.h"
+#include "qml_expressions.h"
 #include "styles.h"
 #include "xml_text.h"
 
@@ -13,8 +15,7 @@ namespace vemrado::gdal {
 
 namespace {
 
-constexpr double plainWidth = 0.13;   // mm, of lines without a line type
-constexpr double symbolWidth = 0.18;  // mm, of the strokes of symbols
+constexpr double symbolWidth = map::Pen::defaultWidth;  // of the strokes of symbols
 constexpr const char* mapUnit = "MapUnit";
 
 struct Property {
@@ -25,7 +26,7 @@ struct Property {
 // An expression that QGIS works out for each feature.
 struct Dynamic {
     const char* name;
-    const char* expression;
+    std::string expression;
 };
 
 std::string ColourOf(uint32_t colour) {
@@ -104,67 +105,63 @@ std::string LabelOf(int code, const std::string& name) {
     return name.empty() ? std::to_string(code) : std::to_string(code) + " " + name;
 }
 
-std::vector<Property> LineProperties(const LinePen& pen, double groundPerMillimetre) {
+// Metres on the ground that a millimetre on paper stands for.
+double GroundPerMillimetre(const MapLook& look) {
+    return map::UsableScale(look.mapScale) / 1000.0;
+}
+
+std::vector<Property> LineProperties(const map::Pen& pen, double ground) {
     std::string dashes;
-    for (const double length : pen.dashes)
-        dashes += (dashes.empty() ? "" : ";") + Number(length * groundPerMillimetre);
+    for (const double length : pen.dashes) dashes += (dashes.empty() ? "" : ";") + Number(length * ground);
     return {{"line_color", ColourOf(pen.colour)},
-            {"line_style", pen.visible ? "solid" : "no"},
-            {"line_width", Number(pen.width * groundPerMillimetre)},
+            {"line_style", pen.invisible ? "no" : "solid"},
+            {"line_width", Number(pen.width * ground)},
             {"line_width_unit", mapUnit},
             {"capstyle", "flat"},
             {"joinstyle", "round"},
             {"use_custom_dash", pen.dashes.empty() ? "0" : "1"},
             {"customdash", dashes.empty() ? "5;2" : dashes},
-            {"customdash_unit", mapUnit}};
+            {"customdash_unit", mapUnit},
+            {"dash_pattern_offset", Number(pen.dashOffset * ground)},
+            {"dash_pattern_offset_unit", mapUnit}};
 }
 
-// A categorised renderer: items is a map from codes to what has a name; draw(item, symbol) adds its symbol,
-// item null: that of every other value.
-template <typename Items, typename Draw>
-std::string Categories(const char* field, const Items& items, Draw draw) {
-    const auto fill = [&](XmlText& xml) {
-        {
-            const XmlText::Element categories(xml, "categories");
-            size_t symbol = 0;
-            for (const auto& [code, item] : items)
-                AddCategory(xml, symbol++, std::to_string(code), LabelOf(code, item.name));
-            AddCategory(xml, symbol, "", "other");
-        }
-        const XmlText::Element symbols(xml, "symbols");
-        size_t symbol = 0;
-        for (const auto& [code, item] : items) draw(xml, symbol++, &item);
-        draw(xml, symbol, nullptr);
-    };
-    return Document({{"type", "categorizedSymbol"}, {"attr", field}}, false, fill, nothing);
+// A category for each code of a field, with what the map from codes holds under its name.
+template <typename Items>
+size_t AddCategories(XmlText& xml, const Items& items) {
+    size_t symbol = 0;
+    for (const auto& [code, item] : items)
+        AddCategory(xml, symbol++, std::to_string(code), LabelOf(code, item.name));
+    return symbol;
 }
 
-// The colour of a point from the line type of its code, black without one.
-std::string ColourExpression(const Symbology& symbology) {
-    std::map<uint32_t, std::string> codes;
-    for (const auto& [code, pen] : symbology.pens) {
-        std::string& list = codes[pen.colour];
-        list += (list.empty() ? "" : ",") + std::to_string(code);
-    }
-    std::string expression = "CASE";
-    for (const auto& [colour, list] : codes)
-        expression += " WHEN to_int(\"code\") IN (" + list + ") THEN '" + ColourText(colour) + "'";
-    return expression + " ELSE '#000000' END";
+// Layers of the file from the lowest up, and in each its elements as they stand in it.
+void AddDrawingOrder(XmlText& xml) {
+    const XmlText::Element order(xml, "orderby");
+    for (const char* expression : {"\"layer\"", "$id"})
+        xml.Leaf("orderByClause", {{"asc", "1"}, {"nullsFirst", "0"}}, expression);
 }
 
-// The symbol as a picture with its point in the middle.
-std::string Picture(const PointSymbol& symbol) {
-    const double reach = symbol.reach + symbolWidth;
+// Half the side of a symbol's picture; the strokes' width stays when the picture is made smaller.
+double PictureReach(const map::SymbolDrawing& drawing) {
+    return drawing.reach + 5 * symbolWidth;
+}
+
+// The drawing as a picture with its point in the middle, whose strokes are as wide as the marker says.
+std::string Picture(const map::SymbolDrawing& drawing, bool mirrored) {
+    const double reach = PictureReach(drawing);
     CPLString svg;
     svg.Printf(
         "<svg xmlns=\"http://www.w3.org/2000/svg\" width=\"%.6g\" height=\"%.6g\" "
         "viewBox=\"%.6g %.6g %.6g %.6g\"><path fill=\"none\" stroke=\"param(outline) #000\" "
-        "stroke-width=\"%.6g\" "
+        "stroke-width=\"param(outline-width) %.6g\" "
         "stroke-linecap=\"round\" stroke-linejoin=\"round\" d=\"",
         2 * reach, 2 * reach, -reach, -reach, 2 * reach, 2 * reach, symbolWidth);
-    for (const auto& stroke : symbol.strokes) {
-        for (size_t i = 0; i < stroke.size(); ++i)
-            svg += CPLString().Printf("%c%.6g %.6g", i == 0 ? 'M' : 'L', stroke[i].x, -stroke[i].y);
+    for (const auto& stroke : drawing.strokes) {
+        for (size_t i = 0; i < stroke.size(); ++i) {
+            const double down = mirrored ? stroke[i].y : -stroke[i].y;
+            svg += CPLString().Printf("%c%.6g %.6g", i == 0 ? 'M' : 'L', stroke[i].x, down + 0.0);
+        }
     }
     svg += "\"/></svg>";
     char* coded = CPLBase64Encode(static_cast<int>(svg.size()), reinterpret_cast<const GByte*>(svg.data()));
@@ -175,83 +172,93 @@ std::string Picture(const PointSymbol& symbol) {
 
 }  // namespace
 
-std::string LinesQml(const Symbology& symbology, double mapScale) {
-    const double ground = mapScale / 1000.0;
-    return Categories("code", symbology.pens, [&](XmlText& xml, size_t number, const LinePen* pen) {
-        LinePen plain;
-        plain.width = plainWidth;
-        AddSymbol(xml, "line", number, "SimpleLine", LineProperties(pen != nullptr ? *pen : plain, ground));
-    });
+std::string LinesQml(const MapLook& look) {
+    const double ground = GroundPerMillimetre(look);
+    const auto& pens = look.symbology.pens;
+    const auto fill = [&](XmlText& xml) {
+        {
+            const XmlText::Element categories(xml, "categories");
+            AddCategory(xml, AddCategories(xml, pens), "", "other");
+        }
+        {
+            const XmlText::Element symbols(xml, "symbols");
+            size_t number = 0;
+            for (const auto& [code, named] : pens)
+                AddSymbol(xml, "line", number++, "SimpleLine", LineProperties(named.pen, ground));
+            AddSymbol(xml, "line", number, "SimpleLine", LineProperties({}, ground));
+        }
+        AddDrawingOrder(xml);
+    };
+    return Document({{"type", "categorizedSymbol"}, {"attr", "code"}, {"enableorderby", "1"}}, false, fill,
+                    nothing);
 }
 
-std::string PointsQml(const Symbology& symbology, double mapScale) {
-    const double ground = mapScale / 1000.0;
-    const std::string colour = ColourExpression(symbology);
-    return Categories(
-        "symbol", symbology.symbols, [&](XmlText& xml, size_t number, const PointSymbol* symbol) {
-            if (symbol == nullptr) {
-                AddSymbol(xml, "marker", number, "SimpleMarker",
-                          {{"name", "cross"}, {"size", Number(ground)}, {"size_unit", mapUnit}});
-                return;
-            }
-            const std::string size = Number(2.0 * (symbol->reach + symbolWidth) * ground);
-            const std::string scaled = size + " * \"scale\"";
-            AddSymbol(xml, "marker", number, "SvgMarker",
-                      {{"name", Picture(*symbol)},
+// What is no symbol of the symbology has no category and is not drawn.
+std::string PointsQml(const MapLook& look) {
+    const double ground = GroundPerMillimetre(look);
+    const bool mirrored = map::TurnOf(look.axisOrientation).mirrored;
+    const auto& symbols = look.symbology.symbols;
+    const auto fill = [&](XmlText& xml) {
+        {
+            const XmlText::Element categories(xml, "categories");
+            AddCategories(xml, symbols);
+        }
+        const XmlText::Element elements(xml, "symbols");
+        size_t number = 0;
+        for (const auto& [code, named] : symbols) {
+            const std::string size = Number(2.0 * PictureReach(named.drawing) * ground);
+            AddSymbol(xml, "marker", number++, "SvgMarker",
+                      {{"name", Picture(named.drawing, mirrored)},
                        {"size", size},
                        {"size_unit", mapUnit},
                        {"angle", "0"},
-                       {"outline_color", "0,0,0,255"}},
-                      {{"size", scaled.c_str()},
-                       {"angle", "-0.9 * \"rotation\""},
-                       {"outlineColor", colour.c_str()}});
-        });
+                       {"outline_color", "0,0,0,255"},
+                       {"outline_width", Number(symbolWidth * ground)},
+                       {"outline_width_unit", mapUnit}},
+                      {{"size", SymbolSize(size)},
+                       {"angle", ClockwiseAngle(look.axisOrientation)},
+                       {"outlineColor", PenColour(look.symbology)}});
+        }
+    };
+    return Document({{"type", "categorizedSymbol"}, {"attr", "symbol"}}, false, fill, nothing);
 }
 
-std::string TextsQml() {
-    const auto labels = [](XmlText& xml) {
+std::string TextsQml(const MapLook& look) {
+    const bool mirrored = map::TurnOf(look.axisOrientation).mirrored;
+    const auto labels = [&](XmlText& xml) {
         const XmlText::Element labeling(xml, "labeling", {{"type", "simple"}});
         const XmlText::Element settings(xml, "settings");
-        {
-            const XmlText::Element style(xml, "text-style",
-                                         {{"fieldName", "text"},
-                                          {"fontFamily", "DejaVu Sans"},
-                                          {"fontSize", "2"},
-                                          {"fontSizeUnit", mapUnit},
-                                          {"namedStyle", "Book"},
-                                          {"textColor", "0,0,0,255"}});
-        }
+        xml.Leaf("text-style", {{"fieldName", "text"},
+                                {"fontFamily", FontFamily({})},
+                                {"fontSize", "2"},
+                                {"fontSizeUnit", mapUnit},
+                                {"namedStyle", "Book"},
+                                {"textColor", "0,0,0,255"}});
         // Placed by hand: over the point, turned around it, and shown whatever it covers.
         xml.Leaf("placement", {{"placement", "1"}, {"preserveRotation", "1"}});
         xml.Leaf("rendering", {{"displayAll", "1"}, {"obstacle", "0"}});
         AddDynamic(xml, "dd_properties",
                    {{"Size", "\"height\" / 0.729"},  // of the em; the height is that of a capital letter
+                    {"Show", TextIsDrawable(map::UsableScale(look.mapScale))},
                     {"PositionX", "$x"},
                     {"PositionY", "$y"},
-                    {"LabelRotation", "-0.9 * \"rotation\""},
-                    {"Hali",
-                     "CASE WHEN \"d_value\" IN (1,4,7) THEN 'Left' WHEN \"d_value\" IN (3,6,9) THEN 'Right' "
-                     "ELSE 'Center' END"},
-                    {"Vali",
-                     "CASE WHEN \"d_value\" IN (4,5,6) THEN 'Half' WHEN \"d_value\" IN (7,8,9) THEN 'Cap' "
-                     "ELSE 'Base' END"},
-                    {"Family", "if(\"f_value\" IN (5,6,7), 'DejaVu Serif', 'DejaVu Sans')"},
-                    {"FontStyle",
-                     "CASE WHEN \"f_value\" = 2 THEN 'Oblique' WHEN \"f_value\" IN (3,6) THEN 'Bold' "
-                     "WHEN \"f_value\" = 4 THEN 'Bold Oblique' WHEN \"f_value\" = 7 THEN 'Bold Italic' "
-                     "ELSE 'Book' END"},
+                    {"LabelRotation", ClockwiseAngle(look.axisOrientation)},
+                    {"Hali", TextAcross()},
+                    {"Vali", TextUpright(mirrored)},
+                    {"Family", TextFamily()},
+                    {"FontStyle", TextStyleName()},
                     {"AlwaysShow", "1"}});
     };
     return Document({{"type", "nullSymbol"}}, true, nothing, labels);
 }
 
-std::string ParcelsQml(double mapScale) {
+std::string ParcelsQml(const MapLook& look) {
     const auto fill = [&](XmlText& xml) {
         const XmlText::Element symbols(xml, "symbols");
         AddSymbol(xml, "fill", 0, "SimpleFill",
                   {{"style", "no"},
                    {"outline_color", "128,128,128,255"},
-                   {"outline_width", Number(plainWidth * mapScale / 1000.0)},
+                   {"outline_width", Number(map::Pen::plainWidth * GroundPerMillimetre(look))},
                    {"outline_width_unit", mapUnit}});
     };
     return Document({{"type", "singleSymbol"}}, false, fill, nothing);

@@ -8,11 +8,18 @@
 
 namespace vemrado::gdal {
 
+// How a map is drawn.
+struct MapLook {
+    const Symbology& symbology;
+    double mapScale = 1000.0;
+    int axisOrientation = 128;
+};
+
 // Style documents for the layers as the driver names them. Sizes on paper become sizes on the ground at the
 // map scale, so that the drawing grows and shrinks as one.
-std::string LinesQml(const Symbology& symbology, double mapScale);
-std::string PointsQml(const Symbology& symbology, double mapScale);
-std::string TextsQml();
-std::string ParcelsQml(double mapScale);
+std::string LinesQml(const MapLook& look);
+std::string PointsQml(const MapLook& look);
+std::string TextsQml(const MapLook& look);
+std::string ParcelsQml(const MapLook& look);
 
 }  // namespace vemrado::gdal

@@ -119,7 +119,7 @@ Sheet::Sheet(const std::string& file, const std::string& name, const OpenSetting
     source.names = {name};
     source.states.resize(1);
     source.encoding = settings.encoding;
-    source.gonsOfAngle = settings.gonsOfAngle;
+    source.angleUnit = settings.angleUnit;
     guessEncoding = settings.guessEncoding;
     source.axisOrientation = settings.axisOrientation;
     source.stopRequested = std::move(stopRequested);

@@ -32,6 +32,9 @@ class XmlText {
 
     void Leaf(const char* name, const std::vector<Attribute>& attributes) { Open(name, attributes, "/>\n"); }
 
+    // An element that holds characters.
+    void Leaf(const char* name, const std::vector<Attribute>& attributes, const std::string& characters);
+
     const std::string& Text() const { return text; }
 
   private:

@@ -7,6 +7,12 @@
 
 namespace vemrado::client {
 
+std::string BoxText(const char* text) {
+    std::string utf8 = MessageToUtf8(text);
+    while (!utf8.empty() && (utf8.back() == '\n' || utf8.back() == '\r')) utf8.pop_back();
+    return utf8;
+}
+
 MessageBoxes::MessageBoxes(Show showBox) : show(std::move(showBox)) {
     FrameworkSetMessageBoxHandler(OnBox, this);
 }
@@ -16,9 +22,7 @@ MessageBoxes::~MessageBoxes() {
 }
 
 int MessageBoxes::OnBox(void* context, const char* text, unsigned int) {
-    std::string utf8 = MessageToUtf8(text);
-    while (!utf8.empty() && (utf8.back() == '\n' || utf8.back() == '\r')) utf8.pop_back();
-    static_cast<MessageBoxes*>(context)->show(utf8);
+    static_cast<MessageBoxes*>(context)->show(BoxText(text));
     constexpr int okButton = 1;
     return okButton;
 }

@@ -7,6 +7,9 @@
 
 namespace vemrado::client {
 
+// The text of a box in UTF-8, without the line end at its end.
+std::string BoxText(const char* text);
+
 // While an object of this class lives, boxes go to it. One at a time.
 class MessageBoxes {
   public:

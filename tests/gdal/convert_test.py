@@ -21,7 +21,7 @@ gdal.UseExceptions()
 VKM = os.environ["VKM"]
 DATA = os.environ["VKM_DATA"]
 MAP = MadeMap(11)
-COUNTS = {"lines": len(MAP.lines), "points": len(MAP.points), "texts": len(MAP.texts)}
+COUNTS = {"lines": len(MAP.parts), "points": len(MAP.points), "texts": len(MAP.texts)}
 STYLED = COUNTS | {"layer_styles": 3}
 
 
@@ -82,9 +82,9 @@ class Convert(unittest.TestCase):
     def test_drawing_takes_everything_with_layer_and_style(self):
         self.convert("map.vkm", "-o", "out.dxf")
         found = values_of(self.path("out.dxf"), "entities", "Layer", "Text")
-        self.assertEqual({str(item["layer"]) for item in MAP.lines + MAP.points + MAP.texts}, {layer for layer, _ in found})
+        self.assertEqual({str(item["layer"]) for item in MAP.parts + MAP.points + MAP.texts}, {layer for layer, _ in found})
         self.assertEqual([text["text"] for text in MAP.texts if text["text"]], [text for _, text in found if text])
-        strokes = sum(len(line["strokes"]) for line in MAP.lines)
+        strokes = sum(len(line["strokes"]) for line in MAP.parts)
         self.assertEqual(strokes + len(MAP.points) + len(MAP.texts), len(found))
 
     def test_one_layer_keeps_the_name(self):
@@ -126,6 +126,11 @@ class Convert(unittest.TestCase):
             self.assertTrue(row["useAsDefault"])
             self.assertEqual(dataset.GetLayer(name).GetGeometryColumn(), row["f_geometry_column"])
             self.assertIsNotNone(xml.fromstring(row["styleQML"]).find("renderer-v2"))
+        renderers = {name: xml.fromstring(row["styleQML"]).find("renderer-v2") for name, row in styles.items()}
+        self.assertEqual(["\"layer\"", "$id"], [clause.text for clause in renderers["lines"].iter("orderByClause")])
+        self.assertNotIn("", [category.get("value") for category in renderers["points"].iter("category")])
+        colours = [option.get("value") for option in renderers["points"].iter("Option") if "pen_code" in option.get("value", "")]
+        self.assertRegex(colours[0], r"21800\b.* THEN '#8c1e14'")
         self.check_pens(os.path.join(DATA, "sample-town.vkm"), xml.fromstring(styles["lines"]["styleQML"]))
 
     def check_pens(self, path, style):

@@ -76,22 +76,25 @@ class Reading(unittest.TestCase):
         self.dataset = open_bytes(MAP.bytes())
 
     def test_features_are_those_of_the_file(self):
-        lines = list(self.dataset.GetLayer("lines"))
-        self.assertEqual(len(MAP.lines), len(lines))
-        for made, feature in zip(MAP.lines, lines):
+        self.check_features(self.dataset, MAP.parts, {"line": "part", "vertex": "part_vertex"})
+        self.check_features(open_bytes(MAP.bytes(), SPLIT_BY_CODE="NO"), MAP.lines, {"line": "line", "vertex": "vertex"})
+
+    def check_features(self, dataset, made_lines, names):
+        lines = list(dataset.GetLayer("lines"))
+        self.assertEqual(len(made_lines), len(lines))
+        for made, feature in zip(made_lines, lines):
             self.assertEqual(made["strokes"], strokes_of(feature.geometry()))
             self.assertEqual(made["layer"], feature["layer"])
             self.assertEqual(made["codes"], feature["codes"])
             self.assertEqual(made["types"], feature["types"])
-            first = next(filter(None, made["codes"] or []), None)
-            self.assertEqual({None: None, "12a": 12}.get(first, first and int(first.rstrip("a"))), feature["code"])
+            self.assertEqual(made["code"] and int(made["code"].rstrip("a")), feature["code"])
         for layer, made_features in (("points", MAP.points), ("texts", MAP.texts)):
-            read = list(self.dataset.GetLayer(layer))
+            read = list(dataset.GetLayer(layer))
             self.assertEqual(len(made_features), len(read))
             for made, feature in zip(made_features, read):
                 self.assertEqual(made["place"], place_of(feature))
-                for field in made.keys() - {"place"}:
-                    self.assertEqual(made[field], feature[field], (layer, field))
+                for field in made.keys() - {"place", "part", "part_vertex"}:
+                    self.assertEqual(made[names.get(field, field)], feature[field], (layer, field))
 
     def test_geometries_carry_the_reference_system(self):
         for layer in range(3):
@@ -225,6 +228,16 @@ class Options(unittest.TestCase):
             content = HEAD + '&T 1 2 "Žďár"\n&K\n'.encode(codec)
             self.assertEqual("Žďár", open_bytes(content, ENCODING=encoding).GetLayer("texts").GetNextFeature()["text"])
 
+    def test_codes_are_texts_too(self):
+        content = HEAD + "&L P 1 2 K=12ž\n L 3 4 S=101\n&K\n".encode("cp1250")
+        dataset = open_bytes(content)
+        line, point = dataset.GetLayer("lines").GetNextFeature(), dataset.GetLayer("points").GetNextFeature()
+        self.assertEqual((["12ž", ""], 12, 12), (line["codes"], line["code"], point["pen_code"]))
+        with Messages() as messages:
+            bad = open_bytes(HEAD + b"&L P 1 2 K=12\xff\n L 3 4\n&K\n", ENCODING="utf-8").GetLayer("lines").GetNextFeature()
+            self.assertEqual(["12\ufffd", ""], bad["codes"])
+        self.assertRegex("".join(messages.texts(gdal.CE_Warning)), "1 byte.*ENCODING")
+
     def test_reference_system(self):
         for option, code in (("EPSG:5513", "5513"), ("NO", None)):
             reference = open_bytes(HEAD + b"&K\n", SRS=option).GetLayer("lines").GetSpatialRef()
@@ -241,7 +254,7 @@ class Options(unittest.TestCase):
 
     def test_ogrinfo_shows_them(self):
         shown = subprocess.run(["ogrinfo", "--format", "VKM"], capture_output=True, text=True, check=True).stdout
-        for name in ("ENCODING", "ORIENTATION", "SYMBOLOGY", "SRS", "PARCELS"):
+        for name in ("ENCODING", "ORIENTATION", "SYMBOLOGY", "SRS", "SPLIT_BY_CODE", "PARCELS"):
             self.assertIn(f"'{name}'", shown.replace('"', "'"))
 
 
@@ -257,6 +270,8 @@ class Styles(unittest.TestCase):
             ("lines", b"&L P 1 2 K=99999" + stroke, "PEN(c:#000000,w:0.13mm)"),  # without a line type
             ("points", b"&L P 5 5 S=101 M=2 U=50\n", 'SYMBOL(id:"vkm-101,ogr-sym-2",c:#000000,s:1.28mm,a:45)'),
             ("points", b"&L P 5 5 S=9999\n", None),
+            ("points", b"&L P 5 5 S=101 M=-2\n", None),
+            ("points", b"&L P 0 0\n x K=21800 S=101\n L 9 9\n", 'SYMBOL(id:"vkm-101,ogr-sym-2",c:#8c1e14,s:0.64mm,a:0)'),
             ("texts", b'&T 1 2 "12/3" H=2 U=100 D=5 F=3\n', 'LABEL(f:"DejaVu Sans",t:"12/3",s:2g,a:90,p:5,c:#000000,bo:1)'),
             ("texts", b"&T 1 2 'a \"b\" \\' H=3 F=7\n",
              'LABEL(f:"DejaVu Serif",t:"a \\"b\\" \\\\",s:3g,a:0,p:2,c:#000000,bo:1,it:1)'),
@@ -277,12 +292,19 @@ class Styles(unittest.TestCase):
         self.assertIn("WKOKES", "".join(messages.texts(gdal.CE_Warning)))
 
 
+    def test_rotations_turn_with_the_axes(self):
+        rows = b'&L P 5 5 S=101 U=50\n&T 1 2 "a" U=50 D=1\n'
+        for orientation, symbol, text in (("128", "a:45)", "a:45,p:1"), ("64", "a:135)", "a:135,p:7"), ("16", "a:225)", "a:225,p:1")):
+            for layer, wanted in (("points", symbol), ("texts", text)):
+                self.assertIn(wanted, self.styles(rows, layer, ORIENTATION=orientation)[0], orientation)
+
+
 class Files(unittest.TestCase):
     def counts(self, dataset):
         return [dataset.GetLayer(i).GetFeatureCount() for i in range(3)]
 
     def test_virtual_files(self):
-        wanted = [len(MAP.lines), len(MAP.points), len(MAP.texts)]
+        wanted = [len(MAP.parts), len(MAP.points), len(MAP.texts)]
         path = os.path.join(WORK, "map.vkm")
         with open(path, "wb") as file:
             file.write(MAP.bytes())
@@ -411,7 +433,7 @@ class Trouble(unittest.TestCase):
         for content in (b"&L P 1e999 -1e999\n L nan x\n&K\n", b"&L\n&L P\n L\n P\n&K\n", b"&U 99999999999\n&T\n&K\n",
                         b"&T 1 2 \"" + b"x" * 5000 + b"\n&K\n", b"&L P 1 2\n" + b" P 3 4\n" * 5000 + b"&K\n"):
             read, messages = self.read_all(HEAD + content)
-            self.assertEqual(b"1e999" in content, any("finite" in text for text in messages.texts(gdal.CE_Warning)))
+            self.assertEqual(b"1e999" in content, any("no place" in text for text in messages.texts(gdal.CE_Warning)))
             self.assertFalse(messages.texts(gdal.CE_Failure))
 
     def test_a_read_error_names_file_and_line(self):

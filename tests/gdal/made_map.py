@@ -10,6 +10,7 @@ class MadeMap:
         self.random = random.Random(seed)
         self.rows = ["&V X 0 0", "&R 0 0 0 0 2000 A", "&* made up"]
         self.lines, self.points, self.texts = [], [], []
+        self.parts = []  # the lines split where their code changes
         self.layer = 0
         for number in range(elements):
             if number % 40 == 0:
@@ -40,12 +41,44 @@ class MadeMap:
             types.append(letter)
         line = len(self.lines) + 1
         vertices = [(stroke, point) for stroke in strokes for point in stroke]
+        begins = self.split([point for _, point in vertices], codes, types)
         for index, (stroke, point) in enumerate(vertices):
             if len(stroke) == 1:
+                part, begin = [pair for pair in begins if pair[1] <= index][-1]
                 self.points.append({"place": point, "layer": self.layer, "symbol": None, "rotation": 0.0, "scale": 1.0,
-                                    "code": codes[index] or None, "line": line, "vertex": index})
-        self.lines.append({"strokes": [s for s in strokes if len(s) > 1], "layer": self.layer,
+                                    "code": codes[index] or None, "line": line, "vertex": index,
+                                    "part": part, "part_vertex": index - begin})
+        first = next(filter(None, codes), None)
+        self.lines.append({"strokes": [s for s in strokes if len(s) > 1], "layer": self.layer, "code": first,
                            "codes": codes if any(codes) else None, "types": types})
+
+    def split(self, points, codes, types):
+        """Adds the parts of a line; the identifier and the first vertex of each."""
+        segments, held = [], ""
+        for index, letter in enumerate(types):
+            held = codes[index] or held
+            if letter != "P":
+                segments.append((index - 1, index, held))
+        changes = [k for k in range(1, len(segments)) if segments[k][2] != segments[k - 1][2]]
+        bounds = [0, *changes, len(segments)]
+        begins = []
+        for first, end in zip(bounds, bounds[1:]):
+            own = segments[first:end]
+            joined = first > 0 and own[0][0] == segments[first - 1][1]
+            begin = own[0][0] if first > 0 else 0
+            last = len(points) if end == len(segments) else max(segments[end][0], own[-1][1] + 1)
+            strokes = []
+            for one, other, _ in own:
+                if not strokes or strokes[-1][-1] != points[one]:
+                    strokes.append([points[one]])
+                strokes[-1].append(points[other])
+            part_codes, part_types = codes[begin:last], types[begin:last]
+            if joined:
+                part_codes[0], part_types[0] = "", "P"
+            self.parts.append({"strokes": strokes, "layer": self.layer, "code": own[0][2] or None,
+                               "codes": part_codes if any(part_codes) else None, "types": part_types})
+            begins.append((len(self.parts), begin))
+        return begins
 
     def add_symbol(self):
         west, south = self.place()
@@ -53,7 +86,7 @@ class MadeMap:
         self.rows.append(f"&L P {west:.2f} {south:.2f} S={symbol} M={scale}")
         self.rows.append(f" + U={rotation}")
         self.points.append({"place": (-west, -south), "layer": self.layer, "symbol": symbol, "rotation": rotation,
-                            "scale": scale, "code": None, "line": None, "vertex": 0})
+                            "scale": scale, "code": None, "line": None, "vertex": 0, "part": None, "part_vertex": 0})
 
     def add_text(self):
         west, south = self.place()
