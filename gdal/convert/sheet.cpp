@@ -120,6 +120,7 @@ Sheet::Sheet(const std::string& file, const std::string& name, const OpenSetting
     source.states.resize(1);
     source.encoding = settings.encoding;
     source.angleUnit = settings.angleUnit;
+    source.splitByCode = settings.splitByCode;
     guessEncoding = settings.guessEncoding;
     source.axisOrientation = settings.axisOrientation;
     source.stopRequested = std::move(stopRequested);

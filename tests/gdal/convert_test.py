@@ -243,7 +243,7 @@ class Convert(unittest.TestCase):
         self.assertEqual(["1.gpkg"], os.listdir(self.path("out", "b")))
         report = self.report()
         self.assertEqual(["source", "made", "complete", "lines", "points", "texts", "parcels", "seconds", "reason"], list(report["in/2.vkm"]))
-        self.assertEqual((True, True, None, len(MadeMap(22).lines)), tuple(report["in/2.vkm"][name] for name in ("made", "complete", "reason", "lines")))
+        self.assertEqual((True, True, None, len(MadeMap(22).parts)), tuple(report["in/2.vkm"][name] for name in ("made", "complete", "reason", "lines")))
         self.assertEqual((True, False), (report["in/cut.vkm"]["made"], report["in/cut.vkm"]["complete"]))
         self.assertEqual((False, True), (report["in/bad.zip"]["made"], "zip" in report["in/bad.zip"]["reason"]))
 
