@@ -256,7 +256,7 @@ class Convert(unittest.TestCase):
         said = self.convert("all.zip", "-o", "out.gpkg", "--report", "report.json", code=4)
         self.assertIn("all.zip/bad.vkm", said)
         counts = counts_of(self.path("out.gpkg"))
-        self.assertEqual((sum(len(one.lines) for one in made.values()), 2), (counts["lines"], counts["sheets"]))
+        self.assertEqual((sum(len(one.parts) for one in made.values()), 2), (counts["lines"], counts["sheets"]))
         self.assertEqual({"all.zip/a.vkm", "all.zip/b/a.vkm"}, {name for name, in values_of(self.path("out.gpkg"), "lines", "source")})
         # A point's line is the identifier of its line in the output, whatever sheet it is from.
         dataset = gdal.OpenEx(self.path("out.gpkg"))

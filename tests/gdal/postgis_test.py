@@ -74,7 +74,7 @@ class PostGis(unittest.TestCase):
         self.assertEqual(("geometry", "_varchar", "float8"), tuple(columns[name] for name in ("geom", "codes", "map_scale")))
         indexes = [row[0] for row in self.server.sql("SELECT indexdef FROM pg_indexes WHERE schemaname = 'furnished' AND tablename = 'texts'")]
         self.assertTrue(any("gist" in index for index in indexes) and any("UNIQUE" in index for index in indexes), indexes)
-        self.assertEqual([["Code (first K)"]], self.server.sql("SELECT col_description('furnished.lines'::regclass, attnum) FROM pg_attribute WHERE attrelid = 'furnished.lines'::regclass AND attname = 'code'"))
+        self.assertEqual([["Code (K)"]], self.server.sql("SELECT col_description('furnished.lines'::regclass, attnum) FROM pg_attribute WHERE attrelid = 'furnished.lines'::regclass AND attname = 'code'"))
         self.assertEqual([["5514"]], self.server.sql("SELECT DISTINCT ST_SRID(geom) FROM furnished.texts"))
         styles = self.server.sql("SELECT f_table_name, f_geometry_column, useasdefault, f_table_catalog, replace(styleqml::text, chr(10), ' ') FROM layer_styles WHERE f_table_schema = 'furnished'")
         self.assertEqual({("lines", "geom", "t", "postgres"), ("points", "geom", "t", "postgres"), ("texts", "geom", "t", "postgres")}, {tuple(row[:4]) for row in styles})
