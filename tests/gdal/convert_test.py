@@ -21,7 +21,7 @@ gdal.UseExceptions()
 VKM = os.environ["VKM"]
 DATA = os.environ["VKM_DATA"]
 MAP = MadeMap(11)
-COUNTS = {"lines": len(MAP.parts), "points": len(MAP.points), "texts": len(MAP.texts)}
+COUNTS = {"lines": len(MAP.lines), "points": len(MAP.points), "texts": len(MAP.texts)}
 STYLED = COUNTS | {"layer_styles": 3}
 
 
@@ -82,9 +82,9 @@ class Convert(unittest.TestCase):
     def test_drawing_takes_everything_with_layer_and_style(self):
         self.convert("map.vkm", "-o", "out.dxf")
         found = values_of(self.path("out.dxf"), "entities", "Layer", "Text")
-        self.assertEqual({str(item["layer"]) for item in MAP.parts + MAP.points + MAP.texts}, {layer for layer, _ in found})
+        self.assertEqual({str(item["layer"]) for item in MAP.lines + MAP.points + MAP.texts}, {layer for layer, _ in found})
         self.assertEqual([text["text"] for text in MAP.texts if text["text"]], [text for _, text in found if text])
-        strokes = sum(len(line["strokes"]) for line in MAP.parts)
+        strokes = sum(len(line["strokes"]) for line in MAP.lines)
         self.assertEqual(strokes + len(MAP.points) + len(MAP.texts), len(found))
 
     def test_one_layer_keeps_the_name(self):
@@ -243,7 +243,7 @@ class Convert(unittest.TestCase):
         self.assertEqual(["1.gpkg"], os.listdir(self.path("out", "b")))
         report = self.report()
         self.assertEqual(["source", "made", "complete", "lines", "points", "texts", "parcels", "seconds", "reason"], list(report["in/2.vkm"]))
-        self.assertEqual((True, True, None, len(MadeMap(22).parts)), tuple(report["in/2.vkm"][name] for name in ("made", "complete", "reason", "lines")))
+        self.assertEqual((True, True, None, len(MadeMap(22).lines)), tuple(report["in/2.vkm"][name] for name in ("made", "complete", "reason", "lines")))
         self.assertEqual((True, False), (report["in/cut.vkm"]["made"], report["in/cut.vkm"]["complete"]))
         self.assertEqual((False, True), (report["in/bad.zip"]["made"], "zip" in report["in/bad.zip"]["reason"]))
 
@@ -256,7 +256,7 @@ class Convert(unittest.TestCase):
         said = self.convert("all.zip", "-o", "out.gpkg", "--report", "report.json", code=4)
         self.assertIn("all.zip/bad.vkm", said)
         counts = counts_of(self.path("out.gpkg"))
-        self.assertEqual((sum(len(one.parts) for one in made.values()), 2), (counts["lines"], counts["sheets"]))
+        self.assertEqual((sum(len(one.lines) for one in made.values()), 2), (counts["lines"], counts["sheets"]))
         self.assertEqual({"all.zip/a.vkm", "all.zip/b/a.vkm"}, {name for name, in values_of(self.path("out.gpkg"), "lines", "source")})
         # A point's line is the identifier of its line in the output, whatever sheet it is from.
         dataset = gdal.OpenEx(self.path("out.gpkg"))

@@ -76,8 +76,8 @@ class Reading(unittest.TestCase):
         self.dataset = open_bytes(MAP.bytes())
 
     def test_features_are_those_of_the_file(self):
-        self.check_features(self.dataset, MAP.parts, {"line": "part", "vertex": "part_vertex"})
-        self.check_features(open_bytes(MAP.bytes(), SPLIT_BY_CODE="NO"), MAP.lines, {"line": "line", "vertex": "vertex"})
+        self.check_features(self.dataset, MAP.lines, {"line": "part", "vertex": "part_vertex"})
+        self.check_features(open_bytes(MAP.bytes(), SPLIT_BY_CODE="NO"), MAP.whole_lines, {"line": "line", "vertex": "vertex"})
 
     def check_features(self, dataset, made_lines, names):
         lines = list(dataset.GetLayer("lines"))
@@ -304,7 +304,7 @@ class Files(unittest.TestCase):
         return [dataset.GetLayer(i).GetFeatureCount() for i in range(3)]
 
     def test_virtual_files(self):
-        wanted = [len(MAP.parts), len(MAP.points), len(MAP.texts)]
+        wanted = [len(MAP.lines), len(MAP.points), len(MAP.texts)]
         path = os.path.join(WORK, "map.vkm")
         with open(path, "wb") as file:
             file.write(MAP.bytes())

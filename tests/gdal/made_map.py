@@ -9,8 +9,8 @@ class MadeMap:
     def __init__(self, seed, elements=400):
         self.random = random.Random(seed)
         self.rows = ["&V X 0 0", "&R 0 0 0 0 2000 A", "&* made up"]
-        self.lines, self.points, self.texts = [], [], []
-        self.parts = []  # the lines split where their code changes
+        self.whole_lines, self.points, self.texts = [], [], []
+        self.lines = []  # split where their code changes
         self.layer = 0
         for number in range(elements):
             if number % 40 == 0:
@@ -39,7 +39,7 @@ class MadeMap:
             strokes[-1].append((-west, -south))
             codes.append(code)
             types.append(letter)
-        line = len(self.lines) + 1
+        line = len(self.whole_lines) + 1
         vertices = [(stroke, point) for stroke in strokes for point in stroke]
         begins = self.split([point for _, point in vertices], codes, types)
         for index, (stroke, point) in enumerate(vertices):
@@ -49,7 +49,7 @@ class MadeMap:
                                     "code": codes[index] or None, "line": line, "vertex": index,
                                     "part": part, "part_vertex": index - begin})
         first = next(filter(None, codes), None)
-        self.lines.append({"strokes": [s for s in strokes if len(s) > 1], "layer": self.layer, "code": first,
+        self.whole_lines.append({"strokes": [s for s in strokes if len(s) > 1], "layer": self.layer, "code": first,
                            "codes": codes if any(codes) else None, "types": types})
 
     def split(self, points, codes, types):
@@ -75,9 +75,9 @@ class MadeMap:
             part_codes, part_types = codes[begin:last], types[begin:last]
             if joined:
                 part_codes[0], part_types[0] = "", "P"
-            self.parts.append({"strokes": strokes, "layer": self.layer, "code": own[0][2] or None,
+            self.lines.append({"strokes": strokes, "layer": self.layer, "code": own[0][2] or None,
                                "codes": part_codes if any(part_codes) else None, "types": part_types})
-            begins.append((len(self.parts), begin))
+            begins.append((len(self.lines), begin))
         return begins
 
     def add_symbol(self):
