@@ -31,6 +31,22 @@ OGRLayer* CreateTable(GDALDataset& output) {
 
 }  // namespace
 
+bool AddStyle(GDALDataset& geoPackage, OGRLayer& layer, const std::string& qml, const char* description) {
+    OGRLayer* table = geoPackage.GetLayerByName("layer_styles");
+    if (table == nullptr) table = CreateTable(geoPackage);
+    if (table == nullptr) return false;
+    OGRFeature row(table->GetLayerDefn());
+    row.SetField("f_table_catalog", "");
+    row.SetField("f_table_schema", "");
+    row.SetField("f_table_name", layer.GetName());
+    row.SetField("f_geometry_column", layer.GetGeometryColumn());
+    row.SetField("styleName", "map");
+    row.SetField("styleQML", qml.c_str());
+    row.SetField("description", description);
+    row.SetField("useAsDefault", 1);
+    return table->CreateFeature(&row) == OGRERR_NONE;
+}
+
 LayerStyles::LayerStyles(const std::string& dataDirectory, double mapScale, int axisOrientation)
     : symbology(Symbology::Of(dataDirectory)), look{*symbology, mapScale, axisOrientation} {}
 
