@@ -105,17 +105,17 @@ size_t Reading::TakeElements(std::span<VkmElement> elements) {
         VkmElement& element = elements[kept];
         if (kept != i) element = elements[i];
         while (i + 1 < elements.size() && elements[i + 1].type == 0) AddKeyFields(element, elements[++i]);
-        const Code code = *element.code == '\0' ? Code() : CodeOf(element.code);
-        if (code.Given()) Hold(code);
-        if (element.type == 0) continue;  // the record gives no point
+        Code& code = codes.emplace_back();
+        if (*element.code != '\0') SetCode(code, element.code);
         const Point point{element.x, element.y};
-        if (!IsPlace(point)) [[unlikely]] {
+        if (element.type == 0 || !IsPlace(point)) [[unlikely]] {
+            codes.pop_back();
+            if (element.type == 0) continue;  // the record gives no point
             ++line.pointsLeftOut;
             begins = true;
             continue;
         }
         points.push_back(point);
-        codes.push_back(code);
         GoTo(kept, begins || element.type == 'P');
         begins = false;
         if (element.symbolCode != 0) AddSymbol(element, kept);
@@ -124,29 +124,26 @@ size_t Reading::TakeElements(std::span<VkmElement> elements) {
     return kept;
 }
 
-Code Reading::CodeOf(const char* bytes) {
+// Makes a code of bytes of the file, which holds from now on.
+void Reading::SetCode(Code& code, const char* bytes) {
     size_t length = 0;
     unsigned char all = 0;
     for (; bytes[length] != '\0'; ++length) all |= static_cast<unsigned char>(bytes[length]);
-    Code code;
-    code.text = {bytes, length};
-    if (all < 0x80) [[likely]] {
-        if (code.text == held.text) return held;
-        code.number = NumberOf(bytes);
-        return code;
+    std::string_view utf8(bytes, length);
+    if (all >= 0x80) [[unlikely]] {
+        if (decodedCount == decodedCodes.size()) decodedCodes.emplace_back();
+        std::string& decoded = decodedCodes[decodedCount++];
+        decoded.clear();
+        decoder.Append(utf8, decoded);
+        utf8 = decoded;
     }
-    code.number = NumberOf(bytes);
-    if (decodedCount == decodedCodes.size()) decodedCodes.emplace_back();
-    std::string& decoded = decodedCodes[decodedCount++];
-    decoded.clear();
-    decoder.Append(code.text, decoded);
-    code.text = decoded;
-    return code;
-}
-
-void Reading::Hold(const Code& code) {
-    if (code.text != held.text) ++heldCode;
-    held = code;
+    if (utf8 != held.text) {
+        if (heldCode == partHeldCode) partCode = held;
+        ++heldCode;
+        held.text = utf8;
+        held.number = NumberOf(bytes);
+    }
+    code = held;
 }
 
 // The stroke goes on to a point, or begins there.
@@ -159,12 +156,12 @@ void Reading::GoTo(size_t point, bool begins) {
         strokes.push_back({partBegin, point - partBegin, partCode});
         partBegin = point - 1;
     }
-    partCode = held;
     partHeldCode = heldCode;
 }
 
 void Reading::EndStroke(size_t end) {
-    if (end - partBegin > 1) strokes.push_back({partBegin, end - partBegin, partCode});
+    const Code& code = heldCode == partHeldCode ? held : partCode;
+    if (end - partBegin > 1) strokes.push_back({partBegin, end - partBegin, code});
     if (end - strokeBegin > 1) {
         wholeStrokes.push_back({strokeBegin, end - strokeBegin, strokes[wholeBegin].code});
     }

@@ -138,8 +138,7 @@ class Reading {
     void TakeLine();
     void TakeText();
     size_t TakeElements(std::span<VkmElement> elements);
-    Code CodeOf(const char* bytes);
-    void Hold(const Code& code);
+    void SetCode(Code& code, const char* bytes);
     void GoTo(size_t point, bool begins);
     void EndStroke(size_t end);
     void AddSymbol(const VkmElement& element, size_t place);
@@ -164,8 +163,8 @@ class Reading {
     size_t strokeBegin = 0;
     size_t wholeBegin = 0;
     size_t partBegin = 0;
-    Code partCode;
-    size_t partHeldCode = 0;
+    size_t partHeldCode = 0;  // heldCode at its last point
+    Code partCode;            // the code at its last point, once another one holds
 
     MapText text;
     std::string decodedText;
