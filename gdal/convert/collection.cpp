@@ -182,7 +182,7 @@ std::optional<Problem> Collection::OpenOutput(OutputSettings& chosen) {
     return std::nullopt;
 }
 
-bool Collection::AddLayers(const SheetFacts& first) {
+bool Collection::AddLayers(const SheetFacts& first, OutputKind only) {
     layersAdded = true;
     firstScale = first.mapScale;
     // Programs want one type of geometry in a layer; of many sheets the next may have lines of several
@@ -190,7 +190,8 @@ bool Collection::AddLayers(const SheetFacts& first) {
     const bool multi = request.manySheets || first.layers[lineLayer].multiLines > 0;
     const OGRwkbGeometryType types[] = {multi ? wkbMultiLineString : wkbLineString, wkbPoint, wkbPoint};
     for (const OutputKind kind : mapLayers) {
-        if (Wants(kind) && !layers->Add(kind, *definitions[kind]->Get(), types[kind])) return false;
+        const bool wants = Wants(kind) && (only == everyKind || only == kind);
+        if (wants && !layers->Add(kind, *definitions[kind]->Get(), types[kind])) return false;
     }
     if (Wants(outputLines)) linesBefore = layers->LastIdentifier(outputLines);
     return true;
@@ -326,7 +327,7 @@ std::optional<Problem> Collection::Take(size_t input, OutputKind only) {
     LookAt(input, *sheet);
     diagnostics.WritingBegins();
     const SheetFacts& facts = sheet->Facts();
-    if (!layersAdded && !AddLayers(facts)) return OutputFailed();
+    if (!layersAdded && !AddLayers(facts, only)) return OutputFailed();
     // An output without the table of sheets may have it all the same.
     const bool mayBeThere = table.Find(sheet->Name()) != nullptr || !layers->WasThere(outputSheets);
     if (request.mode == OutputMode::update && mayBeThere && !RemoveSheet(*layers, sheet->Name()))
@@ -382,7 +383,7 @@ bool Collection::Prune() {
     for (const auto& [name, row] : table.Rows()) {
         if (inputs.contains(name)) continue;
         changed = true;
-        if (!layersAdded && !AddLayers(SheetFacts())) return false;
+        if (!layersAdded && !AddLayers(SheetFacts(), everyKind)) return false;
         if (!RemoveSheet(*layers, name)) return false;
     }
     return true;
@@ -474,6 +475,7 @@ std::optional<Problem> Collection::Run() {
         for (const OutputKind kind : mapLayers) {
             if (!Wants(kind)) continue;
             linesBefore = 0;
+            layersAdded = false;  // such a format ends a layer where the next one begins
             if (auto problem = WriteSheets(kind)) return problem;
         }
     }

@@ -50,7 +50,8 @@ class Collection {
     std::optional<Problem> Stopped() const;
     std::optional<Problem> OutputFailed();
 
-    bool AddLayers(const SheetFacts& first);
+    // All layers, or one.
+    bool AddLayers(const SheetFacts& first, OutputKind only);
     bool IsUnchanged(size_t input, FileStamp& stamp);
     bool WriteSheet(Sheet& sheet, OutputKind only);
     bool WriteBatch(const Batch& batch, OutputKind kind, const Sheet& sheet);

@@ -79,6 +79,10 @@ class Convert(unittest.TestCase):
                 found = [(round_place(text.geometry().GetPoint_2D(0)), text["text"] or None) for text in dataset.GetLayer(layer)]
                 self.assertEqual(sorted((round_place(text["place"]), text["text"] or None) for text in MAP.texts), sorted(found))
 
+    def test_formats_that_end_a_layer_where_the_next_begins(self):
+        self.convert("map.vkm", "map.vkm", "-o", "out.kml", "--quiet")
+        self.assertEqual({layer: 2 * count for layer, count in COUNTS.items()}, counts_of(self.path("out.kml")))
+
     def test_drawing_takes_everything_with_layer_and_style(self):
         self.convert("map.vkm", "-o", "out.dxf")
         found = values_of(self.path("out.dxf"), "entities", "Layer", "Text")
