@@ -56,7 +56,7 @@ endforeach()
 
 # Everything that is installed, and nothing else: what has to be built before packing.
 add_custom_target(distribution DEPENDS Vemrado VemradoFramework zrv320 zrvDX320 libvkm)
-foreach(target vkm vkm_documents vkm_convert ogr_VKM VemradoForeignImportLibrary libvkmForeignImportLibrary)
+foreach(target vkm vemrado_python vkm_documents vkm_convert ogr_VKM VemradoForeignImportLibrary libvkmForeignImportLibrary)
   if(TARGET ${target})
     add_dependencies(distribution ${target})
   endif()

@@ -80,6 +80,15 @@ vemrado_component(development libvemrado-dev libdevel
   "Headers of the libraries for VKM cadastral map files"
   "What programmers need to build programs that read VKM files, the text exchange\nformat of digital cadastral maps: headers, and the files by which CMake and\npkg-config find the library."
   DEPENDS "${exactly_this}, libvkm1 (= ${PROJECT_VERSION})")
+if(NOT WIN32)
+  vemrado_component(python python3-vemrado python
+    "VKM cadastral map files in Python"
+    "Maps in VKM files, the text exchange format of digital cadastral maps, as numpy\ncolumns, as pandas and geopandas tables, as pictures and as lists of what is\nwrong with them or changed in them."
+    DEPENDS "python3:any, python3-numpy, libvkm1 (= ${PROJECT_VERSION})"
+    RECOMMENDS "python3-geopandas, python3-matplotlib")
+  set(CPACK_DEBIAN_PYTHON_PACKAGE_ARCHITECTURE all)
+  set(CPACK_DEBIAN_PYTHON_PACKAGE_SHLIBDEPS OFF)
+endif()
 if(TARGET ogr_VKM)
   vemrado_component(gdal vemrado-gdal science
     "GDAL vector driver for VKM cadastral map files"

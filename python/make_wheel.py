@@ -17,7 +17,7 @@ HERE = Path(__file__).resolve().parent
 LIBRARIES = {
     "linux": (
         "libvkm.so.1",
-        "libVemrado.so",
+        "libVemrado.so.1",
         "libVemradoFramework.so",
         "libzrv320.so",
         "libzrvDX320.so",
