@@ -127,9 +127,10 @@ class Geometry:
         ]
 
     def to_shapely(self) -> npt.NDArray[Any]:
-        """Each row as a shapely geometry."""
+        """Each row as a shapely geometry; a line of one stroke is a LineString."""
         import shapely
 
+        shapes = np.empty(len(self), dtype=object)
         if hasattr(shapely, "from_ragged_array"):
             types = shapely.GeometryType
             kind = {
@@ -138,11 +139,19 @@ class Geometry:
                 "multilinestring": types.MULTILINESTRING,
                 "polygon": types.POLYGON,
             }[self.kind]
-            made = shapely.from_ragged_array(kind, self.points, tuple(reversed(self.offsets)) or None)
-            return np.asarray(made, dtype=object)
+            shapes[:] = shapely.from_ragged_array(kind, self.points, tuple(reversed(self.offsets)) or None)
+            if self.kind == "multilinestring":
+                single = np.diff(self.offsets[0]) == 1
+                shapes[single] = shapely.get_geometry(shapes[single], 0)
+            return shapes
         from shapely import wkb
 
-        shapes = np.empty(len(self), dtype=object)
-        for row, one in enumerate(self.to_wkb()):
-            shapes[row] = wkb.loads(one)
+        loads = wkb.loads
+        single_head = struct.pack("<BI", 1, _WKB_TYPES["linestring"])
+        several = (
+            np.diff(self.offsets[0]) != 1 if self.kind == "multilinestring" else np.ones(len(self), bool)
+        )
+        for row, (one, whole) in enumerate(zip(self.to_wkb(), several.tolist())):
+            # Of a multi-line of one part its part: it begins behind the head and the number of parts.
+            shapes[row] = loads(one if whole else single_head + one[14:])
         return shapes
