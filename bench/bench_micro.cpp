@@ -120,7 +120,7 @@ void Elements(benchmark::State& state) {
         auto import = std::make_unique<CVKMReaderState>();
         int64_t elements = 0;
         if (!ReadHeader(*import, reader)) return;
-        while (ReadNextElement(*import, reader) > Element::none) ++elements;
+        while (ReadNextElement(*import, reader) > ElementKind::none) ++elements;
         benchmark::DoNotOptimize(elements);
     });
 }

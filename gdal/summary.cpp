@@ -41,7 +41,7 @@ OGREnvelope EnvelopeOf(const Batch&, const TextRecord& text) {
 }
 
 Summary Summarise(Source& source) {
-    std::array<LayerSummary, layerKinds> counted;
+    std::array<LayerTotals, layerKinds> counted;
     ElementReader reader(source, Content::everything);
     Batch batch;
     while (reader.State() == ReadState::reading) {

@@ -14,13 +14,13 @@ namespace vemrado::gdal {
 
 enum LayerKind : size_t { lineLayer, pointLayer, textLayer, layerKinds };
 
-struct LayerSummary {
+struct LayerTotals {
     GIntBig features = 0;
     GIntBig multiLines = 0;  // lines of more than one stroke
     OGREnvelope extent;      // not initialised while there are no features
 };
 
-using Summary = std::array<std::optional<LayerSummary>, layerKinds>;
+using Summary = std::array<std::optional<LayerTotals>, layerKinds>;
 
 struct Source;
 
@@ -32,7 +32,7 @@ OGREnvelope EnvelopeOf(const Batch& batch, const PointRecord& point);
 OGREnvelope EnvelopeOf(const Batch& batch, const TextRecord& text);
 
 // Adds a record to what is known of its layer.
-inline void Count(LayerSummary& summary, const OGREnvelope& envelope) {
+inline void Count(LayerTotals& summary, const OGREnvelope& envelope) {
     ++summary.features;
     summary.extent.Merge(envelope);
 }

@@ -50,7 +50,7 @@ class VkmLayer : public MapLayer {
         Batch batch;
         size_t next = 0;     // record of the batch
         GIntBig passed = 0;  // features before it: the identifier of the last one
-        LayerSummary counted;
+        LayerTotals counted;
     };
 
     size_t RecordCount(const Batch& batch) const;

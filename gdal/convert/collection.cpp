@@ -233,7 +233,7 @@ bool Collection::WriteBatch(const Batch& batch, OutputKind kind, const Sheet& sh
     };
     const size_t records = batch.lines.size() + batch.points.size() + batch.texts.size();
     recordsDone += records;
-    const LayerSummary* all = sheet.Facts().layers.data();
+    const LayerTotals* all = sheet.Facts().layers.data();
     const auto total = static_cast<double>(3 * (all[0].features + all[1].features + all[2].features) + 1);
     reports.progress(inputsDone, static_cast<double>(recordsDone) / total);
     if (kind == outputLines) {

@@ -66,7 +66,7 @@ int64_t SizeOf(const std::string& name) {
 
 OGREnvelope SheetFacts::Extent() const {
     OGREnvelope all;
-    for (const LayerSummary& layer : layers) {
+    for (const LayerTotals& layer : layers) {
         if (layer.features > 0) all.Merge(layer.extent);
     }
     return all;

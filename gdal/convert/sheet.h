@@ -16,7 +16,7 @@ namespace vemrado::gdal {
 struct SheetFacts {
     double mapScale = 1000.0;
     bool complete = false;
-    std::array<LayerSummary, layerKinds> layers;
+    std::array<LayerTotals, layerKinds> layers;
 
     OGREnvelope Extent() const;
 };

@@ -102,13 +102,13 @@ void CVkmInput::ThrowReadError() const {
 }
 
 int CVkmInput::ReadNext() {
-    Element element = Element::none;
+    ElementKind element = ElementKind::none;
     try {
         element = ReadNextElement(state, reader);
     } catch (const std::bad_alloc&) {
         outOfMemory = true;
     }
-    if (element == Element::error) ThrowReadError();
+    if (element == ElementKind::error) ThrowReadError();
     return static_cast<int>(element);
 }
 

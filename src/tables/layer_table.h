@@ -28,7 +28,6 @@ class CKokesLayerTable {
     // The layer of a number, or null.
     const CKokesLayer* Find(int32_t number) const;
     CKokesLayer* Find(int32_t number);
-    size_t Count() const { return layers.size(); }
 
   private:
     Array<CKokesLayer> layers;

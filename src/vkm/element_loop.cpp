@@ -27,13 +27,13 @@ String Trimmed(std::string_view text) {
 }
 
 // Keeps what a line of the header says; the parsers take the numbers from it. mark is its first field.
-void NoteHeaderLine(CVKMHeader& header, uint32_t recordClass, Field mark, CVKMTokenizer line) {
-    if (recordClass == 'V') header.name = String(line.NextToken());
-    if (recordClass == 'D') header.date = Trimmed(line.Rest());
+void NoteHeaderLine(CVKMHeader& header, uint32_t recordClass, Field mark, CVKMTokenizer fields) {
+    if (recordClass == 'V') header.name = String(fields.NextToken());
+    if (recordClass == 'D') header.date = Trimmed(fields.Rest());
     if (recordClass != '*') return;
     // A comment may begin right behind its mark.
     const char* begin = mark.data() + 2;
-    const std::string_view rest = line.Rest();
+    const std::string_view rest = fields.Rest();
     String comment = Trimmed({begin, static_cast<size_t>(rest.data() + rest.size() - begin)});
     if (comment.empty()) return;
     if (!header.comments.empty()) header.comments += '\n';
@@ -60,30 +60,30 @@ bool IsLineElement(const CVKMReaderState& state, Field first) {
 }
 
 // Any other line that opens no record: it goes on with the current one.
-void ContinueRecord(CVKMReaderState& state, CVKMTokenizer line, int32_t fileLine) {
+void ContinueRecord(CVKMReaderState& state, CVKMTokenizer fields, int32_t fileLine) {
     if (state.currentRecord == 'L') {
         const bool begins = state.elementPending == 0;
-        ContinueLineElement(state, line);
+        ContinueLineElement(state, fields);
         if (begins) state.lineElements.Working().fileLine = fileLine;
     } else {
-        DispatchRecord(state, line, state.currentRecord, false);
+        DispatchRecord(state, fields, state.currentRecord, false);
     }
 }
 
 // A record's own line ends the element being read. Returns the element that is complete now.
-Element CompleteElement(CVKMReaderState& state) {
+ElementKind CompleteElement(CVKMReaderState& state) {
     if (state.textPending != 0) CommitText(state);
     state.elementLayerNumber = state.layerNumber;
     std::memcpy(state.elementLayerText, state.layerText, sizeof state.layerText);
-    return state.currentRecord == 'L'   ? Element::line
-           : state.currentRecord == 'T' ? Element::text
-                                        : Element::none;
+    return state.currentRecord == 'L'   ? ElementKind::line
+           : state.currentRecord == 'T' ? ElementKind::text
+                                        : ElementKind::none;
 }
 
 // Lines in the plain form, until one completes an element or the next line is in another form.
-Element ReadPlainLines(CVKMReaderState& state, CVKMLineReader& reader) {
-    Element completed = Element::none;
-    while (completed == Element::none) {
+ElementKind ReadPlainLines(CVKMReaderState& state, CVKMLineReader& reader) {
+    ElementKind completed = ElementKind::none;
+    while (completed == ElementKind::none) {
         bool opensLine;
         if (TakePlainElement(state, reader, opensLine)) {
             if (!opensLine) continue;
@@ -103,23 +103,23 @@ Element ReadPlainLines(CVKMReaderState& state, CVKMLineReader& reader) {
 }
 
 // A line in any form. Returns the element that it completes.
-Element ReadAnyLine(CVKMReaderState& state, CVKMTokenizer line, int32_t fileLine) {
-    const Field first = line.NextToken();
+ElementKind ReadAnyLine(CVKMReaderState& state, CVKMTokenizer fields, int32_t fileLine) {
+    const Field first = fields.NextToken();
     const uint32_t recordClass = ClassifyRecord(first);
-    if (recordClass == unknownRecord) return Element::none;
+    if (recordClass == unknownRecord) return ElementKind::none;
     if (recordClass == emptyLine || recordClass == continuationLine) {
         if (IsLineElement(state, first)) {
             FlushElement(state);
-            StartLineElement(state, line, ElementType(first));
+            StartLineElement(state, fields, ElementType(first));
             state.lineElements.Working().fileLine = fileLine;
         } else {
-            ContinueRecord(state, line, fileLine);
+            ContinueRecord(state, fields, fileLine);
         }
-        return Element::none;
+        return ElementKind::none;
     }
     FlushElement(state);
-    const Element completed = CompleteElement(state);
-    DispatchRecord(state, line, recordClass, true);
+    const ElementKind completed = CompleteElement(state);
+    DispatchRecord(state, fields, recordClass, true);
     if (recordClass == 'L') state.lineElements.Working().fileLine = fileLine;
     if (recordClass == 'T') state.workingText.fileLine = fileLine;
     state.currentRecord = recordClass;
@@ -130,14 +130,14 @@ Element ReadAnyLine(CVKMReaderState& state, CVKMTokenizer line, int32_t fileLine
 
 bool ReadHeader(CVKMReaderState& state, CVKMLineReader& reader) {
     uint32_t recordClass = emptyLine;
-    CVKMTokenizer line;
+    CVKMTokenizer fields;
     LineResult result;
     state.header = CVKMHeader();
-    while ((result = reader.ReadLine(line)) == LineResult::line) {
-        const Field mark = line.NextToken();
+    while ((result = reader.ReadLine(fields)) == LineResult::line) {
+        const Field mark = fields.NextToken();
         recordClass = ClassifyRecord(mark);
-        NoteHeaderLine(state.header, recordClass, mark, line);
-        DispatchRecord(state, line, recordClass, true);
+        NoteHeaderLine(state.header, recordClass, mark, fields);
+        DispatchRecord(state, fields, recordClass, true);
         if (!BelongsToHeader(recordClass)) break;
     }
     state.lineElements.Working().fileLine = state.workingText.fileLine = reader.FileLine();
@@ -146,19 +146,20 @@ bool ReadHeader(CVKMReaderState& state, CVKMLineReader& reader) {
     return true;
 }
 
-Element ReadNextElement(CVKMReaderState& state, CVKMLineReader& reader) {
-    if (state.currentRecord == 'K') return Element::none;
+ElementKind ReadNextElement(CVKMReaderState& state, CVKMLineReader& reader) {
+    if (state.currentRecord == 'K') return ElementKind::none;
     state.lineElements.Clear();
     FlushElement(state);
     while (true) {
-        if (const Element completed = ReadPlainLines(state, reader); completed != Element::none) {
+        if (const ElementKind completed = ReadPlainLines(state, reader); completed != ElementKind::none) {
             return completed;
         }
-        CVKMTokenizer line;
-        const LineResult result = reader.ReadLine(line);
-        if (result != LineResult::line) return result == LineResult::error ? Element::error : Element::none;
-        const Element completed = ReadAnyLine(state, line, reader.FileLine());
-        if (completed != Element::none || state.currentRecord == 'K') return completed;
+        CVKMTokenizer fields;
+        const LineResult result = reader.ReadLine(fields);
+        if (result != LineResult::line)
+            return result == LineResult::error ? ElementKind::error : ElementKind::none;
+        const ElementKind completed = ReadAnyLine(state, fields, reader.FileLine());
+        if (completed != ElementKind::none || state.currentRecord == 'K') return completed;
     }
 }
 

@@ -8,7 +8,7 @@
 
 namespace vemrado {
 
-enum class Element {
+enum class ElementKind {
     none = 0,  // end of the data or of the file, or the user stopped
     line = 1,
     text = 2,
@@ -20,6 +20,6 @@ enum class Element {
 bool ReadHeader(CVKMReaderState& state, CVKMLineReader& reader);
 
 // Reads until the next element is complete. May throw std::bad_alloc, with the state as after an unread line.
-Element ReadNextElement(CVKMReaderState& state, CVKMLineReader& reader);
+ElementKind ReadNextElement(CVKMReaderState& state, CVKMLineReader& reader);
 
 }  // namespace vemrado

@@ -13,7 +13,7 @@ size_t TypeIndex(int type) {
 
 }  // namespace
 
-CodeCounts LayerSummary::SortedElementCodes() const {
+CodeCounts LayerCounts::SortedElementCodes() const {
     CodeCounts codes(elementCodes.begin(), elementCodes.end());
     // Among numbers the longer one is the larger one.
     std::sort(codes.begin(), codes.end(), [](const auto& a, const auto& b) {
@@ -23,7 +23,7 @@ CodeCounts LayerSummary::SortedElementCodes() const {
 }
 
 void FileSummary::AddLine(const map::RawLine& line) {
-    LayerSummary& layer = layers[line.layer];
+    LayerCounts& layer = layers[line.layer];
     ++layer.lines;
     layer.elements += line.elements.size();
     // Most elements of a line have one code.
@@ -45,14 +45,14 @@ void FileSummary::AddLine(const map::RawLine& line) {
 }
 
 void FileSummary::AddText(const map::RawText& text) {
-    LayerSummary& layer = layers[text.layer];
+    LayerCounts& layer = layers[text.layer];
     ++layer.texts;
     if (text.code != 0) ++layer.textCodes[text.code];
     AddPoint(text.point);
 }
 
-LayerSummary FileSummary::Total() const {
-    LayerSummary total;
+LayerCounts FileSummary::Total() const {
+    LayerCounts total;
     for (const auto& [number, layer] : layers) {
         total.lines += layer.lines;
         total.elements += layer.elements;

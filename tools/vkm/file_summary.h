@@ -21,7 +21,7 @@ inline constexpr size_t noTypeLetter = typeLetters.size() + 1;
 
 using CodeCounts = std::vector<std::pair<std::string, uint64_t>>;
 
-struct LayerSummary {
+struct LayerCounts {
     uint64_t lines = 0;
     uint64_t elements = 0;                                 // of lines
     std::array<uint64_t, typeLetters.size() + 2> types{};  // elements by type letter
@@ -54,15 +54,15 @@ class FileSummary {
     void AddText(const map::RawText& text);
 
     // The layers in ascending order; and all of them together, in numbers without codes.
-    const std::map<int, LayerSummary>& Layers() const { return layers; }
-    LayerSummary Total() const;
+    const std::map<int, LayerCounts>& Layers() const { return layers; }
+    LayerCounts Total() const;
     // Of the first and the second coordinate of every point.
     const std::array<Range, 2>& Extents() const { return extents; }
 
   private:
     void AddPoint(map::Point point);
 
-    std::map<int, LayerSummary> layers;
+    std::map<int, LayerCounts> layers;
     std::array<Range, 2> extents;
 };
 

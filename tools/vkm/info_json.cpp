@@ -18,7 +18,7 @@ Json Real(double value) {
     return Json::parse(text.data(), end);
 }
 
-Json Types(const LayerSummary& layer) {
+Json Types(const LayerCounts& layer) {
     Json types = Json::object();
     for (size_t i = 0; i < typeLetters.size(); ++i) types[std::string(1, typeLetters[i])] = layer.types[i];
     types["other"] = layer.types[otherTypeLetter];
@@ -26,7 +26,7 @@ Json Types(const LayerSummary& layer) {
     return types;
 }
 
-Json Counts(const LayerSummary& layer) {
+Json Counts(const LayerCounts& layer) {
     return {{"lines", layer.lines},
             {"elements", layer.elements},
             {"types", Types(layer)},
@@ -40,7 +40,7 @@ Json Codes(const std::map<int, uint64_t>& codes) {
     return object;
 }
 
-Json Layer(int number, const LayerSummary& summary) {
+Json Layer(int number, const LayerCounts& summary) {
     Json layer = {{"layer", number}};
     layer.update(Counts(summary));
     Json elementCodes = Json::object();

@@ -53,7 +53,7 @@ class Table {
     std::vector<std::vector<std::string>> rows;
 };
 
-std::vector<std::string> CountRow(std::string name, const LayerSummary& layer) {
+std::vector<std::string> CountRow(std::string name, const LayerCounts& layer) {
     std::vector<std::string> row = {std::move(name), std::to_string(layer.lines),
                                     std::to_string(layer.elements)};
     for (size_t i = 0; i < typeLetters.size(); ++i) row.push_back(std::to_string(layer.types[i]));
@@ -132,15 +132,15 @@ std::string ReportText(const FileReport& report) {
     text += "  Lines read   " + std::to_string(report.linesRead) + '\n';
     text += std::string("  Complete     ") + (report.complete ? "yes" : "no: " + report.error) + "\n\n";
     text += CountTable(report.summary);
-    text += CodeSection("Codes of line elements (K)", report.summary, [](const LayerSummary& layer) {
+    text += CodeSection("Codes of line elements (K)", report.summary, [](const LayerCounts& layer) {
         CodeCounts codes = layer.SortedElementCodes();
         for (auto& [code, count] : codes) code = Printable(code);
         return codes;
     });
     text += CodeSection("Symbol codes (S)", report.summary,
-                        [](const LayerSummary& layer) { return AsText(layer.symbolCodes); });
+                        [](const LayerCounts& layer) { return AsText(layer.symbolCodes); });
     text += CodeSection("Codes of texts (K)", report.summary,
-                        [](const LayerSummary& layer) { return AsText(layer.textCodes); });
+                        [](const LayerCounts& layer) { return AsText(layer.textCodes); });
     return text;
 }
 
