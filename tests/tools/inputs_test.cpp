@@ -19,7 +19,7 @@ const std::string map = "&V 1 0 0\n&L P 1 2\n&L L 3 4\n&K\n";
 
 std::string Little(uint64_t value, size_t bytes) {
     std::string text;
-    for (size_t i = 0; i < bytes; ++i) text += static_cast<char>(value >> 8 * i & 0xFF);
+    for (size_t i = 0; i < bytes; ++i, value >>= 8) text += static_cast<char>(value & 0xFF);
     return text;
 }
 
