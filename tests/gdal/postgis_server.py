@@ -7,6 +7,9 @@ import shutil
 import subprocess
 import tempfile
 
+# A sanitizer that is put before our own programs has nothing to do with the server's.
+ENVIRONMENT = {name: value for name, value in os.environ.items() if name not in ("LD_PRELOAD", "LD_LIBRARY_PATH")}
+
 
 class Server:
     def __init__(self) -> None:
@@ -30,11 +33,11 @@ class Server:
         command = [os.path.join(self.programs, program), *arguments]
         if os.getuid() == 0:
             command = ["runuser", "-u", self.user, "--", *command]
-        subprocess.run(command, check=True, stdout=subprocess.DEVNULL, cwd=self.folder)
+        subprocess.run(command, check=True, stdout=subprocess.DEVNULL, cwd=self.folder, env=ENVIRONMENT)
 
     def sql(self, statement: str) -> list[list[str]]:
         command = [os.path.join(self.programs, "psql"), "-qAtX", "-F", "\x1f", "-v", "ON_ERROR_STOP=1", "-c", statement, self.connection]
-        run = subprocess.run(command, check=True, capture_output=True, text=True)
+        run = subprocess.run(command, check=True, capture_output=True, text=True, env=ENVIRONMENT)
         return [line.split("\x1f") for line in run.stdout.splitlines()]
 
     def stop(self) -> None:
