@@ -1,4 +1,4 @@
-// PNG and PDF canvases from the library libvkm-draw beside this one, loaded when the first is asked for. So a
+// PNG and PDF canvases from the library vkm-draw.so beside this one, loaded when the first is asked for. So a
 // library with pictures loads on machines without cairo.
 
 #include <dlfcn.h>

@@ -1,4 +1,4 @@
-// The library libvkm-draw: PNG and PDF canvases for whoever loads it.
+// The library vkm-draw.so: PNG and PDF canvases for whoever loads it.
 
 #include "cairo_module.h"
 

@@ -21,11 +21,11 @@ LIBRARIES = {
         "libVemradoFramework.so",
         "libzrv320.so",
         "libzrvDX320.so",
-        "libvkm-draw.so",
+        "vkm-draw.so",
     ),
     "win": ("vkm.dll", "Vemrado.dll", "VemradoFramework.dll", "zrv320.dll", "zrvDX320.dll"),
 }
-OPTIONAL = {"libvkm-draw.so"}
+OPTIONAL = {"vkm-draw.so"}
 
 
 def fill(package: Path, libraries: Path, platform: str) -> None:
