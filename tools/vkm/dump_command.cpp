@@ -123,7 +123,7 @@ int RunDump(const DumpOptions& options, Environment& environment) {
     map::OpenOptions open;
     open.fileName = FindOneInput(options.file);
     open.axisOrientation = options.axisOrientation;
-    const ReadResult result = ReadElements(importer, open, environment, [&](map::ElementKind kind) {
+    const ReadingEnd result = ReadElements(importer, open, environment, [&](map::ElementKind kind) {
         if (kind == map::ElementKind::line) {
             listing.WriteLine(importer.Line());
         } else {

@@ -42,7 +42,7 @@ InspectedFile Inspect(const Input& input, int axisOrientation, Environment& envi
     map::OpenOptions open;
     open.fileName = file;
     open.axisOrientation = axisOrientation;
-    const ReadResult result = ReadElements(importer, open, environment, [&](map::ElementKind kind) {
+    const ReadingEnd result = ReadElements(importer, open, environment, [&](map::ElementKind kind) {
         if (kind == map::ElementKind::line) {
             report.summary.AddLine(importer.Line());
         } else {

@@ -23,9 +23,9 @@ ReadOutcome ReadOpened(map::Importer& importer, const std::function<void(Element
 
 }  // namespace
 
-ReadResult ReadElements(map::Importer& importer, const map::OpenOptions& options, Environment& environment,
+ReadingEnd ReadElements(map::Importer& importer, const map::OpenOptions& options, Environment& environment,
                         const std::function<void(ElementKind)>& take, const char* consequence) {
-    ReadResult result = {ReadOutcome::failed, {}};
+    ReadingEnd result = {ReadOutcome::failed, {}};
     const std::string name = client::SystemTextToUtf8(client::ShownName(options.fileName.c_str()));
     try {
         if (!importer.Open(options)) return {ReadOutcome::notOpened, environment.lastBox};

@@ -18,7 +18,7 @@ enum class ReadOutcome {
     stopped,     // the user asked to stop
 };
 
-struct ReadResult {
+struct ReadingEnd {
     ReadOutcome outcome;
     std::string problem;  // UTF-8; empty when complete
 };
@@ -26,7 +26,7 @@ struct ReadResult {
 // Opens the file and hands each element to take, which looks at importer.Line() or importer.Text(). What is
 // not complete has been said as an error when this returns; output is flushed before that. The consequence is
 // what an end in the middle of the file means for the output.
-ReadResult ReadElements(map::Importer& importer, const map::OpenOptions& options, Environment& environment,
+ReadingEnd ReadElements(map::Importer& importer, const map::OpenOptions& options, Environment& environment,
                         const std::function<void(map::ElementKind)>& take,
                         const char* consequence = "the output is partial");
 
