@@ -9,17 +9,17 @@ namespace vemrado {
 
 namespace {
 
-constexpr size_t colorCountWhenRead = 256;
+constexpr size_t colourCountWhenRead = 256;
 constexpr size_t widthCountWhenRead = 64;
 
-uint32_t NextColorPart(Fields& values) {
+uint32_t NextColourPart(Fields& values) {
     return static_cast<uint32_t>(ParseInteger(values.Next(","))) & 0xFF;
 }
 
-void ReadValue(Fields& values, uint32_t& color) {
-    color = NextColorPart(values);
-    color |= NextColorPart(values) << 8;
-    color |= NextColorPart(values) << 16;
+void ReadValue(Fields& values, uint32_t& colour) {
+    colour = NextColourPart(values);
+    colour |= NextColourPart(values) << 8;
+    colour |= NextColourPart(values) << 16;
 }
 
 void ReadValue(Fields& values, CLineWidth& width) {
@@ -33,7 +33,7 @@ int CKokesColorTable::ReadColorFile(const String& filePath) {
     path = filePath;
     if (!file.Open(path)) return 0;
     const TableFileCloser closer(file);
-    colors.resize(colorCountWhenRead);
+    colors.resize(colourCountWhenRead);
     widths.resize(widthCountWhenRead);
     if (ReadColorSection("white", Kind::colors) == 0) return 0;
     return ReadColorSection("width", Kind::widths);

@@ -6,7 +6,7 @@ namespace vemrado {
 
 namespace {
 
-constexpr char colorFileName[] = "WKOKES.COL";
+constexpr char colourFileName[] = "WKOKES.COL";
 constexpr char lineTypeFileName[] = "WKOKES.CAR";
 constexpr char codeFileName[] = "DKM1_3.TB";
 
@@ -35,7 +35,7 @@ int CKokesTables::Load(int withSymbols) {
     messages.ClearMessages();
     WithinMemory([&] {
         const String directory = GetSymbolDirectory(dataDirectory);
-        WithinMemory([&] { colorTable.ReadColorFile(directory + colorFileName); });
+        WithinMemory([&] { colorTable.ReadColorFile(directory + colourFileName); });
         WithinMemory([&] { ReadLineTypes(directory + lineTypeFileName); });
         ResolveLineColors();
         WithinMemory([&] { codeMap.ReadCodeMap(directory + codeFileName); });

@@ -22,7 +22,7 @@ namespace vemrado {
 // One line type of "WKOKES.CAR".
 struct CLineDefinition {
     int32_t code = 0;
-    int32_t colorNumber = 0;
+    int32_t colourNumber = 0;
     uint32_t colour = 0;      // of that number
     int32_t widthNumber = 0;  // not in the file
     double width = 0.0;

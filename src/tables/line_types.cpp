@@ -37,7 +37,7 @@ void ParseLineDefinition(CLineDefinition& definition, Fields& fields) {
     std::string_view first;
     std::string_view second;
     if (ReadNumberPair(fields, first, second) == 0) return;
-    if (!first.empty()) definition.colorNumber = ParseInteger(first);
+    if (!first.empty()) definition.colourNumber = ParseInteger(first);
     if (!second.empty()) definition.width = ParseReal(second);
     std::string_view field;
     if (!NextField(fields, field)) return;
@@ -89,7 +89,7 @@ void CKokesTables::StorePattern(int32_t number, Fields& fields) {
 
 void CKokesTables::ResolveLineColors() {
     for (auto& entry : lineDefinitions.Entries())
-        entry.value.colour = colorTable.GetColor(entry.value.colorNumber);
+        entry.value.colour = colorTable.GetColor(entry.value.colourNumber);
 }
 
 const CKokesTables::DashPattern* CKokesTables::FindDashPattern(int32_t lineStyle) const {
