@@ -36,10 +36,10 @@ template <class Element>
 
 // The file gives the second coordinate first.
 template <class Element>
-[[gnu::always_inline]] inline void ReadPoint(const CVKMReaderState& state, CVKMTokenizer& line,
+[[gnu::always_inline]] inline void ReadPoint(const CVKMReaderState& state, CVKMTokenizer& fields,
                                              Element& point) {
-    const Field first = line.NextToken();
-    const Field second = line.NextToken();
+    const Field first = fields.NextToken();
+    const Field second = fields.NextToken();
     double x, y;
     if (IsNone(second) || !numbers::ParsePlainPair(first, second, y, x)) [[unlikely]] {
         y = RealOf(first);
@@ -69,10 +69,10 @@ inline void ReadLineValue(char key, Field value, CVKMLineElement& element) {
 }
 
 // The key fields of the rest of the line, for the line element being read.
-[[gnu::always_inline]] inline void ReadLineKeys(CVKMReaderState& state, CVKMTokenizer& line) {
+[[gnu::always_inline]] inline void ReadLineKeys(CVKMReaderState& state, CVKMTokenizer& fields) {
     CVKMLineElement& element = state.lineElements.Working();
     char key = 0;
-    for (Field value; !IsNone(value = line.NextKeyValue(lineKey, key));) {
+    for (Field value; !IsNone(value = fields.NextKeyValue(lineKey, key));) {
         if (key == 'K') {
             state.lineElements.SetWorkingCode(value);
         } else {
@@ -82,20 +82,20 @@ inline void ReadLineValue(char key, Field value, CVKMLineElement& element) {
 }
 
 // A new line element of a type with its point and key fields.
-[[gnu::always_inline]] inline void StartLineElement(CVKMReaderState& state, CVKMTokenizer& line,
+[[gnu::always_inline]] inline void StartLineElement(CVKMReaderState& state, CVKMTokenizer& fields,
                                                     uint32_t type) {
     CVKMLineElement& element = state.lineElements.Working();
     element = defaultLineElement;
     element.type = type;
-    ReadPoint(state, line, element);
-    ReadLineKeys(state, line);
+    ReadPoint(state, fields, element);
+    ReadLineKeys(state, fields);
     state.elementPending = 1;
 }
 
 // More key fields for the line element being read; when there is none, for a new one without type and point.
-inline void ContinueLineElement(CVKMReaderState& state, CVKMTokenizer line) {
+inline void ContinueLineElement(CVKMReaderState& state, CVKMTokenizer fields) {
     if (state.elementPending == 0) state.lineElements.Working() = defaultLineElement;
-    ReadLineKeys(state, line);
+    ReadLineKeys(state, fields);
     state.elementPending = 1;
 }
 

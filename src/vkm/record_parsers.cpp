@@ -10,28 +10,28 @@ namespace vemrado {
 
 namespace {
 
-int32_t NextInteger(CVKMTokenizer& line) {
-    const Field field = line.NextToken();
+int32_t NextInteger(CVKMTokenizer& fields) {
+    const Field field = fields.NextToken();
     return IsNone(field) ? 0 : ParseInteger(field);
 }
 
-void ParseV(CVKMReaderState& state, CVKMTokenizer line) {
-    line.NextToken();
-    state.originY = RealOf(line.NextToken());
-    state.originX = RealOf(line.NextToken());
+void ParseV(CVKMReaderState& state, CVKMTokenizer fields) {
+    fields.NextToken();
+    state.originY = RealOf(fields.NextToken());
+    state.originX = RealOf(fields.NextToken());
 }
 
-void ParseR(CVKMReaderState& state, CVKMTokenizer line) {
-    for (int i = 0; i < 4; ++i) line.NextToken();
-    const Field scale = line.NextToken();
+void ParseR(CVKMReaderState& state, CVKMTokenizer fields) {
+    for (int i = 0; i < 4; ++i) fields.NextToken();
+    const Field scale = fields.NextToken();
     state.mapScale = IsNone(scale) ? 1000.0 : ParseReal(scale);
     state.scaleFactor = state.mapScale / 1000.0;
-    const Field coordinates = line.NextToken();
+    const Field coordinates = fields.NextToken();
     state.relativeCoordinates = !IsNone(coordinates) && (coordinates[0] == 'R' || coordinates[0] == 'r');
 }
 
-void ParseU(CVKMReaderState& state, CVKMTokenizer line) {
-    state.layerNumber = NextInteger(line);
+void ParseU(CVKMReaderState& state, CVKMTokenizer fields) {
+    state.layerNumber = NextInteger(fields);
     char decimal[16];
     std::snprintf(decimal, sizeof decimal, "%d", static_cast<int>(state.layerNumber));
     std::memcpy(state.layerText, decimal, 2);
@@ -39,22 +39,22 @@ void ParseU(CVKMReaderState& state, CVKMTokenizer line) {
 
 }  // namespace
 
-void DispatchRecord(CVKMReaderState& state, CVKMTokenizer line, uint32_t letter, bool start) {
+void DispatchRecord(CVKMReaderState& state, CVKMTokenizer fields, uint32_t letter, bool start) {
     switch (letter) {
         case 'V':
-            ParseV(state, line);
+            ParseV(state, fields);
             break;
         case 'R':
-            ParseR(state, line);
+            ParseR(state, fields);
             break;
         case 'U':
-            ParseU(state, line);
+            ParseU(state, fields);
             break;
         case 'L':
-            StartLineElement(state, line, ElementType(line.NextToken()));
+            StartLineElement(state, fields, ElementType(fields.NextToken()));
             break;
         case 'T':
-            ParseT(state, line, start);
+            ParseT(state, fields, start);
             break;
         default:
             break;  // D, *, K, G and S are accepted; nothing is taken from them

@@ -12,6 +12,6 @@ namespace vemrado {
 
 // Runs the parser of a record letter; letters without one change nothing. start is true on the record's own
 // line and false on a continuation line, which the single-line records parse again as a complete record.
-void DispatchRecord(CVKMReaderState& state, CVKMTokenizer line, uint32_t letter, bool start);
+void DispatchRecord(CVKMReaderState& state, CVKMTokenizer fields, uint32_t letter, bool start);
 
 }  // namespace vemrado

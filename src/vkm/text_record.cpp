@@ -74,16 +74,16 @@ void SetValue(char key, Field value, CVKMTextValues& text) {
 
 }  // namespace
 
-void ParseT(CVKMReaderState& state, CVKMTokenizer line, bool start) {
+void ParseT(CVKMReaderState& state, CVKMTokenizer fields, bool start) {
     CVKMText& text = state.workingText;
     if (start) {
         text = defaultText;
-        ReadPoint(state, line, text);
-        const Field quoted = line.NextQuoted();
+        ReadPoint(state, fields, text);
+        const Field quoted = fields.NextQuoted();
         if (!IsNone(quoted)) text.text.Set(quoted);
     }
     char key = 0;
-    for (Field value; !IsNone(value = line.NextKeyValue(textKey, key));) SetValue(key, value, text.values);
+    for (Field value; !IsNone(value = fields.NextKeyValue(textKey, key));) SetValue(key, value, text.values);
     ApplyTextDefaults(text.values, state.layerNumber);
     state.textPending = 1;
 }

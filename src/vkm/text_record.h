@@ -9,7 +9,7 @@
 namespace vemrado {
 
 // With start the text's point and quoted text; key fields always.
-void ParseT(CVKMReaderState& state, CVKMTokenizer line, bool start);
+void ParseT(CVKMReaderState& state, CVKMTokenizer fields, bool start);
 
 // A text in the plain form (plain_fields.h), as its line says it.
 struct PlainText {
