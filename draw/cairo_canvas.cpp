@@ -30,10 +30,10 @@ struct CairoDelete {
 using Surface = std::unique_ptr<cairo_surface_t, CairoDelete>;
 using Context = std::unique_ptr<cairo_t, CairoDelete>;
 
-void SelectFont(cairo_t* cairo, const Font& font) {
-    cairo_select_font_face(cairo, FontFamily(font),
-                           font.italic ? CAIRO_FONT_SLANT_ITALIC : CAIRO_FONT_SLANT_NORMAL,
-                           font.bold ? CAIRO_FONT_WEIGHT_BOLD : CAIRO_FONT_WEIGHT_NORMAL);
+void SelectFont(cairo_t* cairo, const Face& face) {
+    cairo_select_font_face(cairo, FontFamily(face),
+                           face.italic ? CAIRO_FONT_SLANT_ITALIC : CAIRO_FONT_SLANT_NORMAL,
+                           face.bold ? CAIRO_FONT_WEIGHT_BOLD : CAIRO_FONT_WEIGHT_NORMAL);
 }
 
 // Letters keep their shape whatever their size and rotation.
@@ -74,7 +74,7 @@ class CairoCanvas : public Canvas {
     void EndClip() override {
         StrokePath();
         cairo_restore(cairo.get());
-        fontSet = false;
+        faceSet = false;
     }
 
     void Line(std::span<const Point> points, const Pen& pen, double lengthBefore) override;
@@ -102,8 +102,8 @@ class CairoCanvas : public Canvas {
     const Pen* pathPen = nullptr;
     double pathLengthBefore = 0;
     size_t pathPoints = 0;
-    bool fontSet = false;
-    Font lastFont;
+    bool faceSet = false;
+    Face lastFace;
 };
 
 void CairoCanvas::Start(cairo_surface_t* made, double unitsPerMillimetre) {
@@ -206,10 +206,10 @@ void CairoCanvas::Symbol(const SymbolShape& shape, Point at, double scale, doubl
 void CairoCanvas::Text(const std::string& text, Point at, const TextStyle& style) {
     if (style.height < 2 * resolution) return;
     StrokePath();
-    if (!fontSet || !(lastFont == style.font)) SelectFont(cairo.get(), style.font);
-    lastFont = style.font;
-    fontSet = true;
-    const double width = style.across == Across::left ? 0 : TextWidth(text, style.font, style.height);
+    if (!faceSet || !(lastFace == style.face)) SelectFont(cairo.get(), style.face);
+    lastFace = style.face;
+    faceSet = true;
+    const double width = style.across == Across::left ? 0 : TextWidth(text, style.face, style.height);
     const double left = style.across == Across::middle ? -width / 2 : -width;
     const double down = style.upright == Upright::baseline ? 0
                         : style.upright == Upright::middle ? style.height / 2
@@ -218,13 +218,13 @@ void CairoCanvas::Text(const std::string& text, Point at, const TextStyle& style
     cairo_save(cairo.get());
     cairo_translate(cairo.get(), at.x, at.y);
     cairo_rotate(cairo.get(), -Radians(style.rotation));
-    cairo_set_font_size(cairo.get(), style.height / CapitalsPerEm);
+    cairo_set_font_size(cairo.get(), style.height / capitalsPerEm);
     // In small letters a halo is grey and costs more than the letters.
     if (style.halo && style.height > 6 * resolution) {
         cairo_move_to(cairo.get(), left, down);
         cairo_text_path(cairo.get(), text.c_str());
         cairo_set_source_rgb(cairo.get(), 1, 1, 1);
-        cairo_set_line_width(cairo.get(), 2 * haloWidth * style.height / CapitalsPerEm);
+        cairo_set_line_width(cairo.get(), 2 * haloWidth * style.height / capitalsPerEm);
         cairo_set_dash(cairo.get(), nullptr, 0, 0);
         cairo_stroke(cairo.get());
         SetColour(style.colour);

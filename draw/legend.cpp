@@ -179,7 +179,7 @@ void Legend::DrawRow(Canvas& canvas, const Row& row, Point corner) const {
     style.upright = Upright::middle;
     if (!row.pen && !row.shape) {
         style.height = headingText * size;
-        style.font.bold = true;
+        style.face.bold = true;
         canvas.Text(row.text, {x, middle}, style);
         return;
     }
@@ -203,9 +203,9 @@ void Legend::DrawRow(Canvas& canvas, const Row& row, Point corner) const {
 }
 
 std::string Fitted(const std::string& text, const TextStyle& style, double width) {
-    if (TextWidth(text, style.font, style.height) <= width) return text;
+    if (TextWidth(text, style.face, style.height) <= width) return text;
     std::string cut = text;
-    while (!cut.empty() && TextWidth(cut + "…", style.font, style.height) > width) {
+    while (!cut.empty() && TextWidth(cut + "…", style.face, style.height) > width) {
         while (!cut.empty() && (static_cast<unsigned char>(cut.back()) & 0xC0) == 0x80) cut.pop_back();
         if (!cut.empty()) cut.pop_back();
     }

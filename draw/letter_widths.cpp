@@ -24,11 +24,11 @@ char32_t TakeCharacter(std::string_view& text) {
     return character;
 }
 
-uint16_t LetterWidth(char32_t character, size_t face) {
+uint16_t LetterWidth(char32_t character, size_t faceNumber) {
     size_t before = 0;
     for (const CharacterRange& range : measuredRanges) {
         if (character < range.first) return otherWidth;
-        if (character <= range.last) return letterWidths[face][before + (character - range.first)];
+        if (character <= range.last) return letterWidths[faceNumber][before + (character - range.first)];
         before += range.last - range.first + 1;
     }
     return otherWidth;
@@ -36,15 +36,11 @@ uint16_t LetterWidth(char32_t character, size_t face) {
 
 }  // namespace
 
-const char* FontFamily(const Font& font) {
-    return font.serif ? "DejaVu Serif" : "DejaVu Sans";
-}
-
-double TextWidth(const std::string& text, const Font& font, double height) {
-    const size_t face = (font.italic ? 1u : 0u) + (font.bold ? 2u : 0u) + (font.serif ? 4u : 0u);
+double TextWidth(const std::string& text, const Face& face, double height) {
+    const size_t faceNumber = (face.italic ? 1u : 0u) + (face.bold ? 2u : 0u) + (face.serif ? 4u : 0u);
     uint64_t units = 0;
-    for (std::string_view rest = text; !rest.empty();) units += LetterWidth(TakeCharacter(rest), face);
-    return static_cast<double>(units) / unitsPerEm * height / CapitalsPerEm;
+    for (std::string_view rest = text; !rest.empty();) units += LetterWidth(TakeCharacter(rest), faceNumber);
+    return static_cast<double>(units) / unitsPerEm * height / capitalsPerEm;
 }
 
 }  // namespace vemrado::draw

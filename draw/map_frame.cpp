@@ -114,7 +114,7 @@ void DrawGrid(Canvas& canvas, const Box& area, const Box& ground, double size, d
     const bool negativeY = ground.maxY <= 0;
     double longest = 0;
     for (const double end : {ground.minX, ground.maxX, ground.minY, ground.maxY})
-        longest = std::max(longest, TextWidth(Label(end, false), style.font, style.height));
+        longest = std::max(longest, TextWidth(Label(end, false), style.face, style.height));
     const double step = GridStep(area, ground, enlargement, longest + labelGap * size);
     const auto columns = GridLines(ground.minX, ground.maxX, step, area.minX, area.maxX);
     const auto lines = GridLines(ground.minY, ground.maxY, step, area.maxY, area.minY);
@@ -150,11 +150,11 @@ void DrawTitle(Canvas& canvas, Point corner, double width, const std::string& ti
                double size) {
     TextStyle style;
     style.height = titleHeight * size;
-    style.font.bold = true;
+    style.face.bold = true;
     style.upright = Upright::top;
     canvas.Text(Fitted(title, style, width - arrowRoom * size), corner, style);
     style.height = subtitleHeight * size;
-    style.font.bold = false;
+    style.face.bold = false;
     canvas.Text(std::string(HostWords().scale) + Formatted(" 1 : %.10g", mapScale),
                 {corner.x, corner.y + 1.7 * titleHeight * size}, style);
 }
@@ -173,7 +173,7 @@ void DrawNorthArrow(Canvas& canvas, Point corner, Point north, double size) {
     canvas.Line(std::array<Point, 4>{tip, right, tail, tip}, finePen, 0);
     TextStyle style;
     style.height = length * 0.26;
-    style.font.bold = true;
+    style.face.bold = true;
     style.across = Across::middle;
     style.upright = Upright::middle;
     canvas.Text(HostWords().north, {center.x + along.x * 1.5, center.y + along.y * 1.5}, style);

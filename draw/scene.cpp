@@ -28,7 +28,7 @@ Box Scaled(const Box& box, double by) {
 // Around the insertion point in millimetres, with the descenders.
 Box TextBox(const PlacedText& text) {
     const TextStyle& style = text.style;
-    const double width = TextWidth(text.text, style.font, style.height);
+    const double width = TextWidth(text.text, style.face, style.height);
     const double left = style.across == Across::left     ? 0
                         : style.across == Across::middle ? -width / 2
                                                          : -width;

@@ -123,7 +123,7 @@ void SceneBuilder::AddText(const map::MapText& text) {
     placed.point = text.point;
     placed.style.height = text.heightOnPaper;
     placed.style.rotation = text.rotation;
-    placed.style.font = text.face;
+    placed.style.face = text.face;
     placed.style.across = text.anchor.across;
     placed.style.upright = text.anchor.upright;
     placed.text = text.text;

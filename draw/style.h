@@ -12,7 +12,7 @@
 namespace vemrado::draw {
 
 using map::Across;
-using Font = map::Face;
+using map::Face;
 using map::Upright;
 
 struct Pen : map::Pen {
@@ -24,7 +24,7 @@ struct SymbolShape : map::SymbolDrawing {
 };
 
 struct TextStyle {
-    Font font;
+    Face face;
     double height = 2;    // of a capital letter, mm
     double rotation = 0;  // degrees, counter-clockwise from the reading direction of the page
     Across across = Across::left;
@@ -33,11 +33,10 @@ struct TextStyle {
     bool halo = false;  // white around the letters, so that they can be read on lines
 };
 
-constexpr double haloWidth = 0.12;  // em, on each side of a letter's strokes
-constexpr double CapitalsPerEm = 0.729;  // height of a capital letter in DejaVu Sans and Serif
-const char* FontFamily(const Font& font);
+constexpr double haloWidth = 0.12;       // em, on each side of a letter's strokes
+constexpr double capitalsPerEm = 0.729;  // height of a capital letter in DejaVu Sans and Serif
 
 // Width of a UTF-8 text in millimetres, by the letters' own advances.
-double TextWidth(const std::string& text, const Font& font, double height);
+double TextWidth(const std::string& text, const Face& face, double height);
 
 }  // namespace vemrado::draw

@@ -232,13 +232,13 @@ void SvgCanvas::Symbol(const SymbolShape& shape, Point at, double scale, double 
 void SvgCanvas::Text(const std::string& text, Point at, const TextStyle& style) {
     BeginDrawing();
     Put("<text");
-    if (style.font.serif || style.halo) {
+    if (style.face.serif || style.halo) {
         Put(" class=\"");
-        Put(style.halo && style.font.serif ? "serif halo" : style.halo ? "halo" : "serif");
+        Put(style.halo && style.face.serif ? "serif halo" : style.halo ? "halo" : "serif");
         Put("\"");
     }
-    if (style.font.bold) Put(" font-weight=\"bold\"");
-    if (style.font.italic) Put(" font-style=\"italic\"");
+    if (style.face.bold) Put(" font-weight=\"bold\"");
+    if (style.face.italic) Put(" font-style=\"italic\"");
     if (style.across != Across::left) {
         Put(style.across == Across::middle ? " text-anchor=\"middle\"" : " text-anchor=\"end\"");
     }
@@ -248,7 +248,7 @@ void SvgCanvas::Text(const std::string& text, Point at, const TextStyle& style) 
         Put("\"");
     }
     Put(" font-size=\"");
-    PutNumber(style.height / CapitalsPerEm);
+    PutNumber(style.height / capitalsPerEm);
     Put("\" transform=\"translate(");
     PutNumber(at.x);
     Put(" ");

@@ -36,11 +36,6 @@ class Styles {
     std::unordered_map<int, double> symbolSizes;  // mm, by symbol code
 };
 
-// Fonts that have the faces of texts.
-inline const char* FontFamily(const map::Face& face) {
-    return face.serif ? "DejaVu Serif" : "DejaVu Sans";
-}
-
 // #rrggbb
 std::string ColourText(uint32_t colour);
 

@@ -62,4 +62,9 @@ struct Face {
 // From the F value. The names that text faces go by in map files are numbers only; ours tell them apart.
 Face FaceOf(int valueF);
 
+// The font that has the letters of a face.
+inline const char* FontFamily(const Face& face) {
+    return face.serif ? "DejaVu Serif" : "DejaVu Sans";
+}
+
 }  // namespace vemrado::map

@@ -229,7 +229,7 @@ std::string TextsQml(const MapLook& look) {
         const XmlText::Element labeling(xml, "labeling", {{"type", "simple"}});
         const XmlText::Element settings(xml, "settings");
         xml.Leaf("text-style", {{"fieldName", "text"},
-                                {"fontFamily", FontFamily({})},
+                                {"fontFamily", map::FontFamily({})},
                                 {"fontSize", "2"},
                                 {"fontSizeUnit", mapUnit},
                                 {"namedStyle", "Book"},

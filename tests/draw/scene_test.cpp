@@ -66,7 +66,7 @@ class RecordingCanvas : public Canvas {
         Put(at);
         log << " high " << style.height << " turned " << style.rotation << " anchor "
             << static_cast<int>(style.across) << static_cast<int>(style.upright)
-            << (style.font.bold ? " bold" : "") << "\n";
+            << (style.face.bold ? " bold" : "") << "\n";
     }
     void Fill(std::span<const Point>, uint32_t) override {}
     void Finish() override {}

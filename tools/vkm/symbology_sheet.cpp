@@ -103,11 +103,11 @@ void SymbologySheet::Draw(draw::Canvas& canvas) const {
 
     draw::TextStyle style;
     style.height = 4.5;
-    style.font.bold = true;
+    style.face.bold = true;
     style.upright = draw::Upright::top;
     canvas.Text(draw::HostWords().symbology, {margin, margin}, style);
     style.height = 2.2;
-    style.font.bold = false;
+    style.face.bold = false;
     canvas.Text(draw::Fitted(source, style, pageWidth - 2 * margin), {margin, margin + 8}, style);
 
     if (linesTop > 0) {
@@ -129,7 +129,7 @@ void SymbologySheet::Draw(draw::Canvas& canvas) const {
 void SymbologySheet::DrawHeading(draw::Canvas& canvas, const std::string& text, double y) const {
     draw::TextStyle style;
     style.height = 3.2;
-    style.font.bold = true;
+    style.face.bold = true;
     style.upright = draw::Upright::middle;
     canvas.Text(text, {margin, y + headingHeight / 2}, style);
 }
@@ -137,14 +137,14 @@ void SymbologySheet::DrawHeading(draw::Canvas& canvas, const std::string& text, 
 void SymbologySheet::DrawLine(draw::Canvas& canvas, const LineCell& line, draw::Point corner) const {
     const double middle = corner.y + lineRowHeight / 2;
     draw::TextStyle style = NameStyle();
-    style.font.bold = true;
+    style.face.bold = true;
     canvas.Text(std::to_string(line.entry.code), {corner.x, middle}, style);
     const double sampleLeft = corner.x + codeWidth;
     const std::array<draw::Point, 2> sample{draw::Point{sampleLeft, middle},
                                             draw::Point{sampleLeft + sampleWidth, middle}};
     if (line.known) canvas.Line(sample, line.pen, 0);
     const double nameLeft = sampleLeft + sampleWidth + gap;
-    style.font.bold = false;
+    style.face.bold = false;
     const double room = CellWidth(lineColumns) - (nameLeft - corner.x) - gap;
     canvas.Text(draw::Fitted(line.entry.name, style, room), {nameLeft, middle}, style);
 }
@@ -159,9 +159,9 @@ void SymbologySheet::DrawSymbol(draw::Canvas& canvas, const SymbolCell& symbol, 
                  std::min((symbolBox - gap) / largest, enlargement));
     const double textLeft = corner.x + mapBox + symbolBox + gap;
     draw::TextStyle style = NameStyle();
-    style.font.bold = true;
+    style.face.bold = true;
     canvas.Text(std::to_string(symbol.entry.code), {textLeft, middle - nameHeight}, style);
-    style.font.bold = false;
+    style.face.bold = false;
     const double room = CellWidth(symbolColumns) - (textLeft - corner.x) - gap;
     canvas.Text(draw::Fitted(symbol.entry.name, style, room), {textLeft, middle + nameHeight}, style);
 }

@@ -11,8 +11,8 @@ enum Command { penCommand = 1, pathCommand, textCommand, fillCommand };
 constexpr double thinnestLine = 0.6;  // pixels
 constexpr size_t longestPath = 2000;  // points that are stroked together
 
-int FaceOf(const draw::Font& font) {
-    return (font.serif ? 4 : 0) + (font.bold ? 2 : 0) + (font.italic ? 1 : 0);
+int FaceNumber(const map::Face& face) {
+    return (face.serif ? 4 : 0) + (face.bold ? 2 : 0) + (face.italic ? 1 : 0);
 }
 
 }  // namespace
@@ -84,7 +84,7 @@ void CommandCanvas::Symbol(const draw::SymbolShape& shape, draw::Point at, doubl
 void CommandCanvas::Text(const std::string& text, draw::Point at, const draw::TextStyle& style) {
     if (style.height * scale < 2) return;
     const double width =
-        style.across == draw::Across::left ? 0 : draw::TextWidth(text, style.font, style.height);
+        style.across == draw::Across::left ? 0 : draw::TextWidth(text, style.face, style.height);
     const double left = style.across == draw::Across::middle ? -width / 2 : -width;
     const double down = style.upright == draw::Upright::baseline ? 0
                         : style.upright == draw::Upright::middle ? style.height / 2
@@ -94,8 +94,8 @@ void CommandCanvas::Text(const std::string& text, draw::Point at, const draw::Te
     Put(textCommand);
     Put((at.x + left * std::cos(angle) - down * std::sin(angle)) * scale);
     Put((at.y + left * std::sin(angle) + down * std::cos(angle)) * scale);
-    Put(FaceOf(style.font));
-    Put(style.height / draw::CapitalsPerEm * scale);
+    Put(FaceNumber(style.face));
+    Put(style.height / draw::capitalsPerEm * scale);
     Put(angle);
     Put(style.colour);
     for (const char c : text) texts += c == '\n' ? ' ' : c;
