@@ -5,38 +5,38 @@
 namespace generate {
 
 uint32_t BoundaryNet::AddNode(Point point) {
-    nodes_.push_back(grid_.Snap(point));
-    degrees_.push_back(0);
-    return static_cast<uint32_t>(nodes_.size() - 1);
+    nodes.push_back(grid.Snap(point));
+    degrees.push_back(0);
+    return static_cast<uint32_t>(nodes.size() - 1);
 }
 
 uint32_t BoundaryNet::AddEdge(uint32_t from, uint32_t to, Side side) {
-    edges_.push_back({from, to, 0, side});
-    return static_cast<uint32_t>(edges_.size() - 1);
+    edges.push_back({from, to, 0, side});
+    return static_cast<uint32_t>(edges.size() - 1);
 }
 
 uint32_t BoundaryNet::StartNode(HalfEdge half) const {
-    const Edge& edge = edges_[half / 2];
+    const Edge& edge = edges[half / 2];
     return half % 2 == 0 ? edge.from : edge.to;
 }
 
 BoundaryNet::Face BoundaryNet::AddOutline(const Ring& ring, const std::vector<Side>& sides) {
-    const auto firstNode = static_cast<uint32_t>(nodes_.size());
+    const auto firstNode = static_cast<uint32_t>(nodes.size());
     for (const Point& point : ring) {
         AddNode(point);
-        degrees_.back() = 2;
+        degrees.back() = 2;
     }
     const auto count = static_cast<uint32_t>(ring.size());
     Face face;
     for (uint32_t i = 0; i < count; ++i) {
         face.push_back(2 * AddEdge(firstNode + i, firstNode + (i + 1) % count, sides[i]));
     }
-    lines_.push_back({face.front() / 2, count, true});
+    lines.push_back({face.front() / 2, count, true});
     return face;
 }
 
 void BoundaryNet::AppendParts(HalfEdge half, Face& face) const {
-    const uint32_t child = edges_[half / 2].child;
+    const uint32_t child = edges[half / 2].child;
     if (child == 0) {
         face.push_back(half);
     } else if (half % 2 == 0) {
@@ -50,7 +50,7 @@ void BoundaryNet::AppendParts(HalfEdge half, Face& face) const {
 
 void BoundaryNet::Refine(Face& face) const {
     const bool divided =
-        std::any_of(face.begin(), face.end(), [&](HalfEdge half) { return edges_[half / 2].child != 0; });
+        std::any_of(face.begin(), face.end(), [&](HalfEdge half) { return edges[half / 2].child != 0; });
     if (!divided) return;
     Face refined;
     refined.reserve(face.size() + 8);
@@ -63,23 +63,23 @@ void BoundaryNet::Outline(const Face& face, Ring& ring, std::vector<Side>& sides
     sides.clear();
     for (const HalfEdge half : face) {
         ring.push_back(At(StartNode(half)));
-        sides.push_back(edges_[half / 2].side);
+        sides.push_back(edges[half / 2].side);
     }
 }
 
 // The position in the face of the half edge that starts at the crossing; divides an edge for it when needed.
 std::size_t BoundaryNet::NodeAt(Face& face, const Crossing& crossing, double snap) {
     const HalfEdge half = face[crossing.edge];
-    const Edge edge = edges_[half / 2];
+    const Edge edge = edges[half / 2];
     const double length = Length(At(edge.to) - At(edge.from));
     if (crossing.share * length < snap) return crossing.edge;
     if ((1 - crossing.share) * length < snap) return (crossing.edge + 1) % face.size();
 
     const uint32_t node = AddNode(crossing.at);
-    degrees_[node] = 2;
+    degrees[node] = 2;
     const uint32_t first = AddEdge(edge.from, node, edge.side);
     AddEdge(node, edge.to, edge.side);
-    edges_[half / 2].child = first;
+    edges[half / 2].child = first;
     const bool backwards = half % 2 != 0;
     face[crossing.edge] = backwards ? 2 * (first + 1) + 1 : 2 * first;
     face.insert(face.begin() + static_cast<std::ptrdiff_t>(crossing.edge) + 1,
@@ -135,22 +135,22 @@ bool BoundaryNet::Cut(Face& face, Point inside, Point direction, double snap, Fa
     leftPart.push_back(2 * edge);
     rightPart.push_back(2 * edge + 1);
     if (IsThin(leftPart) || IsThin(rightPart)) {
-        edges_.pop_back();
+        edges.pop_back();
         return false;
     }
-    ++degrees_[behindNode];
-    ++degrees_[aheadNode];
-    lines_.push_back({edge, 1, false});
+    ++degrees[behindNode];
+    ++degrees[aheadNode];
+    lines.push_back({edge, 1, false});
     return true;
 }
 
 void BoundaryNet::Line(std::size_t index, std::vector<GridPoint>& points) const {
-    const RootLine& line = lines_[index];
+    const RootLine& line = lines[index];
     Face halves;
     for (uint32_t i = 0; i < line.edgeCount; ++i) AppendParts(2 * (line.firstEdge + i), halves);
     points.clear();
-    for (const HalfEdge half : halves) points.push_back(nodes_[StartNode(half)]);
-    points.push_back(nodes_[edges_[halves.back() / 2].to]);
+    for (const HalfEdge half : halves) points.push_back(nodes[StartNode(half)]);
+    points.push_back(nodes[edges[halves.back() / 2].to]);
 }
 
 }  // namespace generate

@@ -21,17 +21,17 @@ struct GridPoint {
 
 class Grid {
   public:
-    explicit Grid(int unitsPerMetre) : units_(unitsPerMetre) {}
-    int UnitsPerMetre() const { return units_; }
+    explicit Grid(int unitsPerMetre) : units(unitsPerMetre) {}
+    int UnitsPerMetre() const { return units; }
     GridPoint Snap(Point point) const {
-        return {std::llround(point.east * units_), std::llround(point.north * units_)};
+        return {std::llround(point.east * units), std::llround(point.north * units)};
     }
     Point ToMetres(GridPoint point) const {
-        return {static_cast<double>(point.east) / units_, static_cast<double>(point.north) / units_};
+        return {static_cast<double>(point.east) / units, static_cast<double>(point.north) / units};
     }
 
   private:
-    int units_;
+    int units;
 };
 
 class BoundaryNet {
@@ -40,7 +40,7 @@ class BoundaryNet {
     using HalfEdge = uint32_t;
     using Face = std::vector<HalfEdge>;
 
-    explicit BoundaryNet(Grid grid) : grid_(grid) {}
+    explicit BoundaryNet(Grid coordinates) : grid(coordinates) {}
 
     // A closed boundary of its own; gives the face inside it.
     Face AddOutline(const Ring& ring, const std::vector<Side>& sides);
@@ -56,13 +56,13 @@ class BoundaryNet {
     void Outline(const Face& face, Ring& ring, std::vector<Side>& sides) const;
 
     // Every line added so far, each once, with all of its points.
-    std::size_t LineCount() const { return lines_.size(); }
+    std::size_t LineCount() const { return lines.size(); }
     void Line(std::size_t index, std::vector<GridPoint>& points) const;
-    bool IsOutline(std::size_t index) const { return lines_[index].closed; }
+    bool IsOutline(std::size_t index) const { return lines[index].closed; }
 
-    const std::vector<GridPoint>& Nodes() const { return nodes_; }
+    const std::vector<GridPoint>& Nodes() const { return nodes; }
     // Lines that meet at a node; 2 on a plain bend.
-    int Degree(std::size_t node) const { return degrees_[node]; }
+    int Degree(std::size_t node) const { return degrees[node]; }
 
   private:
     struct Edge {
@@ -80,16 +80,16 @@ class BoundaryNet {
     uint32_t AddNode(Point point);
     uint32_t AddEdge(uint32_t from, uint32_t to, Side side);
     uint32_t StartNode(HalfEdge half) const;
-    Point At(uint32_t node) const { return grid_.ToMetres(nodes_[node]); }
+    Point At(uint32_t node) const { return grid.ToMetres(nodes[node]); }
     void AppendParts(HalfEdge half, Face& face) const;
     std::size_t NodeAt(Face& face, const Crossing& crossing, double snap);
     bool IsThin(const Face& face) const;
 
-    Grid grid_;
-    std::vector<GridPoint> nodes_;
-    std::vector<int> degrees_;
-    std::vector<Edge> edges_ = {{0, 0, 0, Side::plot}};  // edge 0 is none
-    std::vector<RootLine> lines_;
+    Grid grid;
+    std::vector<GridPoint> nodes;
+    std::vector<int> degrees;
+    std::vector<Edge> edges = {{0, 0, 0, Side::plot}};  // edge 0 is none
+    std::vector<RootLine> lines;
 };
 
 }  // namespace generate

@@ -44,13 +44,13 @@ bool Fits(const Site& site, const Ring& ring, double clearance) {
 }  // namespace
 
 void Builder::Draw(const Ring& ring, int32_t code) {
-    drawing_.AddRing(layerBuildings, ring, code);
-    occupied_.push_back(ring);
+    drawing.AddRing(layerBuildings, ring, code);
+    occupied.push_back(ring);
 }
 
 BuildingPlan Builder::Terrace(const Site& site) {
-    const double deep = random_.Between(9.5, 13);
-    const double wingChance = random_.Unit();
+    const double deep = random.Between(9.5, 13);
+    const double wingChance = random.Unit();
     const Point through = site.front.middle + site.front.inwards * deep;
     Chord chord;
     if (site.front.depth < deep + 3 || !Contains(site.ring, through) ||
@@ -61,8 +61,8 @@ BuildingPlan Builder::Terrace(const Site& site) {
     if (Area(house) < 30) return {};
     Draw(house, codeBuilding);
     if (wingChance < 0.6) {
-        const double wing = random_.Between(4, 5.5);
-        const double length = std::min(random_.Between(6, 11), site.front.depth - deep - 3);
+        const double wing = random.Between(4, 5.5);
+        const double length = std::min(random.Between(6, 11), site.front.depth - deep - 3);
         const Stretch free = FreeStretch(site, deep + 0.3, deep + length);
         if (length > 3 && free.Size() > wing + 4) {
             const double low = wingChance < 0.3 ? free.low + 0.4 : free.high - 0.4 - wing;
@@ -75,12 +75,12 @@ BuildingPlan Builder::Terrace(const Site& site) {
 }
 
 BuildingPlan Builder::House(const Site& site) {
-    const double setback = random_.Between(3.2, 6);
-    const double deep = random_.Between(8.5, 11.5);
-    double wide = random_.Between(8.5, 13);
-    const int shape = random_.Below(5);
-    const double place = random_.Between(0.35, 0.65);
-    const double wing = random_.Between(3, 4.5);
+    const double setback = random.Between(3.2, 6);
+    const double deep = random.Between(8.5, 11.5);
+    double wide = random.Between(8.5, 13);
+    const int shape = random.Below(5);
+    const double place = random.Between(0.35, 0.65);
+    const double wing = random.Between(3, 4.5);
     if (site.front.depth < setback + deep + 3) return {};
     const Stretch free = FreeStretch(site, setback, setback + deep);
     wide = std::min(wide, free.Size() - 3.5);
@@ -125,8 +125,8 @@ BuildingPlan Builder::House(const Site& site) {
     Draw(ring, codeBuilding);
     const double back = shape == 0 ? y1 + wing : shape == 2 ? y1 + 1.6 : y1;
     const Point wall = OnSite(site, {{x0 + wide * 0.3, y0}})[0];
-    if (random_.Chance(0.35)) Steps(site, wall);
-    if (random_.Chance(0.45)) Shed(site, back + 3);
+    if (random.Chance(0.35)) Steps(site, wall);
+    if (random.Chance(0.45)) Shed(site, back + 3);
     const Point center = OnSite(site, {{x0 + wide * 0.45, (y0 + y1) / 2}})[0];
     return {true, center, wall, back};
 }
@@ -135,22 +135,22 @@ BuildingPlan Builder::House(const Site& site) {
 void Builder::Steps(const Site& site, Point wall) {
     for (int tread = 0; tread < 3; ++tread) {
         const Point from = wall - site.front.inwards * (0.35 * (tread + 1)) - site.front.along * 0.9;
-        const GridPoint start = drawing_.GridOf().Snap(from);
+        const GridPoint start = drawing.GridOf().Snap(from);
         if (tread == 0) {
-            drawing_.StartLine(layerBuildings, start, codeBuildingDetail);
+            drawing.StartLine(layerBuildings, start, codeBuildingDetail);
         } else {
-            drawing_.Stroke(layerBuildings, start, codeBuildingDetail);
+            drawing.Stroke(layerBuildings, start, codeBuildingDetail);
         }
-        drawing_.Element(layerBuildings, drawing_.GridOf().Snap(from + site.front.along * 1.8),
-                         codeBuildingDetail);
+        drawing.Element(layerBuildings, drawing.GridOf().Snap(from + site.front.along * 1.8),
+                        codeBuildingDetail);
     }
 }
 
 bool Builder::Shed(const Site& site, double from) {
-    const double wide = random_.Between(3.5, 6);
-    const double deep = random_.Between(4, 7);
-    const bool atLow = random_.Chance(0.5);
-    const double near = std::max(from, site.front.depth * random_.Between(0.5, 0.75));
+    const double wide = random.Between(3.5, 6);
+    const double deep = random.Between(4, 7);
+    const bool atLow = random.Chance(0.5);
+    const double near = std::max(from, site.front.depth * random.Between(0.5, 0.75));
     const Stretch free = FreeStretch(site, near, near + deep);
     if (free.Size() < wide + 2) return false;
     const double x = atLow ? free.low + 0.6 : free.high - 0.6 - wide;
@@ -161,12 +161,12 @@ bool Builder::Shed(const Site& site, double from) {
 }
 
 BuildingPlan Builder::Hut(const Site& site) {
-    const double wide = random_.Between(3, 4.5);
-    const double deep = random_.Between(3.5, 5);
-    const double near = random_.Between(4, 9);
+    const double wide = random.Between(3, 4.5);
+    const double deep = random.Between(3.5, 5);
+    const double near = random.Between(4, 9);
     const Stretch free = FreeStretch(site, near, near + deep);
     if (free.Size() < wide + 2) return {};
-    const double x = free.low + 1 + (free.Size() - wide - 2) * random_.Unit();
+    const double x = free.low + 1 + (free.Size() - wide - 2) * random.Unit();
     const Ring ring = OnSite(site, {{x, near}, {x + wide, near}, {x + wide, near + deep}, {x, near + deep}});
     if (!Fits(site, ring, 0.6)) return {};
     Draw(ring, codeOutbuilding);
@@ -175,15 +175,15 @@ BuildingPlan Builder::Hut(const Site& site) {
 
 BuildingPlan Builder::Halls(const Site& site) {
     BuildingPlan plan;
-    double near = random_.Between(6, 10);
-    const int halls = 1 + random_.Below(3);
+    double near = random.Between(6, 10);
+    const int halls = 1 + random.Below(3);
     for (int hall = 0; hall < halls; ++hall) {
-        const double deep = random_.Between(14, 26);
+        const double deep = random.Between(14, 26);
         if (near + deep + 5 > site.front.depth) break;
         const Stretch free = FreeStretch(site, near, near + deep);
-        const double wide = std::min(free.Size() - 12, random_.Between(28, 60));
+        const double wide = std::min(free.Size() - 12, random.Between(28, 60));
         if (wide < 12) break;
-        const double x = free.low + 6 + (free.Size() - 12 - wide) * random_.Unit();
+        const double x = free.low + 6 + (free.Size() - 12 - wide) * random.Unit();
         const Ring ring =
             OnSite(site, {{x, near}, {x + wide, near}, {x + wide, near + deep}, {x, near + deep}});
         if (Fits(site, ring, 1.5)) {
@@ -191,13 +191,13 @@ BuildingPlan Builder::Halls(const Site& site) {
             if (!plan.built) plan = {true, Centroid(ring), ring[0], near + deep};
             plan.back = near + deep;
         }
-        near += deep + random_.Between(8, 14);
+        near += deep + random.Between(8, 14);
     }
     return plan;
 }
 
 BuildingPlan Builder::Church(Point center) {
-    const Point along = Rotated({1, 0}, random_.Between(-0.12, 0.12));
+    const Point along = Rotated({1, 0}, random.Between(-0.12, 0.12));
     const Point left = Left(along);
     const auto at = [&](double x, double y) { return center + along * x + left * y; };
     Ring nave{at(-12, -5.5), at(9, -5.5)};
@@ -206,18 +206,18 @@ BuildingPlan Builder::Church(Point center) {
     nave.insert(nave.end(),
                 {at(9, 5.5), at(-12, 5.5), at(-12, 3.2), at(-18, 3.2), at(-18, -3.2), at(-12, -3.2)});
     Draw(nave, codeBuilding);
-    drawing_.AddPath(layerBuildings, {at(-12, -3.2), at(-12, 3.2)}, codeBuildingDetail);
+    drawing.AddPath(layerBuildings, {at(-12, -3.2), at(-12, 3.2)}, codeBuildingDetail);
     // Buttresses: strokes of one line.
     bool first = true;
     for (const double x : {-8.0, -4.0, 0.0, 4.0, 8.0}) {
         for (const double side : {-1.0, 1.0}) {
-            const GridPoint from = drawing_.GridOf().Snap(at(x, side * 5.5));
+            const GridPoint from = drawing.GridOf().Snap(at(x, side * 5.5));
             if (first) {
-                drawing_.StartLine(layerBuildings, from, codeBuildingDetail);
+                drawing.StartLine(layerBuildings, from, codeBuildingDetail);
             } else {
-                drawing_.Stroke(layerBuildings, from, codeBuildingDetail);
+                drawing.Stroke(layerBuildings, from, codeBuildingDetail);
             }
-            drawing_.Element(layerBuildings, drawing_.GridOf().Snap(at(x, side * 6.7)), codeBuildingDetail);
+            drawing.Element(layerBuildings, drawing.GridOf().Snap(at(x, side * 6.7)), codeBuildingDetail);
             first = false;
         }
     }

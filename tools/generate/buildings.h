@@ -25,11 +25,11 @@ struct BuildingPlan {
 
 class Builder {
   public:
-    Builder(Drawing& drawing, Random& random) : drawing_(drawing), random_(random) {}
+    Builder(Drawing& sheet, Random& numbers) : drawing(sheet), random(numbers) {}
 
     // Begins another parcel; Occupied are the outlines drawn on it.
-    void StartParcel() { occupied_.clear(); }
-    const std::vector<Ring>& Occupied() const { return occupied_; }
+    void StartParcel() { occupied.clear(); }
+    const std::vector<Ring>& Occupied() const { return occupied; }
 
     // A house on the street line from side to side, with a wing in the yard.
     BuildingPlan Terrace(const Site& site);
@@ -47,9 +47,9 @@ class Builder {
     bool Shed(const Site& site, double from);
     void Steps(const Site& site, Point wall);
 
-    Drawing& drawing_;
-    Random& random_;
-    std::vector<Ring> occupied_;
+    Drawing& drawing;
+    Random& random;
+    std::vector<Ring> occupied;
 };
 
 }  // namespace generate

@@ -37,18 +37,18 @@ Cell CellOfSheet(int64_t sheet) {
 }
 
 int Country::LatticeSize() const {
-    return static_cast<int>(std::min(countryWidth / width_, countryHeight / height_));
+    return static_cast<int>(std::min(countryWidth / width, countryHeight / height));
 }
 
 Point Country::Node(Cell node) const {
-    Random random(seed_, Subject::latticeNode, node.column, node.row);
+    Random random(seed, Subject::latticeNode, node.column, node.row);
     const double east = node.column + random.Between(-0.09, 0.09);
     const double south = node.row + random.Between(-0.09, 0.09);
-    return {east * width_, -south * height_};
+    return {east * width, -south * height};
 }
 
 Path Country::Road(Cell from, Cell to, int direction) const {
-    Random random(seed_, Subject::latticeEdge, from.column * int64_t{2} + direction, from.row);
+    Random random(seed, Subject::latticeEdge, from.column * int64_t{2} + direction, from.row);
     const Point start = Node(from);
     const Point end = Node(to);
     const double length = Length(end - start);
@@ -84,7 +84,7 @@ double Country::HalfWidthSouth(Cell node) const {
 }
 
 Point Country::TownCenter(int column, int row, double& radius) const {
-    Random random(seed_, Subject::town, column, row);
+    Random random(seed, Subject::town, column, row);
     const double east = column + random.Between(0.2, 0.4);
     const double south = row + random.Between(0.2, 0.4);
     radius = random.Between(380, 560);
@@ -123,12 +123,12 @@ Point Country::NearestTown(Point place) const {
 }
 
 int Country::StreamRow(int municipalityRow) const {
-    Random random(seed_, Subject::stream, municipalityRow);
+    Random random(seed, Subject::stream, municipalityRow);
     return municipalityRow * municipalityCells + 1 + random.Below(2);
 }
 
 std::size_t Country::StreamCrossing(Cell node) const {
-    Random random(seed_, Subject::stream, node.column, node.row + int64_t{1000000});
+    Random random(seed, Subject::stream, node.column, node.row + int64_t{1000000});
     return static_cast<std::size_t>(3 + random.Below(3));
 }
 
@@ -141,10 +141,10 @@ std::optional<Country::Stream> Country::StreamThrough(Cell cell) const {
     const Point start = RoadSouth(cell)[stream.from];
     const Point end = RoadSouth(east)[stream.to];
 
-    Random random(seed_, Subject::stream, cell.column, cell.row + int64_t{2000000});
+    Random random(seed, Subject::stream, cell.column, cell.row + int64_t{2000000});
     const double length = Length(end - start);
     const int bends = static_cast<int>(length / 130) + 1;
-    const double wide = random.Between(0.05, 0.09) * height_ + 8;
+    const double wide = random.Between(0.05, 0.09) * height + 8;
     const double narrow = random.Between(5, 11);
     const double phase = random.Between(0, 2 * std::numbers::pi);
     const int steps = static_cast<int>(length / 11);
@@ -163,7 +163,7 @@ std::optional<Country::Stream> Country::StreamThrough(Cell cell) const {
 std::optional<Path> Country::PowerLineThrough(Cell cell) const {
     if (cell.column % 4 != 1) return std::nullopt;
     const auto crossing = [&](Cell node) {
-        Random random(seed_, Subject::powerLine, node.column, node.row);
+        Random random(seed, Subject::powerLine, node.column, node.row);
         const Path road = RoadEast(node);
         return road[static_cast<std::size_t>(5 + random.Below(2))];
     };
@@ -174,7 +174,7 @@ std::optional<Path> Country::PowerLineThrough(Cell cell) const {
 }
 
 uint64_t Country::MunicipalityKey(Cell cell) const {
-    return Random(seed_, Subject::district, cell.column / municipalityCells, cell.row / municipalityCells)
+    return Random(seed, Subject::district, cell.column / municipalityCells, cell.row / municipalityCells)
         .Next();
 }
 

@@ -26,11 +26,11 @@ Cell CellOfSheet(int64_t sheet);
 class Country {
   public:
     // One sheet is 625 by 500 m at 1:1000, and in proportion at other scales.
-    Country(uint64_t seed, int scale) : seed_(seed), width_(0.625 * scale), height_(0.5 * scale) {}
+    Country(uint64_t number, int scale) : seed(number), width(0.625 * scale), height(0.5 * scale) {}
 
-    uint64_t Seed() const { return seed_; }
-    double SheetWidth() const { return width_; }
-    double SheetHeight() const { return height_; }
+    uint64_t Seed() const { return seed; }
+    double SheetWidth() const { return width; }
+    double SheetHeight() const { return height; }
     // Sheets in a row (and rows) up to the borders of the S-JTSK area.
     int LatticeSize() const;
 
@@ -73,9 +73,9 @@ class Country {
     int StreamRow(int municipalityRow) const;
     std::size_t StreamCrossing(Cell node) const;
 
-    uint64_t seed_;
-    double width_;
-    double height_;
+    uint64_t seed;
+    double width;
+    double height;
 };
 
 }  // namespace generate

@@ -29,10 +29,10 @@ void Drawing::Add(Layer layer, GridPoint at, char type, bool startsLine, int32_t
 
 void Drawing::AddPath(Layer layer, const Path& path, int32_t code, char type) {
     if (path.size() < 2) return;
-    GridPoint last = grid_.Snap(path[0]);
+    GridPoint last = grid.Snap(path[0]);
     StartLine(layer, last, code);
     for (std::size_t i = 1; i < path.size(); ++i) {
-        const GridPoint at = grid_.Snap(path[i]);
+        const GridPoint at = grid.Snap(path[i]);
         if (at.east == last.east && at.north == last.north) continue;  // too close for the decimals
         Element(layer, at, code, type);
         last = at;
@@ -42,12 +42,12 @@ void Drawing::AddPath(Layer layer, const Path& path, int32_t code, char type) {
 void Drawing::AddRing(Layer layer, const Ring& ring, int32_t code) {
     if (ring.size() < 3) return;
     AddPath(layer, ring, code);
-    Element(layer, grid_.Snap(ring[0]), code);
+    Element(layer, grid.Snap(ring[0]), code);
 }
 
 void Drawing::AddSymbol(Layer layer, Point at, int32_t symbol, double gons, double scale) {
     DrawnElement element;
-    element.at = grid_.Snap(at);
+    element.at = grid.Snap(at);
     element.type = 'P';
     element.startsLine = true;
     element.keys.symbol = symbol;
@@ -64,7 +64,7 @@ void Drawing::MarkLast(Layer layer, int32_t symbol, double gons) {
 
 void Drawing::AddText(Layer layer, Point at, std::string_view text, int32_t code, double gons) {
     DrawnText drawn;
-    drawn.at = grid_.Snap(at);
+    drawn.at = grid.Snap(at);
     drawn.text = text;
     drawn.code = code;
     drawn.gonsHundredths = GonHundredths(gons);

@@ -47,12 +47,12 @@ struct DrawnLayer {
 
 class Drawing {
   public:
-    explicit Drawing(Grid grid) : grid_(grid) {
-        for (DrawnLayer& layer : layers_) layer.elements.reserve(1024);
+    explicit Drawing(Grid coordinates) : grid(coordinates) {
+        for (DrawnLayer& layer : layers) layer.elements.reserve(1024);
     }
 
-    const Grid& GridOf() const { return grid_; }
-    const DrawnLayer& At(int layer) const { return layers_[static_cast<std::size_t>(layer)]; }
+    const Grid& GridOf() const { return grid; }
+    const DrawnLayer& At(int layer) const { return layers[static_cast<std::size_t>(layer)]; }
 
     // Starts a line at a point; Stroke starts another stroke of the same line, Element goes on to a point.
     void StartLine(Layer layer, GridPoint at, int32_t code) { Add(layer, at, 'P', true, code, 0); }
@@ -69,11 +69,11 @@ class Drawing {
     void AddText(Layer layer, Point at, std::string_view text, int32_t code, double gons);
 
   private:
-    DrawnLayer& Of(Layer layer) { return layers_[static_cast<std::size_t>(layer)]; }
+    DrawnLayer& Of(Layer layer) { return layers[static_cast<std::size_t>(layer)]; }
     void Add(Layer layer, GridPoint at, char type, bool startsLine, int32_t code, double radius);
 
-    Grid grid_;
-    std::array<DrawnLayer, layerCount + 1> layers_;
+    Grid grid;
+    std::array<DrawnLayer, layerCount + 1> layers;
 };
 
 }  // namespace generate

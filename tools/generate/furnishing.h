@@ -11,14 +11,14 @@ namespace generate {
 
 class Furnisher {
   public:
-    // paper: metres on the ground for a millimetre on paper.
-    Furnisher(const Names& names, Drawing& drawing, Random& random, double paper, int firstHouse)
-        : names_(names),
-          drawing_(drawing),
-          random_(random),
-          builder_(drawing, random),
-          paper_(paper),
-          nextHouse_(firstHouse) {}
+    // millimetre: metres on the ground for one on paper.
+    Furnisher(const Names& allNames, Drawing& sheet, Random& numbers, double millimetre, int firstHouse)
+        : names(allNames),
+          drawing(sheet),
+          random(numbers),
+          builder(sheet, numbers),
+          paper(millimetre),
+          nextHouse(firstHouse) {}
 
     void Furnish(const BoundaryNet& net, Parcel& parcel);
 
@@ -38,13 +38,13 @@ class Furnisher {
     Point Inside() const;
     Path Closed(const Ring& ring) const;
 
-    const Names& names_;
-    Drawing& drawing_;
-    Random& random_;
-    Builder builder_;
-    double paper_;
-    int nextHouse_;
-    Site site_;
+    const Names& names;
+    Drawing& drawing;
+    Random& random;
+    Builder builder;
+    double paper;
+    int nextHouse;
+    Site site;
 };
 
 }  // namespace generate

@@ -24,40 +24,40 @@ constexpr int exitUsage = 2;
 
 class OutputFile {
   public:
-    explicit OutputFile(const std::string& name)
-        : name_(name.empty() ? "standard output" : name),
-          file_(name.empty() ? stdout : std::fopen(name.c_str(), "wb")) {
+    explicit OutputFile(const std::string& path)
+        : name(path.empty() ? "standard output" : path),
+          file(path.empty() ? stdout : std::fopen(path.c_str(), "wb")) {
 #if defined(_WIN32)
-        if (file_ == stdout) _setmode(_fileno(stdout), _O_BINARY);
+        if (file == stdout) _setmode(_fileno(stdout), _O_BINARY);
 #endif
     }
     ~OutputFile() {
-        if (file_ && file_ != stdout) std::fclose(file_);
+        if (file && file != stdout) std::fclose(file);
     }
     OutputFile(const OutputFile&) = delete;
     OutputFile& operator=(const OutputFile&) = delete;
 
     bool IsOpen() const {
-        return file_ != nullptr;
+        return file != nullptr;
     }
     const std::string& Name() const {
-        return name_;
+        return name;
     }
     uint64_t Written() const {
-        return written_;
+        return written;
     }
     bool Write(const std::string& text) {
-        written_ += text.size();
-        return std::fwrite(text.data(), 1, text.size(), file_) == text.size();
+        written += text.size();
+        return std::fwrite(text.data(), 1, text.size(), file) == text.size();
     }
     bool Finish() {
-        return std::fflush(file_) == 0;
+        return std::fflush(file) == 0;
     }
 
   private:
-    std::string name_;
-    std::FILE* file_;
-    uint64_t written_ = 0;
+    std::string name;
+    std::FILE* file;
+    uint64_t written = 0;
 };
 
 // Makes a run of sheets, on several threads when there are several.

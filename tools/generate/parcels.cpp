@@ -91,10 +91,10 @@ bool FrontOf(const Ring& ring, const std::vector<Side>& sides, Front& front) {
 }
 
 ParcelUse ParcelPlanner::UseOf(const Block& block) {
-    const double number = random_.Unit();
+    const double number = random.Unit();
     const Point center = Centroid(block.outline);
     if (block.town < 0.3) {
-        return Contains(block.outline, country_.NearestTown(center)) ? ParcelUse::square : ParcelUse::terrace;
+        return Contains(block.outline, country.NearestTown(center)) ? ParcelUse::square : ParcelUse::terrace;
     }
     if (block.town < 0.95) return Choose(usesInTown, number);
     const bool byStream =
@@ -105,26 +105,26 @@ ParcelUse ParcelPlanner::UseOf(const Block& block) {
 
 void ParcelPlanner::Divide(const Block& block, std::vector<Parcel>& parcels) {
     const ParcelUse use = UseOf(block);
-    const BoundaryNet::Face face = net_.AddOutline(block.outline, block.sides);
+    const BoundaryNet::Face face = net.AddOutline(block.outline, block.sides);
     const Frame frame = FrameOf(block.outline);
     switch (use) {
         case ParcelUse::terrace:
-            return DivideIntoPlots(face, block, use, random_.Between(10, 15), parcels);
+            return DivideIntoPlots(face, block, use, random.Between(10, 15), parcels);
         case ParcelUse::house:
-            return DivideIntoPlots(face, block, use, random_.Between(17, 25), parcels);
+            return DivideIntoPlots(face, block, use, random.Between(17, 25), parcels);
         case ParcelUse::square:
         case ParcelUse::park:
         case ParcelUse::cemetery:
         case ParcelUse::sports:
         case ParcelUse::pond:
-            parcels.push_back({face, use, nextStem_++, 0, block.town});
+            parcels.push_back({face, use, nextStem++, 0, block.town});
             return;
         case ParcelUse::works:
             return AddStrips(face, frame.along, 75, use, block.town, parcels);
         case ParcelUse::allotment:
-            return DivideIntoPlots(face, block, use, random_.Between(11, 15), parcels);
+            return DivideIntoPlots(face, block, use, random.Between(11, 15), parcels);
         default:
-            return AddStrips(face, frame.along, StripWidth(use) * random_.Between(0.8, 1.25), use, block.town,
+            return AddStrips(face, frame.along, StripWidth(use) * random.Between(0.8, 1.25), use, block.town,
                              parcels);
     }
 }
@@ -138,10 +138,10 @@ void ParcelPlanner::DivideIntoPlots(const BoundaryNet::Face& face, const Block& 
     BoundaryNet::Face left;
     BoundaryNet::Face right;
     const Point center = Centroid(block.outline);
-    const Point through = center + frame.across * (frame.width * random_.Between(-0.07, 0.07));
-    const Point direction = Rotated(frame.along, random_.Between(-0.03, 0.03));
+    const Point through = center + frame.across * (frame.width * random.Between(-0.07, 0.07));
+    const Point direction = Rotated(frame.along, random.Between(-0.03, 0.03));
     if (frame.width > 38 && Contains(block.outline, through) &&
-        net_.Cut(whole, through, direction, 3, left, right)) {
+        net.Cut(whole, through, direction, 3, left, right)) {
         rows = {left, right};
     } else {
         rows = {whole};
@@ -156,26 +156,26 @@ void ParcelPlanner::DivideIntoPlots(const BoundaryNet::Face& face, const Block& 
 void ParcelPlanner::DivideStrip(const BoundaryNet::Face& face, Point along, double target,
                                 std::vector<BoundaryNet::Face>& strips) {
     BoundaryNet::Face whole = face;
-    net_.Refine(whole);
+    net.Refine(whole);
     Ring ring;
     std::vector<Side> sides;
-    net_.Outline(whole, ring, sides);
+    net.Outline(whole, ring, sides);
     double low = 1e9;
     double high = -1e9;
     for (const Point& point : ring) {
         low = std::min(low, Dot(point - ring[0], along));
         high = std::max(high, Dot(point - ring[0], along));
     }
-    const int count = static_cast<int>((high - low) / target + random_.Between(0.3, 0.7));
+    const int count = static_cast<int>((high - low) / target + random.Between(0.3, 0.7));
     if (count > 1) {
-        const int before = count / 2 + (count % 2 != 0 && random_.Chance(0.5) ? 1 : 0);
-        const double share = (before + random_.Between(-0.14, 0.14)) / count;
+        const int before = count / 2 + (count % 2 != 0 && random.Chance(0.5) ? 1 : 0);
+        const double share = (before + random.Between(-0.14, 0.14)) / count;
         const Point center = Centroid(ring);
         const Point through = center + along * (low + (high - low) * share - Dot(center - ring[0], along));
-        const Point direction = Rotated(Left(along), random_.Between(-0.025, 0.025));
+        const Point direction = Rotated(Left(along), random.Between(-0.025, 0.025));
         BoundaryNet::Face left;
         BoundaryNet::Face right;
-        if (Contains(ring, through) && net_.Cut(whole, through, direction, 2.2, left, right)) {
+        if (Contains(ring, through) && net.Cut(whole, through, direction, 2.2, left, right)) {
             DivideStrip(left, along, target, strips);
             DivideStrip(right, along, target, strips);
             return;
@@ -187,11 +187,11 @@ void ParcelPlanner::DivideStrip(const BoundaryNet::Face& face, Point along, doub
 // A plot with a deep back land becomes a house's parcel and its garden.
 void ParcelPlanner::AddPlot(BoundaryNet::Face face, ParcelUse use, double town,
                             std::vector<Parcel>& parcels) {
-    const int stem = nextStem_++;
+    const int stem = nextStem++;
     Ring ring;
     std::vector<Side> sides;
-    net_.Refine(face);
-    net_.Outline(face, ring, sides);
+    net.Refine(face);
+    net.Outline(face, ring, sides);
     Front front;
     if (use == ParcelUse::allotment) {
         parcels.push_back({std::move(face), use, stem, 0, town});
@@ -201,12 +201,12 @@ void ParcelPlanner::AddPlot(BoundaryNet::Face face, ParcelUse use, double town,
         parcels.push_back({std::move(face), ParcelUse::garden, stem, 0, town});
         return;
     }
-    const double yard = use == ParcelUse::terrace ? random_.Between(19, 24) : random_.Between(21, 27);
+    const double yard = use == ParcelUse::terrace ? random.Between(19, 24) : random.Between(21, 27);
     const Point through = front.middle + front.inwards * yard;
     BoundaryNet::Face back;
     BoundaryNet::Face house;
     if (front.depth > yard + 11 && Contains(ring, through) &&
-        net_.Cut(face, through, front.along, 1.5, back, house)) {
+        net.Cut(face, through, front.along, 1.5, back, house)) {
         parcels.push_back({std::move(house), use, stem, 1, town});
         parcels.push_back({std::move(back), ParcelUse::garden, stem, 2, town});
         return;
@@ -218,11 +218,11 @@ void ParcelPlanner::AddStrips(const BoundaryNet::Face& face, Point along, double
                               double town, std::vector<Parcel>& parcels) {
     std::vector<BoundaryNet::Face> strips;
     DivideStrip(face, along, target, strips);
-    const int stem = nextStem_++;
+    const int stem = nextStem++;
     int sub = strips.size() > 1 ? 1 : 0;
     for (BoundaryNet::Face& strip : strips) {
         // Some neighbours grow other things than the rest.
-        const bool odd = strips.size() > 3 && use != ParcelUse::works && random_.Chance(0.12);
+        const bool odd = strips.size() > 3 && use != ParcelUse::works && random.Chance(0.12);
         parcels.push_back({std::move(strip), odd ? ParcelUse::meadow : use, stem, sub, town});
         ++sub;
     }

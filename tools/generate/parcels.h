@@ -54,8 +54,8 @@ bool FrontOf(const Ring& ring, const std::vector<Side>& sides, Front& front);
 
 class ParcelPlanner {
   public:
-    ParcelPlanner(const Country& country, BoundaryNet& net, Random& random, int firstNumber)
-        : country_(country), net_(net), random_(random), nextStem_(firstNumber) {}
+    ParcelPlanner(const Country& land, BoundaryNet& boundaries, Random& numbers, int firstNumber)
+        : country(land), net(boundaries), random(numbers), nextStem(firstNumber) {}
 
     void Divide(const Block& block, std::vector<Parcel>& parcels);
 
@@ -69,10 +69,10 @@ class ParcelPlanner {
     void AddStrips(const BoundaryNet::Face& face, Point along, double target, ParcelUse use, double town,
                    std::vector<Parcel>& parcels);
 
-    const Country& country_;
-    BoundaryNet& net_;
-    Random& random_;
-    int nextStem_;
+    const Country& country;
+    BoundaryNet& net;
+    Random& random;
+    int nextStem;
 };
 
 }  // namespace generate

@@ -34,14 +34,14 @@ enum class Subject : uint64_t {
 
 class Random {
   public:
-    explicit Random(uint64_t state) : state_(state) {}
+    explicit Random(uint64_t start) : state(start) {}
     Random(uint64_t seed, Subject subject, int64_t a = 0, int64_t b = 0)
-        : state_(Mix(Mix(Mix(seed ^ (static_cast<uint64_t>(subject) << 56)) + static_cast<uint64_t>(a)) +
-                     static_cast<uint64_t>(b))) {}
+        : state(Mix(Mix(Mix(seed ^ (static_cast<uint64_t>(subject) << 56)) + static_cast<uint64_t>(a)) +
+                    static_cast<uint64_t>(b))) {}
 
     uint64_t Next() {
-        state_ += 0x9E3779B97F4A7C15u;
-        uint64_t value = state_;
+        state += 0x9E3779B97F4A7C15u;
+        uint64_t value = state;
         value = (value ^ (value >> 30)) * 0xBF58476D1CE4E5B9u;
         value = (value ^ (value >> 27)) * 0x94D049BB133111EBu;
         return value ^ (value >> 31);
@@ -59,7 +59,7 @@ class Random {
     }
 
   private:
-    uint64_t state_;
+    uint64_t state;
 };
 
 }  // namespace generate

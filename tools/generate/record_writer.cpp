@@ -22,11 +22,11 @@ constexpr std::size_t longerThanAnyBuffer = 1100;
 
 }  // namespace
 
-RecordWriter::RecordWriter(RecordForm form, int decimals, uint64_t seed, int64_t sheet)
-    : form_(form),
-      decimals_(decimals),
-      random_(seed, Subject::records, sheet, form == RecordForm::odd ? 1 : 0),
-      out_(std::size_t{1} << 18) {}
+RecordWriter::RecordWriter(RecordForm recordForm, int places, uint64_t seed, int64_t sheet)
+    : form(recordForm),
+      decimals(places),
+      random(seed, Subject::records, sheet, form == RecordForm::odd ? 1 : 0),
+      out(std::size_t{1} << 18) {}
 
 void RecordWriter::Digits(uint64_t value) {
     std::array<char, 20> text;
@@ -42,86 +42,86 @@ void RecordWriter::Digits(uint64_t value) {
     } else {
         text[--at] = static_cast<char>('0' + value);
     }
-    out_ += std::string_view(&text[at], text.size() - at);
+    out += std::string_view(&text[at], text.size() - at);
 }
 
-// value is in units of the last of at most three decimals.
-void RecordWriter::Number(int64_t value, int decimals) {
-    if (value < 0) out_ += '-';
+// value is in units of the last of at most three decimal places.
+void RecordWriter::Number(int64_t value, int places) {
+    if (value < 0) out += '-';
     const auto magnitude = static_cast<uint64_t>(value < 0 ? -value : value);
-    switch (decimals) {
+    switch (places) {
         case 0:
             return Digits(magnitude);
         case 1:
             Digits(magnitude / 10);
-            out_ += '.';
+            out += '.';
             break;
         case 2:
             Digits(magnitude / 100);
-            out_ += '.';
-            out_ += std::string_view(&digitPairs[2 * (magnitude % 100)], 2);
+            out += '.';
+            out += std::string_view(&digitPairs[2 * (magnitude % 100)], 2);
             return;
         default:
             Digits(magnitude / 1000);
-            out_ += '.';
-            out_ += std::string_view(&digitPairs[2 * (magnitude / 10 % 100)], 2);
+            out += '.';
+            out += std::string_view(&digitPairs[2 * (magnitude / 10 % 100)], 2);
     }
-    out_ += static_cast<char>('0' + magnitude % 10);
+    out += static_cast<char>('0' + magnitude % 10);
 }
 
 void RecordWriter::Coordinate(int64_t value) {
-    if (form_ == RecordForm::odd) {
-        switch (random_.Below(8)) {
+    if (form == RecordForm::odd) {
+        switch (random.Below(8)) {
             case 0:  // a sign that is not needed
-                if (value >= 0) out_ += '+';
+                if (value >= 0) out += '+';
                 break;
             case 1:  // an integer with an exponent
                 Number(value, 0);
-                out_ += "e-";
-                Number(decimals_, 0);
+                out += "e-";
+                Number(decimals, 0);
                 return;
             case 2:  // zeros at the end
-                Number(value, decimals_);
-                out_ += "00";
+                Number(value, decimals);
+                out += "00";
                 return;
             case 3:  // a field that ends in something else
-                Number(value, decimals_);
-                out_ += 'm';
+                Number(value, decimals);
+                out += 'm';
                 return;
             default:
                 break;
         }
     }
-    Number(value, decimals_);
+    Number(value, decimals);
 }
 
 void RecordWriter::Separator() {
-    if (form_ == RecordForm::plain) {
-        out_ += ' ';
+    if (form == RecordForm::plain) {
+        out += ' ';
         return;
     }
     constexpr std::array<const char*, 6> blanks{" ", " ", "  ", "\t", " \t ", "     "};
-    out_ += random_.Pick(blanks);
+    out += random.Pick(blanks);
 }
 
 void RecordWriter::Field(std::string_view text) {
     Separator();
-    out_ += text;
+    out += text;
 }
 
 void RecordWriter::Coordinates(GridPoint at) {
     Separator();
-    Coordinate(-at.east - originY_);
+    Coordinate(-at.east - originY);
     Separator();
-    Coordinate(-at.north - originX_);
+    Coordinate(-at.north - originX);
 }
 
 void RecordWriter::KeyStart(char letter) {
     Separator();
-    out_ += letter;
-    if (form_ == RecordForm::odd && random_.Chance(0.3)) Separator();
-    out_ += '=';
-    if (form_ == RecordForm::odd && random_.Chance(0.3)) Separator();
+    out += letter;
+    if (form == RecordForm::odd && random.Chance(0.3)) Separator();
+    out += '=';
+    if (form == RecordForm::odd && random.Chance(0.3)) Separator();
 }
 
 void RecordWriter::Key(char letter, int64_t value) {
@@ -129,68 +129,68 @@ void RecordWriter::Key(char letter, int64_t value) {
     Number(value, 0);
 }
 
-void RecordWriter::KeyDecimal(char letter, int64_t value, int decimals) {
+void RecordWriter::KeyDecimal(char letter, int64_t value, int places) {
     KeyStart(letter);
-    Number(value, decimals);
+    Number(value, places);
 }
 
 // The text may hold quote characters of its own: one that it does not hold is taken.
 void RecordWriter::Quoted(std::string_view text) {
     constexpr std::string_view quotes = "\"'`%";
-    std::size_t choice = form_ == RecordForm::odd ? static_cast<std::size_t>(random_.Below(4)) : 0;
+    std::size_t choice = form == RecordForm::odd ? static_cast<std::size_t>(random.Below(4)) : 0;
     while (text.find(quotes[choice % 4]) != std::string_view::npos) ++choice;
     Separator();
-    if (form_ == RecordForm::odd && random_.Chance(0.1)) out_ += "text ";
-    out_ += quotes[choice % 4];
-    out_ += text;
-    out_ += quotes[choice % 4];
+    if (form == RecordForm::odd && random.Chance(0.1)) out += "text ";
+    out += quotes[choice % 4];
+    out += text;
+    out += quotes[choice % 4];
 }
 
 void RecordWriter::StartRecord(char letter) {
-    if (form_ == RecordForm::odd && random_.Chance(0.2)) Separator();
-    out_ += '&';
-    out_ += letter;
-    if (form_ == RecordForm::odd && random_.Chance(0.1)) out_ += "2009";
+    if (form == RecordForm::odd && random.Chance(0.2)) Separator();
+    out += '&';
+    out += letter;
+    if (form == RecordForm::odd && random.Chance(0.1)) out += "2009";
 }
 
 // A continuation line: its first field is never read as a key.
 void RecordWriter::Continue() {
     EndLine();
     Separator();
-    out_ += '+';
+    out += '+';
 }
 
 void RecordWriter::EndLine(Ending ending) {
-    if (form_ == RecordForm::plain) {
-        out_ += '\n';
+    if (form == RecordForm::plain) {
+        out += '\n';
         return;
     }
-    if (random_.Chance(0.1)) Separator();
-    if (ending == Ending::any && random_.Chance(0.002))
-        out_.Append(longerThanAnyBuffer, random_.Chance(0.5) ? ' ' : '\t');
-    if (random_.Chance(0.5)) out_ += '\r';
-    out_ += '\n';
+    if (random.Chance(0.1)) Separator();
+    if (ending == Ending::any && random.Chance(0.002))
+        out.Append(longerThanAnyBuffer, random.Chance(0.5) ? ' ' : '\t');
+    if (random.Chance(0.5)) out += '\r';
+    out += '\n';
 }
 
 // A line that changes nothing for the element that is being read. Right after the record's own line only
 // unknown records do so: that line's element may have been handed on, and any other line would begin an empty
 // one.
-void RecordWriter::Oddity(bool afterRecordLine) {
+void RecordWriter::Oddity(bool directly) {
     constexpr std::array<const char*, 5> unknownRecords{"&Q 1 2 K=77", "&l 1 2 3", "&", "&x S=9",
                                                         "& L 5 5 K=1"};
     constexpr std::array<const char*, 4> otherLines{"", "? 12 Z=5 KX=3 foo", "  \t  ", "; H 5 KM=1"};
-    out_ += afterRecordLine || random_.Chance(0.5) ? random_.Pick(unknownRecords) : random_.Pick(otherLines);
-    EndLine(afterRecordLine ? Ending::shortLine : Ending::any);
+    out += directly || random.Chance(0.5) ? random.Pick(unknownRecords) : random.Pick(otherLines);
+    EndLine(directly ? Ending::shortLine : Ending::any);
 }
 
 void RecordWriter::Comment(std::string_view text) {
     StartRecord('*');
     Field(text);
-    if (form_ == RecordForm::odd && !inHeader_ && random_.Chance(0.3)) {
-        out_ += ' ';
-        out_.Append(longerThanAnyBuffer, '-');
+    if (form == RecordForm::odd && !inHeader && random.Chance(0.3)) {
+        out += ' ';
+        out.Append(longerThanAnyBuffer, '-');
     }
-    EndLine(inHeader_ ? Ending::shortLine : Ending::any);
+    EndLine(inHeader ? Ending::shortLine : Ending::any);
 }
 
 void RecordWriter::Record(char letter, std::string_view fields) {
@@ -207,27 +207,27 @@ void RecordWriter::SetLayer(int layer) {
 }
 
 void RecordWriter::Element(const DrawnElement& element) {
-    const bool odd = form_ == RecordForm::odd;
+    const bool odd = form == RecordForm::odd;
     if (element.startsLine) {
         StartRecord('L');
-    } else if (odd && random_.Chance(0.06)) {
-        Oddity(afterRecordLine_);
+    } else if (odd && random.Chance(0.06)) {
+        Oddity(afterRecordLine);
     }
     Separator();
-    out_ += element.type;
-    if (odd && element.startsLine && random_.Chance(0.1)) out_ += "oint";
+    out += element.type;
+    if (odd && element.startsLine && random.Chance(0.1)) out += "oint";
     Coordinates(element.at);
     const ElementKeys& keys = element.keys;
     if (keys.code != 0) Key('K', keys.code);
     if (keys.symbol != 0) Key('S', keys.symbol);
     const bool hasMore =
         keys.scaleHundredths != 100 || keys.gonsHundredths != 0 || keys.radiusHundredths != 0;
-    if (hasMore && !element.startsLine && random_.Chance(odd ? 0.5 : 0.15)) Continue();
+    if (hasMore && !element.startsLine && random.Chance(odd ? 0.5 : 0.15)) Continue();
     if (keys.scaleHundredths != 100) KeyDecimal('M', keys.scaleHundredths, 2);
     if (keys.gonsHundredths != 0) KeyDecimal('U', keys.gonsHundredths, 2);
     if (keys.radiusHundredths != 0) KeyDecimal('R', keys.radiusHundredths, 2);
     EndLine(element.startsLine ? Ending::shortLine : Ending::any);
-    afterRecordLine_ = element.startsLine;
+    afterRecordLine = element.startsLine;
 }
 
 void RecordWriter::Text(const DrawnText& text) {
@@ -239,7 +239,7 @@ void RecordWriter::Text(const DrawnText& text) {
     if (text.font != 0) Key('F', text.font);
     if (text.heightTenths != 0) KeyDecimal('H', text.heightTenths, 1);
     if (text.gonsHundredths != 0) {
-        if (random_.Chance(form_ == RecordForm::odd ? 0.5 : 0.1)) Continue();
+        if (random.Chance(form == RecordForm::odd ? 0.5 : 0.1)) Continue();
         KeyDecimal('U', text.gonsHundredths, 2);
     }
     EndLine();

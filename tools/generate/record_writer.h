@@ -23,13 +23,13 @@ enum class RecordForm {
 
 class RecordWriter {
   public:
-    // decimals: of coordinates; a unit of them is the grid's.
-    RecordWriter(RecordForm form, int decimals, uint64_t seed, int64_t sheet);
+    // places: decimals of coordinates; a unit of the last is the grid's.
+    RecordWriter(RecordForm recordForm, int places, uint64_t seed, int64_t sheet);
 
     // Coordinates are written less this origin: y and x of the S-JTSK, in units.
     void SetOrigin(int64_t y, int64_t x) {
-        originY_ = y;
-        originX_ = x;
+        originY = y;
+        originX = x;
     }
 
     void Comment(std::string_view text);
@@ -40,10 +40,10 @@ class RecordWriter {
     void Text(const DrawnText& text);
 
     // The end of the file's header, whose lines stay short.
-    void EndHeader() { inHeader_ = false; }
+    void EndHeader() { inHeader = false; }
 
     // What was written; the writer goes on with an empty text.
-    std::string Take() { return out_.Take(); }
+    std::string Take() { return out.Take(); }
 
   private:
     void Field(std::string_view text);
@@ -51,7 +51,7 @@ class RecordWriter {
     void Coordinates(GridPoint at);
     void Coordinate(int64_t value);
     void Key(char letter, int64_t value);
-    void KeyDecimal(char letter, int64_t value, int decimals);
+    void KeyDecimal(char letter, int64_t value, int places);
     void KeyStart(char letter);
     void Quoted(std::string_view text);
     void StartRecord(char letter);
@@ -60,18 +60,18 @@ class RecordWriter {
     // buffer.
     enum class Ending { any, shortLine };
     void EndLine(Ending ending = Ending::any);
-    void Oddity(bool afterRecordLine);
-    void Number(int64_t value, int decimals);
+    void Oddity(bool directly);
+    void Number(int64_t value, int places);
     void Digits(uint64_t value);
 
-    const RecordForm form_;
-    const int decimals_;
-    Random random_;
-    int64_t originY_ = 0;
-    int64_t originX_ = 0;
-    bool inHeader_ = true;
-    bool afterRecordLine_ = false;
-    TextBuffer out_;
+    const RecordForm form;
+    const int decimals;
+    Random random;
+    int64_t originY = 0;
+    int64_t originX = 0;
+    bool inHeader = true;
+    bool afterRecordLine = false;
+    TextBuffer out;
 };
 
 }  // namespace generate

@@ -24,18 +24,18 @@ int PlaceInMunicipality(Cell cell) {
 
 class SheetPainter {
   public:
-    SheetPainter(const Country& country, const Names& names, Cell cell, int scale, Grid grid)
-        : country_(country),
-          names_(names),
-          cell_(cell),
-          paper_(scale / 1000.0),
-          drawing_(grid),
-          net_(grid),
-          streetRandom_(country.Seed(), Subject::streets, cell.column, cell.row),
-          random_(country.Seed(), Subject::parcels, cell.column, cell.row) {}
+    SheetPainter(const Country& land, const Names& allNames, Cell place, int scale, Grid grid)
+        : country(land),
+          names(allNames),
+          cell(place),
+          paper(scale / 1000.0),
+          drawing(grid),
+          net(grid),
+          streetRandom(country.Seed(), Subject::streets, cell.column, cell.row),
+          random(country.Seed(), Subject::parcels, cell.column, cell.row) {}
 
     Drawing Paint() {
-        const StreetPlan plan = PlanStreets(country_, cell_, streetRandom_);
+        const StreetPlan plan = PlanStreets(country, cell, streetRandom);
         PaintParcels(plan);
         PaintBoundaries();
         PaintBoundaryPoints();
@@ -47,89 +47,88 @@ class SheetPainter {
         PaintDistrictBoundaries(plan);
         PaintPowerLine();
         PaintDistrictNames(plan);
-        return std::move(drawing_);
+        return std::move(drawing);
     }
 
   private:
     void PaintParcels(const StreetPlan& plan) {
-        const int place = PlaceInMunicipality(cell_);
+        const int place = PlaceInMunicipality(cell);
         std::vector<Parcel> parcels;
-        ParcelPlanner planner(country_, net_, random_, 1 + place * firstNumberStep);
+        ParcelPlanner planner(country, net, random, 1 + place * firstNumberStep);
         for (const Block& block : plan.blocks) planner.Divide(block, parcels);
-        Furnisher furnisher(names_, drawing_, random_, paper_, 1 + place * firstHouseStep);
-        for (Parcel& parcel : parcels) furnisher.Furnish(net_, parcel);
+        Furnisher furnisher(names, drawing, random, paper, 1 + place * firstHouseStep);
+        for (Parcel& parcel : parcels) furnisher.Furnish(net, parcel);
     }
 
     void PaintBoundaries() {
         std::vector<GridPoint> points;
-        for (std::size_t i = 0; i < net_.LineCount(); ++i) {
-            net_.Line(i, points);
-            const bool uncertain = !net_.IsOutline(i) && random_.Chance(0.02);
+        for (std::size_t i = 0; i < net.LineCount(); ++i) {
+            net.Line(i, points);
+            const bool uncertain = !net.IsOutline(i) && random.Chance(0.02);
             const int32_t code = uncertain ? codeParcelUncertain : codeParcel;
             const auto same = [](GridPoint a, GridPoint b) { return a.east == b.east && a.north == b.north; };
             points.erase(std::unique(points.begin(), points.end(), same), points.end());
             if (points.size() < 2) continue;  // too short for the decimals
-            drawing_.StartLine(layerBoundaries, points[0], code);
-            for (std::size_t k = 1; k < points.size(); ++k)
-                drawing_.Element(layerBoundaries, points[k], code);
+            drawing.StartLine(layerBoundaries, points[0], code);
+            for (std::size_t k = 1; k < points.size(); ++k) drawing.Element(layerBoundaries, points[k], code);
         }
     }
 
     // A third of the corners carry a survey mark.
     void PaintBoundaryPoints() {
-        for (std::size_t node = 0; node < net_.Nodes().size(); ++node) {
-            const double number = random_.Unit();
-            if (net_.Degree(node) < 3 || number > 0.35) continue;
+        for (std::size_t node = 0; node < net.Nodes().size(); ++node) {
+            const double number = random.Unit();
+            if (net.Degree(node) < 3 || number > 0.35) continue;
             const int32_t symbol = number < 0.06   ? symbolBoundaryStone
                                    : number < 0.14 ? symbolBoundaryMark
                                                    : symbolBoundaryPoint;
-            drawing_.AddSymbol(layerPoints, drawing_.GridOf().ToMetres(net_.Nodes()[node]), symbol);
+            drawing.AddSymbol(layerPoints, drawing.GridOf().ToMetres(net.Nodes()[node]), symbol);
         }
     }
 
     void PaintKerb(const Block& block) {
         bool first = true;
         for (const KerbPoint& point : KerbOf(block, 1.7)) {
-            const GridPoint at = drawing_.GridOf().Snap(point.at);
+            const GridPoint at = drawing.GridOf().Snap(point.at);
             if (first) {
-                drawing_.StartLine(layerNames, at, codeRoadEdge);
+                drawing.StartLine(layerNames, at, codeRoadEdge);
             } else if (point.startsStroke) {
-                drawing_.Stroke(layerNames, at, codeRoadEdge);
+                drawing.Stroke(layerNames, at, codeRoadEdge);
             } else {
-                drawing_.Element(layerNames, at, codeRoadEdge, point.radius > 0 ? 'R' : 'L', point.radius);
+                drawing.Element(layerNames, at, codeRoadEdge, point.radius > 0 ? 'R' : 'L', point.radius);
             }
             first = false;
         }
     }
 
     void PaintStreets(const StreetPlan& plan) {
-        int controlPoint = 501 + 20 * PlaceInMunicipality(cell_);
+        int controlPoint = 501 + 20 * PlaceInMunicipality(cell);
         for (const Street& street : plan.streets) {
             PaintStreetName(street);
             const bool mainStreet =
-                street.main && country_.TownDistance(street.path[street.path.size() / 2]) < 1.6;
+                street.main && country.TownDistance(street.path[street.path.size() / 2]) < 1.6;
             if (mainStreet) PaintTrees(street);
-            if (!street.main && random_.Chance(0.9)) continue;
+            if (!street.main && random.Chance(0.9)) continue;
             const Point at = street.path[street.path.size() / 3] + Point{0.8, -0.6};
             const int32_t symbol = street.main ? symbolTraversePoint : symbolControlPoint;
-            drawing_.AddSymbol(layerPoints, at, symbol);
-            drawing_.AddText(layerHouseNumbers, at + Point{3.2, 1.2} * paper_, std::to_string(controlPoint++),
-                             0, 0);
+            drawing.AddSymbol(layerPoints, at, symbol);
+            drawing.AddText(layerHouseNumbers, at + Point{3.2, 1.2} * paper, std::to_string(controlPoint++),
+                            0, 0);
         }
     }
 
     void PaintStreetName(const Street& street) {
         const double length = PathLength(street.path);
         const std::size_t middle = street.path.size() / 2;
-        const bool outside = country_.TownDistance(street.path[middle]) > 1.5;
+        const bool outside = country.TownDistance(street.path[middle]) > 1.5;
         const std::string& name =
-            street.main ? NameFor(names_.mainRoads, street.nameKey) : NameFor(names_.streets, street.nameKey);
+            street.main ? NameFor(names.mainRoads, street.nameKey) : NameFor(names.streets, street.nameKey);
         const double height = street.main ? 3.4 : 2.3;
-        const double textLength = static_cast<double>(name.size()) * 0.62 * height * paper_;
+        const double textLength = static_cast<double>(name.size()) * 0.62 * height * paper;
         if (textLength > length * 0.8 || (outside && !street.main)) return;
         const Point direction = street.path[middle] - street.path[middle - 1];
-        drawing_.AddText(layerNames, Middle(street.path[middle], street.path[middle - 1]), name,
-                         street.main ? textRoad : textStreet, ReadableGons(direction));
+        drawing.AddText(layerNames, Middle(street.path[middle], street.path[middle - 1]), name,
+                        street.main ? textRoad : textStreet, ReadableGons(direction));
     }
 
     // Trees beside the kerb of a main street.
@@ -138,38 +137,38 @@ class SheetPainter {
             const Point direction = Unit(street.path[i + 1] - street.path[i - 1]);
             const Point at = street.path[i] + Left(direction) * (street.halfWidth - 1.0);
             if (i % 2 == 0) {
-                drawing_.AddSymbol(layerBuildingMarks, at, symbolBroadleafTree, 0, random_.Between(0.8, 1.1));
+                drawing.AddSymbol(layerBuildingMarks, at, symbolBroadleafTree, 0, random.Between(0.8, 1.1));
             } else if (i % 4 == 1) {
-                drawing_.AddSymbol(layerBuildingMarks, at, symbolLamp);
+                drawing.AddSymbol(layerBuildingMarks, at, symbolLamp);
             }
         }
     }
 
     void PaintStream(const StreetPlan& plan) {
         const Path& path = plan.stream;
-        const double west = country_.HalfWidthSouth(cell_);
-        const double east = country_.HalfWidthSouth({cell_.column + 1, cell_.row});
+        const double west = country.HalfWidthSouth(cell);
+        const double east = country.HalfWidthSouth({cell.column + 1, cell.row});
         for (const double side : {-1.0, 1.0}) {
             Path bank;
             for (std::size_t i = 0; i < path.size(); ++i) {
                 const Point direction =
                     Unit(path[std::min(i + 1, path.size() - 1)] - path[i > 0 ? i - 1 : 0]);
                 if (Length(path[i] - path.front()) < west || Length(path[i] - path.back()) < east) continue;
-                const double width = plan.streamHalfWidth - 1.2 - random_.Between(0, 0.5);
+                const double width = plan.streamHalfWidth - 1.2 - random.Between(0, 0.5);
                 bank.push_back(path[i] + Left(direction) * (width * side));
             }
-            drawing_.AddPath(layerWater, bank, codeWaterEdge, 'K');
+            drawing.AddPath(layerWater, bank, codeWaterEdge, 'K');
         }
         CloseStream(plan, path.front());
         CloseStream(plan, path.back());
         const std::size_t third = path.size() / 3;
         for (const std::size_t i : {third / 2, third + third / 2, 2 * third + third / 2}) {
-            drawing_.AddSymbol(layerLandUse, path[i], symbolFlow, FlowGons(path[i + 1] - path[i]));
+            drawing.AddSymbol(layerLandUse, path[i], symbolFlow, FlowGons(path[i + 1] - path[i]));
         }
         const Point direction = path[third + 3] - path[third - 3];
-        const Point beside = path[third] + Left(Unit(direction)) * (5.5 + 2.5 * paper_);
-        drawing_.AddText(layerNames, beside, NameFor(names_.streams, country_.MunicipalityKey(cell_)),
-                         textWater, ReadableGons(direction));
+        const Point beside = path[third] + Left(Unit(direction)) * (5.5 + 2.5 * paper);
+        drawing.AddText(layerNames, beside, NameFor(names.streams, country.MunicipalityKey(cell)), textWater,
+                        ReadableGons(direction));
     }
 
     // The stream parts a sheet between two districts.
@@ -179,7 +178,7 @@ class SheetPainter {
             const Point to = plan.stream[i];
             if (place.east >= from.east && place.east < to.east) return Cross(to - from, place - from) < 0;
         }
-        return country_.IsSouthOfStream(cell_);
+        return country.IsSouthOfStream(cell);
     }
 
     // Lines across the stream at its ends close its parcel against the main roads.
@@ -201,7 +200,7 @@ class SheetPainter {
             }
         }
         if (nearest[0] < 30 && nearest[1] < 30)
-            drawing_.AddPath(layerBoundaries, {corners[0], corners[1]}, codeParcel);
+            drawing.AddPath(layerBoundaries, {corners[0], corners[1]}, codeParcel);
     }
 
     static double FlowGons(Point direction) {
@@ -209,26 +208,26 @@ class SheetPainter {
     }
 
     void PaintDistrictBoundaries(const StreetPlan& plan) {
-        if (!plan.stream.empty()) drawing_.AddPath(layerNetworks, plan.stream, codeDistrict);
-        if (Country::IsMunicipalityLine(cell_.row)) {
-            drawing_.AddPath(layerNetworks, country_.RoadEast(cell_), codeMunicipality);
-            drawing_.AddSymbol(layerPoints, country_.RoadEast(cell_)[0], symbolDistrictStone);
+        if (!plan.stream.empty()) drawing.AddPath(layerNetworks, plan.stream, codeDistrict);
+        if (Country::IsMunicipalityLine(cell.row)) {
+            drawing.AddPath(layerNetworks, country.RoadEast(cell), codeMunicipality);
+            drawing.AddSymbol(layerPoints, country.RoadEast(cell)[0], symbolDistrictStone);
         }
-        if (Country::IsMunicipalityLine(cell_.column)) {
-            drawing_.AddPath(layerNetworks, country_.RoadSouth(cell_), codeMunicipality);
-            drawing_.AddSymbol(layerPoints, country_.RoadSouth(cell_)[4], symbolDistrictStone);
+        if (Country::IsMunicipalityLine(cell.column)) {
+            drawing.AddPath(layerNetworks, country.RoadSouth(cell), codeMunicipality);
+            drawing.AddSymbol(layerPoints, country.RoadSouth(cell)[4], symbolDistrictStone);
         }
     }
 
     // Poles stand at the points of the power line, turned with it.
     void PaintPowerLine() {
-        const auto line = country_.PowerLineThrough(cell_);
+        const auto line = country.PowerLineThrough(cell);
         if (!line) return;
         const double gons = FlowGons(line->back() - line->front());
-        drawing_.StartLine(layerNetworks, drawing_.GridOf().Snap(line->front()), codePowerLine);
+        drawing.StartLine(layerNetworks, drawing.GridOf().Snap(line->front()), codePowerLine);
         for (std::size_t i = 1; i < line->size(); ++i) {
-            drawing_.Element(layerNetworks, drawing_.GridOf().Snap((*line)[i]), codePowerLine);
-            drawing_.MarkLast(layerNetworks, i % 4 == 0 ? symbolMast : symbolPole, gons);
+            drawing.Element(layerNetworks, drawing.GridOf().Snap((*line)[i]), codePowerLine);
+            drawing.MarkLast(layerNetworks, i % 4 == 0 ? symbolMast : symbolPole, gons);
         }
     }
 
@@ -244,30 +243,30 @@ class SheetPainter {
             const Frame frame = FrameOf(outside[i]->outline);
             const Point at = frame.center + frame.across * (frame.width * 0.22);
             const double gons = ReadableGons(frame.along);
-            if (i == 0 && PlaceInMunicipality(cell_) % 2 == 0) {
-                drawing_.AddText(layerNames, at, DistrictName(country_, names_, cell_, IsSouthern(plan, at)),
-                                 textDistrict, 0);
+            if (i == 0 && PlaceInMunicipality(cell) % 2 == 0) {
+                drawing.AddText(layerNames, at, DistrictName(country, names, cell, IsSouthern(plan, at)),
+                                textDistrict, 0);
             } else {
-                drawing_.AddText(layerNames, at, NameFor(names_.fields, streetRandom_.Next()),
-                                 i == 0 ? textLocalName : textSmallName, gons);
+                drawing.AddText(layerNames, at, NameFor(names.fields, streetRandom.Next()),
+                                i == 0 ? textLocalName : textSmallName, gons);
             }
         }
-        if (PlaceInMunicipality(cell_) == Country::municipalityCells + 2) {
-            const Point center{(cell_.column + 0.5) * country_.SheetWidth(),
-                               -(cell_.row + 0.35) * country_.SheetHeight()};
-            drawing_.AddText(layerNames, center, NameFor(names_.towns, country_.MunicipalityKey(cell_)),
-                             textMunicipality, 0);
+        if (PlaceInMunicipality(cell) == Country::municipalityCells + 2) {
+            const Point center{(cell.column + 0.5) * country.SheetWidth(),
+                               -(cell.row + 0.35) * country.SheetHeight()};
+            drawing.AddText(layerNames, center, NameFor(names.towns, country.MunicipalityKey(cell)),
+                            textMunicipality, 0);
         }
     }
 
-    const Country& country_;
-    const Names& names_;
-    const Cell cell_;
-    const double paper_;
-    Drawing drawing_;
-    BoundaryNet net_;
-    Random streetRandom_;
-    Random random_;
+    const Country& country;
+    const Names& names;
+    const Cell cell;
+    const double paper;
+    Drawing drawing;
+    BoundaryNet net;
+    Random streetRandom;
+    Random random;
 };
 
 }  // namespace

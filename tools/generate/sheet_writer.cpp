@@ -18,33 +18,33 @@ constexpr int linesInPlainSheet = 4000;
 
 }  // namespace
 
-MapWriter::MapWriter(const Options& options)
-    : options_(options),
-      country_(options.seed, options.scale),
-      decimals_(options.scale == 500 ? 3 : 2),
-      grid_(decimals_ == 3 ? 1000 : 100) {}
+MapWriter::MapWriter(const Options& wanted)
+    : options(wanted),
+      country(options.seed, options.scale),
+      decimals(options.scale == 500 ? 3 : 2),
+      grid(decimals == 3 ? 1000 : 100) {}
 
 int64_t MapWriter::SheetLimit() const {
-    if (options_.plainLines) return std::numeric_limits<int32_t>::max();
-    const int64_t size = country_.LatticeSize();
+    if (options.plainLines) return std::numeric_limits<int32_t>::max();
+    const int64_t size = country.LatticeSize();
     return size * size;
 }
 
 // Coordinates are always less the country's corner; in a relative file the sheet's own offsets are taken off
 // too.
 RecordWriter MapWriter::WriterOf(int64_t sheet) const {
-    RecordWriter writer(options_.form, decimals_, options_.seed, sheet);
-    const int units = grid_.UnitsPerMetre();
-    const Origin origin = options_.relative ? OriginOf(sheet) : Origin{0, 0};
+    RecordWriter writer(options.form, decimals, options.seed, sheet);
+    const int units = grid.UnitsPerMetre();
+    const Origin origin = options.relative ? OriginOf(sheet) : Origin{0, 0};
     writer.SetOrigin((origin.y - cornerY) * units, (origin.x - cornerX) * units);
     return writer;
 }
 
 // A round place near the sheet's south-east corner; the first sheet's for header and closing record.
 MapWriter::Origin MapWriter::OriginOf(int64_t sheet) const {
-    const Cell cell = options_.plainLines || sheet < 0 ? Cell{} : CellOfSheet(sheet);
-    const auto east = static_cast<int64_t>((cell.column + 1) * country_.SheetWidth());
-    const auto south = static_cast<int64_t>(cell.row * country_.SheetHeight());
+    const Cell cell = options.plainLines || sheet < 0 ? Cell{} : CellOfSheet(sheet);
+    const auto east = static_cast<int64_t>((cell.column + 1) * country.SheetWidth());
+    const auto south = static_cast<int64_t>(cell.row * country.SheetHeight());
     return {(cornerY - east) / 100 * 100, (cornerX + south) / 100 * 100};
 }
 
@@ -54,27 +54,27 @@ std::string MapWriter::OffsetFields(Origin origin) const {
 
 std::string MapWriter::Header() const {
     RecordWriter writer = WriterOf(headerNumber);
-    writer.Comment("Made-up map of vkm-generate, seed " + std::to_string(options_.seed));
+    writer.Comment("Made-up map of vkm-generate, seed " + std::to_string(options.seed));
     writer.Comment("No place, street or number in it is real.");
     writer.Record('V', OffsetFields(OriginOf(headerNumber)));
-    writer.Record('R', "1 1 0 0 " + std::to_string(options_.scale) + (options_.relative ? " R" : " A"));
+    writer.Record('R', "1 1 0 0 " + std::to_string(options.scale) + (options.relative ? " R" : " A"));
     writer.Record('D', "1.1.2026 S=1");
-    if (options_.plainLines) writer.Record('U', "4");  // they bound nothing
+    if (options.plainLines) writer.Record('U', "4");  // they bound nothing
     return writer.Take();
 }
 
 std::string MapWriter::Sheet(int64_t sheet) const {
-    return options_.plainLines ? PlainLines(sheet) : MapSheet(sheet);
+    return options.plainLines ? PlainLines(sheet) : MapSheet(sheet);
 }
 
 std::string MapWriter::MapSheet(int64_t sheet) const {
     const Cell cell = CellOfSheet(sheet);
-    const Drawing drawing = DrawSheet(country_, names_, cell, options_.scale, grid_);
+    const Drawing drawing = DrawSheet(country, names, cell, options.scale, grid);
     RecordWriter writer = WriterOf(sheet);
     writer.EndHeader();
     writer.Comment("Sheet " + std::to_string(cell.column + 1) + "-" + std::to_string(cell.row + 1) + " " +
-                   DistrictName(country_, names_, cell, country_.IsSouthOfStream(cell)));
-    if (options_.relative) writer.Record('V', OffsetFields(OriginOf(sheet)));
+                   DistrictName(country, names, cell, country.IsSouthOfStream(cell)));
+    if (options.relative) writer.Record('V', OffsetFields(OriginOf(sheet)));
     writer.Record('G', std::to_string(sheet + 1) + " 1");
     for (int layer = 1; layer <= layerCount; ++layer) {
         const DrawnLayer& content = drawing.At(layer);
@@ -89,8 +89,8 @@ std::string MapWriter::MapSheet(int64_t sheet) const {
 
 std::string MapWriter::PlainLines(int64_t sheet) const {
     RecordWriter writer = WriterOf(sheet);
-    Random random(options_.seed, Subject::plainLines, sheet);
-    const int units = grid_.UnitsPerMetre();
+    Random random(options.seed, Subject::plainLines, sheet);
+    const int units = grid.UnitsPerMetre();
     GridPoint at{random.Below(2000 * units), -random.Below(2000 * units)};
     DrawnElement element;
     element.keys.code = codeParcel;

@@ -13,7 +13,7 @@ namespace generate {
 
 class MapWriter {
   public:
-    explicit MapWriter(const Options& options);
+    explicit MapWriter(const Options& wanted);
 
     // Number of sheets that the country has.
     int64_t SheetLimit() const;
@@ -34,11 +34,11 @@ class MapWriter {
     std::string MapSheet(int64_t sheet) const;
     std::string PlainLines(int64_t sheet) const;
 
-    const Options options_;
-    const Country country_;
-    const Names names_;
-    const int decimals_;
-    const Grid grid_;
+    const Options options;
+    const Country country;
+    const Names names;
+    const int decimals;
+    const Grid grid;
 };
 
 }  // namespace generate

@@ -59,41 +59,40 @@ Tract PartOf(const Tract& whole, std::size_t from, std::size_t to, const Path& p
 
 class Planner {
   public:
-    Planner(const Country& country, Cell cell, Random& random)
-        : country_(country), cell_(cell), random_(random) {}
+    Planner(const Country& land, Cell place, Random& numbers) : country(land), cell(place), random(numbers) {}
 
     StreetPlan Plan() {
-        const Path north = country_.RoadEast(cell_);
-        const Path south = country_.RoadEast({cell_.column, cell_.row + 1});
-        const Path west = country_.RoadSouth(cell_);
-        const Path east = country_.RoadSouth({cell_.column + 1, cell_.row});
-        AddMainRoad(north, country_.HalfWidthEast(cell_), cell_.row * int64_t{2});
-        AddMainRoad(west, country_.HalfWidthSouth(cell_), cell_.column * int64_t{2} + 1);
+        const Path north = country.RoadEast(cell);
+        const Path south = country.RoadEast({cell.column, cell.row + 1});
+        const Path west = country.RoadSouth(cell);
+        const Path east = country.RoadSouth({cell.column + 1, cell.row});
+        AddMainRoad(north, country.HalfWidthEast(cell), cell.row * int64_t{2});
+        AddMainRoad(west, country.HalfWidthSouth(cell), cell.column * int64_t{2} + 1);
 
         Tract whole;
-        AppendRoad(whole, south, true, Side::road, country_.HalfWidthEast({cell_.column, cell_.row + 1}));
-        AppendRoad(whole, east, false, Side::road, country_.HalfWidthSouth({cell_.column + 1, cell_.row}));
-        AppendRoad(whole, north, false, Side::road, country_.HalfWidthEast(cell_));
-        AppendRoad(whole, west, true, Side::road, country_.HalfWidthSouth(cell_));
-        if (const auto stream = country_.StreamThrough(cell_)) {
+        AppendRoad(whole, south, true, Side::road, country.HalfWidthEast({cell.column, cell.row + 1}));
+        AppendRoad(whole, east, false, Side::road, country.HalfWidthSouth({cell.column + 1, cell.row}));
+        AppendRoad(whole, north, false, Side::road, country.HalfWidthEast(cell));
+        AppendRoad(whole, west, true, Side::road, country.HalfWidthSouth(cell));
+        if (const auto stream = country.StreamThrough(cell)) {
             DivideByStream(whole, *stream, east.size() - 1);
         } else {
             Divide(whole, 0);
         }
-        return std::move(plan_);
+        return std::move(plan);
     }
 
   private:
     void AddMainRoad(const Path& path, double halfWidth, int64_t line) {
-        const uint64_t key = Random(country_.Seed(), Subject::roadName, line).Next();
-        plan_.streets.push_back({path, halfWidth, true, key});
+        const uint64_t key = Random(country.Seed(), Subject::roadName, line).Next();
+        plan.streets.push_back({path, halfWidth, true, key});
     }
 
     // The ring runs south, east (northwards), north (westwards), west (southwards), each road with its own
     // number of edges; the stream's ends are points of the western and eastern road.
     void DivideByStream(const Tract& whole, const Country::Stream& stream, std::size_t edgesOfRoad) {
-        plan_.stream = stream.path;
-        plan_.streamHalfWidth = streamHalfWidth;
+        plan.stream = stream.path;
+        plan.streamHalfWidth = streamHalfWidth;
         const std::size_t eastPoint = edgesOfRoad + (edgesOfRoad - stream.to);
         const std::size_t westPoint = 3 * edgesOfRoad + stream.from;
         Tract northern;
@@ -113,17 +112,17 @@ class Planner {
 
     void Divide(const Tract& tract, int depth) {
         const Frame frame = FrameOf(tract.ring);
-        const double town = country_.TownDistance(Centroid(tract.ring));
+        const double town = country.TownDistance(Centroid(tract.ring));
         const BlockSize limit = LargestBlock(town);
-        const double tooLong = frame.length / (limit.length * random_.Between(0.9, 1.15));
-        const double tooWide = frame.width / (limit.width * random_.Between(0.9, 1.15));
+        const double tooLong = frame.length / (limit.length * random.Between(0.9, 1.15));
+        const double tooWide = frame.width / (limit.width * random.Between(0.9, 1.15));
         if (std::max(tooLong, tooWide) <= 1 || depth > 12) return Finish(tract, town);
 
         const bool across = tooLong >= tooWide;
         const Point axis = across ? frame.along : frame.across;
         const double extent = across ? frame.length : frame.width;
-        const Point through = Centroid(tract.ring) + axis * (extent * random_.Between(-0.11, 0.11));
-        const Point direction = Rotated(Left(axis), random_.Between(-0.07, 0.07));
+        const Point through = Centroid(tract.ring) + axis * (extent * random.Between(-0.11, 0.11));
+        const Point direction = Rotated(Left(axis), random.Between(-0.07, 0.07));
         Chord chord;
         if (!Contains(tract.ring, through) || !FindChord(tract.ring, through, direction, chord)) {
             return Finish(tract, town);
@@ -137,14 +136,14 @@ class Planner {
         const double length = Length(chord.ahead.at - chord.behind.at);
         std::vector<double> offsets;
         if (length > 50) {
-            const double bow = random_.Between(-0.035, 0.035) * length;
-            const double swing = random_.Between(-0.012, 0.012) * length;
+            const double bow = random.Between(-0.035, 0.035) * length;
+            const double swing = random.Between(-0.012, 0.012) * length;
             offsets = {0.6 * bow + swing, 0.92 * bow + swing * 0.6, bow, 0.92 * bow - swing * 0.6,
                        0.6 * bow - swing};
         }
         const Path path = Bent(chord.behind.at, chord.ahead.at, offsets);
         const Path back(path.rbegin(), path.rend());
-        if (side == Side::road) plan_.streets.push_back({path, halfWidth, false, random_.Next()});
+        if (side == Side::road) plan.streets.push_back({path, halfWidth, false, random.Next()});
         Divide(PartOf(tract, chord.ahead.edge, chord.behind.edge, path, side, halfWidth), depth + 1);
         Divide(PartOf(tract, chord.behind.edge, chord.ahead.edge, back, side, halfWidth), depth + 1);
     }
@@ -176,13 +175,13 @@ class Planner {
                 block.sides.push_back(out);
             }
         }
-        plan_.blocks.push_back(std::move(block));
+        plan.blocks.push_back(std::move(block));
     }
 
-    const Country& country_;
-    const Cell cell_;
-    Random& random_;
-    StreetPlan plan_;
+    const Country& country;
+    const Cell cell;
+    Random& random;
+    StreetPlan plan;
 };
 
 }  // namespace

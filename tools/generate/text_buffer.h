@@ -14,43 +14,43 @@ namespace generate {
 
 class TextBuffer {
   public:
-    explicit TextBuffer(std::size_t expected) { text_.reserve(expected); }
+    explicit TextBuffer(std::size_t expected) { text.reserve(expected); }
 
     TextBuffer& operator+=(char character) {
-        if (used_ == block_.size()) Flush();
-        block_[used_++] = character;
+        if (used == block.size()) Flush();
+        block[used++] = character;
         return *this;
     }
     TextBuffer& operator+=(std::string_view piece) {
-        if (block_.size() - used_ < piece.size()) Flush();
-        if (piece.size() > block_.size()) {
-            text_ += piece;
+        if (block.size() - used < piece.size()) Flush();
+        if (piece.size() > block.size()) {
+            text += piece;
         } else {
-            std::memcpy(block_.data() + used_, piece.data(), piece.size());
-            used_ += piece.size();
+            std::memcpy(block.data() + used, piece.data(), piece.size());
+            used += piece.size();
         }
         return *this;
     }
     void Append(std::size_t count, char character) {
         Flush();
-        text_.append(count, character);
+        text.append(count, character);
     }
 
     // The whole text; the buffer is empty afterwards.
     std::string Take() {
         Flush();
-        return std::move(text_);
+        return std::move(text);
     }
 
   private:
     void Flush() {
-        text_.append(block_.data(), used_);
-        used_ = 0;
+        text.append(block.data(), used);
+        used = 0;
     }
 
-    std::array<char, 4096> block_;
-    std::size_t used_ = 0;
-    std::string text_;
+    std::array<char, 4096> block;
+    std::size_t used = 0;
+    std::string text;
 };
 
 }  // namespace generate

@@ -48,13 +48,13 @@ bool IsNameCharacter(char character) {
 
 class Reader {
   public:
-    explicit Reader(std::string_view bytes) : bytes_(bytes) {}
+    explicit Reader(std::string_view content) : bytes(content) {}
 
-    bool AtEnd() const { return position_ == bytes_.size(); }
+    bool AtEnd() const { return position == bytes.size(); }
 
     void Magic() {
-        if (bytes_.substr(0, magic.size()) != magic) Fail("it does not begin as a shape file does");
-        position_ = magic.size();
+        if (bytes.substr(0, magic.size()) != magic) Fail("it does not begin as a shape file does");
+        position = magic.size();
     }
 
     ShapeRecord Record() {
@@ -65,15 +65,15 @@ class Reader {
     }
 
   private:
-    [[noreturn]] void Fail(const std::string& reason) const { throw ShapeFileError(position_, reason); }
+    [[noreturn]] void Fail(const std::string& reason) const { throw ShapeFileError(position, reason); }
 
     std::string Header() {
-        const size_t equals = bytes_.find('=', position_);
-        if (equals == std::string_view::npos || equals - position_ >= longestHeader)
+        const size_t equals = bytes.find('=', position);
+        if (equals == std::string_view::npos || equals - position >= longestHeader)
             Fail("a record has no header");
-        const std::string header(bytes_.substr(position_, equals - position_));
+        const std::string header(bytes.substr(position, equals - position));
         if (TypeOfHeader(header) == 0) Fail("a record's header is not well formed");
-        position_ = equals + 1;
+        position = equals + 1;
         return header;
     }
 
@@ -105,14 +105,14 @@ class Reader {
     }
 
     std::string Bytes(size_t count) {
-        if (bytes_.size() - position_ < count) Fail("the file ends within a record");
-        const std::string text(bytes_.substr(position_, count));
-        position_ += count;
+        if (bytes.size() - position < count) Fail("the file ends within a record");
+        const std::string text(bytes.substr(position, count));
+        position += count;
         return text;
     }
 
-    std::string_view bytes_;
-    size_t position_ = 0;
+    std::string_view bytes;
+    size_t position = 0;
 };
 
 uint16_t WordAt(std::string_view bytes, size_t offset) {

@@ -24,18 +24,18 @@ struct Word {
 
 class Line {
   public:
-    Line(std::string_view text, size_t number) : number_(number) { Split(text); }
+    Line(std::string_view text, size_t lineNumber) : number(lineNumber) { Split(text); }
 
-    bool IsEmpty() const { return words_.empty(); }
-    size_t Count() const { return words_.size(); }
-    const Word& At(size_t index) const { return words_[index]; }
-    [[noreturn]] void Fail(const std::string& reason) const { throw ShapeSourceError(number_, reason); }
+    bool IsEmpty() const { return words.empty(); }
+    size_t Count() const { return words.size(); }
+    const Word& At(size_t index) const { return words[index]; }
+    [[noreturn]] void Fail(const std::string& reason) const { throw ShapeSourceError(number, reason); }
 
     int64_t Integer(size_t index, int64_t low, int64_t high) const {
-        const std::string& text = words_[index].text;
+        const std::string& text = words[index].text;
         int64_t value = 0;
         const auto [end, fault] = std::from_chars(text.data(), text.data() + text.size(), value);
-        if (words_[index].quoted || fault != std::errc{} || end != text.data() + text.size()) {
+        if (words[index].quoted || fault != std::errc{} || end != text.data() + text.size()) {
             Fail("\"" + text + "\" is no whole number");
         }
         if (value < low || value > high) {
@@ -52,7 +52,7 @@ class Line {
         const std::string range = fewest == most
                                       ? std::to_string(fewest - 1)
                                       : std::to_string(fewest - 1) + " to " + std::to_string(most - 1);
-        Fail("\"" + words_[0].text + "\" takes " + range + " values");
+        Fail("\"" + words[0].text + "\" takes " + range + " values");
     }
 
   private:
@@ -62,10 +62,10 @@ class Line {
             while (i < text.size() && (text[i] == ' ' || text[i] == '\t' || text[i] == '\r')) ++i;
             if (i == text.size() || text[i] == '#') return;
             if (text[i] == '"') {
-                words_.push_back({Quoted(text, ++i), true});
+                words.push_back({Quoted(text, ++i), true});
             } else {
                 const size_t end = std::min(text.find_first_of(" \t\r#", i), text.size());
-                words_.push_back({std::string(text.substr(i, end - i)), false});
+                words.push_back({std::string(text.substr(i, end - i)), false});
                 i = end;
             }
         }
@@ -94,8 +94,8 @@ class Line {
         Fail("a text has no closing quote");
     }
 
-    size_t number_;
-    std::vector<Word> words_;
+    size_t number;
+    std::vector<Word> words;
 };
 
 class SourceReader {
@@ -108,7 +108,7 @@ class SourceReader {
             source.remove_prefix(std::min(end + 1, source.size()));
             if (!line.IsEmpty()) Take(line);
         }
-        return std::move(file_);
+        return std::move(file);
     }
 
   private:
@@ -125,15 +125,15 @@ class SourceReader {
     }
 
     ShapeDrawing& Drawing(const Line& line) {
-        if (!file_.items.empty()) {
-            if (auto* drawing = std::get_if<ShapeDrawing>(&file_.items.back())) return *drawing;
+        if (!file.items.empty()) {
+            if (auto* drawing = std::get_if<ShapeDrawing>(&file.items.back())) return *drawing;
         }
         line.Fail("there is no drawing for \"" + line.At(0).text + "\"");
     }
 
     void TakeHeight(const Line& line) {
         line.ExpectWords(2, 2);
-        file_.items.push_back(ShapeHeight{static_cast<int16_t>(line.Coordinate(1))});
+        file.items.push_back(ShapeHeight{static_cast<int16_t>(line.Coordinate(1))});
     }
 
     void TakeDrawing(const Line& line) {
@@ -144,9 +144,9 @@ class SourceReader {
             if (line.At(1).text.size() > largestDrawing) line.Fail("the name is too long");
             drawing.name = line.At(1).text;
         }
-        file_.items.push_back(std::move(drawing));
-        partOpen_ = false;
-        valueSize_ = 6;
+        file.items.push_back(std::move(drawing));
+        partOpen = false;
+        valueSize = 6;
     }
 
     void TakeWords(const Line& line) {
@@ -175,8 +175,8 @@ class SourceReader {
     }
 
     void Grow(const Line& line, size_t bytes) {
-        valueSize_ += bytes;
-        if (valueSize_ > largestDrawing) {
+        valueSize += bytes;
+        if (valueSize > largestDrawing) {
             line.Fail("the drawing is larger than " + std::to_string(largestDrawing) + " bytes");
         }
     }
@@ -184,7 +184,7 @@ class SourceReader {
     void TakePart(const Line& line) {
         line.ExpectWords(2, 2);
         AddPart(line, static_cast<int>(line.Integer(1, 0, 3)));
-        partOpen_ = true;
+        partOpen = true;
     }
 
     void TakePoints(const Line& line) {
@@ -194,7 +194,7 @@ class SourceReader {
             line.Fail("\"" + line.At(0).text + "\" is not a word of shape sources");
         }
         Drawing(line);
-        if (!partOpen_) line.Fail("points stand after the line \"part\" that they belong to");
+        if (!partOpen) line.Fail("points stand after the line \"part\" that they belong to");
         if (line.Count() % 2 != 0) line.Fail("a point has two coordinates");
         for (size_t i = 0; i < line.Count(); i += 2) {
             AddPoint(line, static_cast<double>(line.Integer(i, -any - 1, any)), line.Coordinate(i + 1));
@@ -204,7 +204,7 @@ class SourceReader {
     // Figures that become parts of kind 0 of their own.
     void TakeHelper(const Line& line) {
         const std::string& word = line.At(0).text;
-        partOpen_ = false;
+        partOpen = false;
         if (word == "circle") {
             line.ExpectWords(4, 5);
             const int segments = line.Count() == 5 ? Segments(line, 4) : defaultCircleSegments;
@@ -259,12 +259,12 @@ class SourceReader {
             record.secondSize =
                 static_cast<uint32_t>(line.Integer(2, 0, std::numeric_limits<uint32_t>::max()));
         }
-        file_.items.push_back(std::move(record));
+        file.items.push_back(std::move(record));
     }
 
     void TakeBytes(const Line& line) {
         line.ExpectWords(2, 2);
-        auto* record = file_.items.empty() ? nullptr : std::get_if<ShapeRecord>(&file_.items.back());
+        auto* record = file.items.empty() ? nullptr : std::get_if<ShapeRecord>(&file.items.back());
         if (record == nullptr) line.Fail("\"bytes\" stands after the line \"record\" that it belongs to");
         const std::string& digits = line.At(1).text;
         if (digits.size() % 2 != 0) line.Fail("a byte has two hexadecimal digits");
@@ -277,9 +277,9 @@ class SourceReader {
         }
     }
 
-    ShapeFile file_;
-    bool partOpen_ = false;
-    size_t valueSize_ = 0;
+    ShapeFile file;
+    bool partOpen = false;
+    size_t valueSize = 0;
 };
 
 constexpr char hexDigits[] = "0123456789ABCDEF";
