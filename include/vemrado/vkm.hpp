@@ -46,20 +46,20 @@ template <typename Value>
 class Span {
   public:
     Span() = default;
-    Span(const Value* first, std::size_t count) : begin_(first), size_(count) {}
+    Span(const Value* first, std::size_t length) : values(first), count(length) {}
 
-    const Value* begin() const { return begin_; }
-    const Value* end() const { return begin_ + size_; }
-    const Value* data() const { return begin_; }
-    std::size_t size() const { return size_; }
-    bool empty() const { return size_ == 0; }
-    const Value& operator[](std::size_t place) const { return begin_[place]; }
-    const Value& front() const { return *begin_; }
-    const Value& back() const { return begin_[size_ - 1]; }
+    const Value* begin() const { return values; }
+    const Value* end() const { return values + count; }
+    const Value* data() const { return values; }
+    std::size_t size() const { return count; }
+    bool empty() const { return count == 0; }
+    const Value& operator[](std::size_t place) const { return values[place]; }
+    const Value& front() const { return *values; }
+    const Value& back() const { return values[count - 1]; }
 
   private:
-    const Value* begin_ = nullptr;
-    std::size_t size_ = 0;
+    const Value* values = nullptr;
+    std::size_t count = 0;
 };
 
 struct Point {
