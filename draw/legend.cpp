@@ -5,6 +5,7 @@
 #include <cmath>
 #include <set>
 #include <span>
+#include <utility>
 
 #include "clip.h"
 #include "words.h"
@@ -36,6 +37,7 @@ Pen Enlarged(const Pen& pen, double by) {
 std::set<uint32_t> UsedLineStyles(const Scene& scene, const Box& box) {
     std::set<uint32_t> used;
     for (const auto& [number, layer] : scene.layers) {
+        if (layer.change) continue;
         for (const Stroke& stroke : layer.strokes) {
             if (used.contains(stroke.style)) continue;
             const std::span<const Point> points(layer.points.data() + stroke.first, stroke.count);
@@ -63,8 +65,19 @@ std::string NameOf(const Style& style) {
 }  // namespace
 
 Legend::Legend(const Scene& mapScene, const Box& box) : scene(mapScene) {
+    AddChanges();
     AddLineTypes(box);
     AddSymbols(box);
+}
+
+// All of them wherever they are: that a colour means something holds in an empty part of the map too.
+void Legend::AddChanges() {
+    bool any = false;
+    for (const auto& [number, layer] : scene.layers) {
+        if (!layer.change) continue;
+        if (!std::exchange(any, true)) rows.push_back({HostWords().changesHeading, nullptr, nullptr});
+        rows.push_back({layer.name, &scene.lineStyles[*layer.change].pen, nullptr});
+    }
 }
 
 void Legend::AddLineTypes(const Box& box) {

@@ -35,6 +35,7 @@ class Legend {
         double y = 0;  // of its upper edge, from the legend's
     };
 
+    void AddChanges();
     void AddLineTypes(const Box& box);
     void AddSymbols(const Box& box);
     double RowHeight(const Row& row) const;  // mm

@@ -144,7 +144,9 @@ void MapSheet::DrawMap(Canvas& canvas) const {
     // Without a box nothing reaches the edge of the map.
     if (options.box) canvas.BeginClip(area);
     for (const auto& [number, layer] : scene.layers) {
-        canvas.BeginGroup("layer-" + std::to_string(number), layer.name);
+        const std::string id =
+            layer.change ? scene.lineStyles[*layer.change].pen.id : "layer-" + std::to_string(number);
+        canvas.BeginGroup(id, layer.name);
         DrawLayer(canvas, layer);
         canvas.EndGroup();
     }

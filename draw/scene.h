@@ -5,6 +5,7 @@
 
 #include <cstdint>
 #include <map>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -52,6 +53,8 @@ struct Layer {
     std::vector<Stroke> strokes;  // by style, within a style in the order of the file
     std::vector<PlacedSymbol> symbols;
     std::vector<PlacedText> texts;
+    // Of a layer of changes the line style, which the legend shows by the layer's name.
+    std::optional<uint32_t> change;
 
     bool IsEmpty() const { return strokes.empty() && symbols.empty() && texts.empty(); }
 };

@@ -26,6 +26,19 @@ void Mirror(SymbolShape& shape) {
 
 }  // namespace
 
+PlacedText PlacedTextOf(const map::MapText& text) {
+    PlacedText placed;
+    placed.point = text.point;
+    placed.style.height = text.heightOnPaper;
+    placed.style.rotation = text.rotation;
+    placed.style.face = text.face;
+    placed.style.across = text.anchor.across;
+    placed.style.upright = text.anchor.upright;
+    placed.text = text.text;
+    std::ranges::replace_if(placed.text, IsControl, ' ');
+    return placed;
+}
+
 SceneBuilder::SceneBuilder(map::Importer& source, SceneOptions wanted)
     : importer(source), options(std::move(wanted)), reading(source, options.encoding, options.angleUnit) {
     LineStyle style;
@@ -119,16 +132,7 @@ void SceneBuilder::AddText(const map::MapText& text) {
         return;
     }
     if (keep && !keep->Contains(text.point)) return;
-    PlacedText placed;
-    placed.point = text.point;
-    placed.style.height = text.heightOnPaper;
-    placed.style.rotation = text.rotation;
-    placed.style.face = text.face;
-    placed.style.across = text.anchor.across;
-    placed.style.upright = text.anchor.upright;
-    placed.text = text.text;
-    std::ranges::replace_if(placed.text, IsControl, ' ');
-    layer->texts.push_back(std::move(placed));
+    layer->texts.push_back(PlacedTextOf(text));
 }
 
 uint32_t SceneBuilder::LineStyleOf(const map::Code& code) {
@@ -149,7 +153,6 @@ uint32_t SceneBuilder::LineStyleOf(const map::Code& code) {
     return made;
 }
 
-// False when the symbology has no drawing for the code.
 bool SceneBuilder::SymbolStyleOf(int code, uint32_t& style) {
     constexpr uint32_t none = UINT32_MAX;
     const auto known = symbolStyleOfCode.find(code);

@@ -23,6 +23,9 @@ struct SceneOptions {
     client::Encoding encoding = client::Encoding::windows1250;
 };
 
+// A text that has no fault, black.
+PlacedText PlacedTextOf(const map::MapText& text);
+
 class SceneBuilder {
   public:
     // The importer lives longer than the builder, and is opened with the symbology before the first element.
@@ -37,6 +40,11 @@ class SceneBuilder {
     // The scene of the elements taken so far; strokes are in the order of the file.
     const Scene& SoFar() const { return scene; }
 
+    // The style of a symbol code; false when the symbology has no drawing for the code.
+    bool SymbolStyleOf(int code, uint32_t& style);
+
+    int AxisOrientation() const { return importer.AxisOrientation(); }
+
     // Knows of bytes of texts and codes that were no characters of the encoding.
     const client::TextDecoder& Decoder() const { return reading.Decoder(); }
 
@@ -49,7 +57,6 @@ class SceneBuilder {
     void AddText(const map::MapText& text);
     Layer* LayerOf(int number, std::string_view name);
     uint32_t LineStyleOf(const map::Code& code);
-    bool SymbolStyleOf(int code, uint32_t& style);
 
     map::Importer& importer;
     SceneOptions options;

@@ -2,6 +2,8 @@
 
 #pragma once
 
+#include <array>
+
 #include "zrv320/zrv320.h"
 
 namespace vemrado::draw {
@@ -15,15 +17,20 @@ struct Words {
     const char* north;
     const char* symbology;
     const char* noName;
+    const char* changesHeading;
+    std::array<const char*, 3> changes;  // removed, changed, added
 };
 
 inline const Words& HostWords() {
-    static constexpr Words czech{"Legenda", "Druhy čar", "Značky",     "Ostatní čáry",
-                                 "Měřítko", "S",         "Symbologie", "beze jména"};
-    static constexpr Words german{"Legende", "Linientypen", "Symbole",    "Sonstige Linien",
-                                  "Maßstab", "N",           "Symbologie", "ohne Namen"};
-    static constexpr Words english{"Legend", "Line types", "Symbols",   "Other lines",
-                                   "Scale",  "N",          "Symbology", "no name"};
+    static constexpr Words czech{
+        "Legenda", "Druhy čar",  "Značky",     "Ostatní čáry", "Měřítko",
+        "S",       "Symbologie", "beze jména", "Změny",        {"odstraněno", "změněno", "přidáno"}};
+    static constexpr Words german{
+        "Legende", "Linientypen", "Symbole",    "Sonstige Linien", "Maßstab",
+        "N",       "Symbologie",  "ohne Namen", "Änderungen",      {"entfernt", "geändert", "hinzugefügt"}};
+    static constexpr Words english{
+        "Legend", "Line types", "Symbols", "Other lines", "Scale",
+        "N",      "Symbology",  "no name", "Changes",     {"removed", "changed", "added"}};
     switch (GetZrvCountry()) {
         case 0:
             return czech;

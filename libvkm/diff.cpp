@@ -11,7 +11,7 @@ namespace {
 vkm_diff_options DefaultDiff() {
     vkm_diff_options options = {};
     options.size = sizeof options;
-    options.tolerance = 0.05;
+    options.tolerance = map::usualTolerance;
     return options;
 }
 

@@ -39,6 +39,8 @@ struct Change {
     std::optional<ChangeSide> now;
 };
 
+constexpr double usualTolerance = 0.05;  // m by which a text may have moved
+
 class ChangeSink {
   public:
     virtual void Take(const Change& change) = 0;

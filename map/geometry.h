@@ -33,6 +33,12 @@ struct Box {
         maxX = std::max(maxX, p.x);
         maxY = std::max(maxY, p.y);
     }
+    void Add(const Box& other) {
+        minX = std::min(minX, other.minX);
+        minY = std::min(minY, other.minY);
+        maxX = std::max(maxX, other.maxX);
+        maxY = std::max(maxY, other.maxY);
+    }
     Box Grown(double by) const { return {minX - by, minY - by, maxX + by, maxY + by}; }
 };
 

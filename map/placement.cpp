@@ -21,6 +21,12 @@ Turn TurnOf(int axisOrientation) {
     return {270, true, {-1, 0}};  // points as they stand in the file
 }
 
+Point OnMap(Point inFile, const Turn& turn) {
+    const double right = turn.mirrored ? -1 : 1;  // of north: there lies east
+    const Point east{right * turn.north.y, -right * turn.north.x};
+    return {-inFile.y * east.x - inFile.x * turn.north.x, -inFile.y * east.y - inFile.x * turn.north.y};
+}
+
 Rotation::Rotation(AngleUnit unit, int axisOrientation) : perTurn(400), turn(TurnOf(axisOrientation)) {
     if (unit == AngleUnit::degree) perTurn = 360;
     if (unit == AngleUnit::radian) perTurn = 2 * std::numbers::pi;

@@ -21,6 +21,9 @@ struct Turn {
 };
 Turn TurnOf(int axisOrientation);
 
+// What a point as orientation 1 has it becomes.
+Point OnMap(Point inFile, const Turn& turn);
+
 // From U values to rotations on the map. An angle counts counter-clockwise from the east of the map; it turns
 // with the axes, and in a mirrored map it runs the other way round.
 class Rotation {

@@ -49,6 +49,16 @@ bool IsScale(double scale) {
     return scale >= 1 && scale <= 1e8;
 }
 
+TextFault FaultOf(const MapText& text) {
+    if (!IsPlace(text.point)) return TextFault::place;
+    if (!(text.heightOnPaper > 0 && text.heightOnPaper <= tallestText)) return TextFault::size;
+    return std::isfinite(text.rotation) ? TextFault::none : TextFault::rotation;
+}
+
+bool IsDrawable(double scale, double rotation) {
+    return scale > 0 && scale <= largestScale && std::isfinite(rotation);
+}
+
 Reading::Reading(Importer& source, client::Encoding encoding, AngleUnit angleUnit)
     : importer(source),
       decoder(encoding),
@@ -176,7 +186,7 @@ void Reading::AddSymbol(const VkmElement& element, size_t place) {
     symbol.scale = element.valueM;
     symbol.rotation = rotation.Degrees(element.valueU);
     symbol.mirrored = rotation.Mirrored();
-    symbol.drawable = symbol.scale > 0 && symbol.scale <= largestScale && std::isfinite(symbol.rotation);
+    symbol.drawable = IsDrawable(symbol.scale, symbol.rotation);
     symbol.code = held;
     symbols.push_back(symbol);
 }
@@ -199,10 +209,7 @@ void Reading::TakeText() {
     text.rotation = rotation.Degrees(raw.valueU);
     text.anchor = AnchorOf(raw.valueD, rotation.Mirrored());
     text.face = FaceOf(raw.valueF);
-    text.fault = TextFault::none;
-    if (!std::isfinite(text.rotation)) text.fault = TextFault::rotation;
-    if (!(text.heightOnPaper > 0 && text.heightOnPaper <= tallestText)) text.fault = TextFault::size;
-    if (!IsPlace(text.point)) text.fault = TextFault::place;
+    text.fault = FaultOf(text);
 }
 
 }  // namespace vemrado::map

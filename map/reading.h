@@ -99,6 +99,11 @@ struct MapText {
     TextFault fault = TextFault::none;
 };
 
+// That of the first thing that is wrong with it.
+TextFault FaultOf(const MapText& text);
+// A symbol's scale, and its rotation in degrees.
+bool IsDrawable(double scale, double rotation);
+
 // C, K, L, P or R; ? for any other letter.
 inline char TypeLetter(const VkmElement& element) {
     return element.type == 1 ? '?' : static_cast<char>(element.type);

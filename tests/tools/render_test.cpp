@@ -123,6 +123,57 @@ TEST(Render, StaysSmallWhereAPointIsFarAway) {
     EXPECT_TRUE(Holds(FileBytes(folder.Path("part.svg")), ">743040</text>"));
 }
 
+TEST(Render, DrawsChangesInColourOverAGreyMap) {
+    const TestFolder folder;
+    const std::string head = "&R 0 0 0 0 1000\n&U 1\n&L P 10 10 K=21900\nL 10 60\n";
+    const std::string old =
+        folder.Add("old.vkm", head + "&T 30 20 'gone' H=2\n&T 30 40 'was' H=2\n&L P 15 15 S=101\n&K\n");
+    const std::string now =
+        folder.Add("now.vkm", head + "L 40 60\n&T 30 40 'is' H=2\n&L P 15 15 S=103\n&T 9 9 'same' H=2\n&K\n");
+    folder.Add("cut.vkm", head);
+    const auto render = [&](const std::string& before, const std::string& after, const char* option) {
+        return RunVkm({"render", after, "--changes", before, "-o", folder.Path("diff.svg"), option});
+    };
+    EXPECT_EQ(render(old, now, "--legend").exitCode, 0);
+    const std::string svg = FileBytes(folder.Path("diff.svg"));
+    const auto group = [&svg](const std::string& id) {
+        const size_t begin = svg.find("<g id=\"" + id + "\">");
+        return begin == std::string::npos ? std::string()
+                                          : svg.substr(begin, svg.find("</g>", begin) - begin);
+    };
+    const struct {
+        const char* group;
+        const char* part;
+    } parts[] = {{"layer-1", "class=\"line-21900\""},
+                 {"layer-1", "fill=\"#a5a5a5\" font-size=\"2.743\""},
+                 {"added", "class=\"added\" d=\"M"},
+                 {"added", ">same</text>"},
+                 {"changed", "fill=\"#2850c8\""},
+                 {"changed", ">is</text>"},
+                 {"changed", "xlink:href=\"#symbol-103\""},
+                 {"removed", "fill=\"#c81e1e\""},
+                 {"removed", ">gone</text>"},
+                 {"legend", ">changed</text>"}};
+    for (const auto& [id, part] : parts) EXPECT_TRUE(Holds(group(id), part)) << id << " " << part << svg;
+    EXPECT_TRUE(Holds(svg, ".line-21900 { stroke: #a5a5a5") && Holds(svg, ".added { stroke: #1e963c"));
+    EXPECT_FALSE(Holds(svg, ">was</text>"));
+    // The added segment lies on the grey one whichever way the axes run.
+    for (const char* axes : {"x,y", "x,-y", "-x,y", "-x,-y", "y,x", "-y,x", "y,-x", "-y,-x"}) {
+        RunVkm({"render", now, "--changes", old, "-o", folder.Path("turned.svg"), "--orientation",
+                std::string("(") + axes + ")"});
+        const std::string turned = FileBytes(folder.Path("turned.svg"));
+        const size_t added = turned.find("<path class=\"added\" d=\"M");
+        ASSERT_NE(added, std::string::npos) << axes;
+        const size_t begin = turned.find('M', added) + 1;
+        const std::string segment = turned.substr(begin, turned.find('"', begin) - begin);
+        EXPECT_LT(turned.find(segment), added) << axes << turned;
+    }
+    EXPECT_EQ(render(now, now, "--no-symbols").exitCode, 0);
+    EXPECT_FALSE(Holds(FileBytes(folder.Path("diff.svg")), "<g id=\"changed\">"));
+    EXPECT_EQ(render(old, "-", "--legend").exitCode, 2);
+    EXPECT_EQ(render(folder.Path("cut.vkm"), now, "--legend").exitCode, 1);
+}
+
 TEST(Render, DrawsSheetsSideBySide) {
     const TestFolder folder;
     folder.Add("west.vkm", "&U 1\n&L P 0 0 K=21900\nL 0 10\n&K\n");

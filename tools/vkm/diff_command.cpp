@@ -2,15 +2,13 @@
 
 #include <memory>
 
-#include "client/input_file.h"
 #include "client/standard_input.h"
-#include "client/system.h"
 #include "commands.h"
 #include "common_options.h"
 #include "diff_report.h"
 #include "inputs.h"
 #include "map/diff.h"
-#include "map_source.h"
+#include "map_states.h"
 #include "program.h"
 
 namespace vemrado::tools {
@@ -22,37 +20,11 @@ enum DiffExit : int { exitEqual = 0, exitDifferent = 1, exitBroken = 3 };
 struct DiffOptions {
     std::string oldFile;
     std::string newFile;
-    double tolerance = 0.05;
+    double tolerance = map::usualTolerance;
     bool json = false;
     EncodingChoice encoding;
     std::string output;
 };
-
-struct NoFindings : map::FindingSink {
-    void Take(const map::Finding&) override {}
-};
-
-// Reads a state. False when it is broken, which has been said; what was read stands in it.
-bool ReadState(const std::string& name, client::Encoding encoding, map::MapState& state,
-               Environment& environment) {
-    const std::string shownName = client::SystemTextToUtf8(client::ShownName(name.c_str()));
-    try {
-        MapSource source(name);
-        NoFindings findings;
-        map::CheckedReading reading(source.Bytes(), encoding, findings, &state);
-        reading.Run();
-        if (reading.Complete()) return true;
-        environment.Error(shownName +
-                          ": incomplete: its closing record &K is missing, so its last element is lost");
-    } catch (const client::ForeignFile& foreign) {
-        environment.Error(foreign.what());
-    } catch (const client::UnreadableFile& unreadable) {
-        environment.Error(unreadable.what());
-    } catch (const Stopped&) {
-        environment.Error(shownName + ": stopped on request; nothing was compared");
-    }
-    return false;
-}
 
 int RunDiff(const DiffOptions& options, Environment& environment) {
     if (options.oldFile == client::standardInputName && options.newFile == client::standardInputName)
@@ -63,7 +35,7 @@ int RunDiff(const DiffOptions& options, Environment& environment) {
     const auto read = [&](const std::string& file, map::MapState& state, client::Encoding& encoding) {
         const std::string name = FindOneInput(file);
         return ChooseEncoding(options.encoding, name, environment, encoding) &&
-               ReadState(name, encoding, state, environment);
+               ReadMapState(name, encoding, state, environment);
     };
     client::Encoding oldEncoding{};
     client::Encoding newEncoding{};

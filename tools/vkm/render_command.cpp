@@ -13,10 +13,13 @@
 #include "common_options.h"
 #include "draw/map_sheet.h"
 #include "draw/scene_builder.h"
+#include "draw/scene_changes.h"
 #include "draw/stray_points.h"
 #include "input_progress.h"
 #include "inputs.h"
+#include "map/diff.h"
 #include "map_page.h"
+#include "map_states.h"
 #include "picture.h"
 #include "program.h"
 #include "reading.h"
@@ -34,6 +37,7 @@ struct RenderOptions {
     std::vector<std::string> layers;
     std::vector<double> box;
     bool noSymbols = false;
+    std::string oldFile;  // draws what changed since that state; empty: the map as it is
     int axisOrientation = 128;
 };
 
@@ -159,6 +163,43 @@ ReadOutcome ReadInputs(const std::vector<Input>& inputs, const RenderOptions& op
     return all;
 }
 
+// Two states of the map that is drawn.
+struct ComparedStates {
+    map::StateValues values;
+    map::MapState old{values};
+    map::MapState now{values};
+    client::Encoding oldEncoding{};
+};
+
+// Null when one of them is broken, which has been said.
+std::unique_ptr<ComparedStates> ReadStates(const std::vector<Input>& inputs, const RenderOptions& options,
+                                           Environment& environment) {
+    if (inputs.size() != 1) throw Failure(exitUsage, "--changes: compares one map with its old state");
+    const Input& now = inputs.front();
+    // Once to compare it and once to draw it.
+    if (now.name == client::standardInputName)
+        throw Failure(exitUsage, "--changes: the new state is read twice and cannot be standard input");
+    if (!now.problem.empty()) throw Failure(exitInput, now.problem);
+    const std::string old = FindOneInput(options.oldFile);
+    RefuseInputAsOutput(old, options.picture.file);
+    auto states = std::make_unique<ComparedStates>();
+    const bool read = ChooseEncoding(options.encoding, old, environment, states->oldEncoding) &&
+                      ReadMapState(old, states->oldEncoding, states->old, environment) &&
+                      ReadMapState(now.name, options.scene.encoding, states->now, environment);
+    return read ? std::move(states) : nullptr;
+}
+
+// The scene of all that the builder took, with the changes in colour when states are given.
+draw::Scene FinishScene(draw::SceneBuilder& builder, const ComparedStates* states,
+                        const RenderOptions& options) {
+    if (states == nullptr) return builder.Finish();
+    draw::SceneChanges changes(builder, options.scene, states->oldEncoding);
+    map::CompareMaps(states->old, states->now, states->values, map::usualTolerance, changes);
+    draw::Scene scene = builder.Finish();
+    changes.AddTo(scene);
+    return scene;
+}
+
 // Tells what a picture would not show.
 void CheckScene(const draw::Scene& scene, const RenderOptions& options, const std::string& name,
                 Environment& environment) {
@@ -177,6 +218,11 @@ int RunRender(RenderOptions options, Environment& environment) {
     const std::vector<Input> inputs = FindInputs(options.inputs);
     if (options.picture.format.empty() && IsMapPage(options.picture.file)) {
         if (inputs.size() != 1) throw Failure(exitUsage, "--output: a page for the browser holds one map");
+        if (!options.oldFile.empty()) {
+            throw Failure(
+                exitUsage,
+                "--changes: a page for the browser holds one map, and compares it with others itself");
+        }
         RefuseInputAsOutput(inputs.front().name, options.picture.file);
         WriteMapPage(inputs.front().name, options.picture.file);
         return exitDone;
@@ -185,12 +231,19 @@ int RunRender(RenderOptions options, Environment& environment) {
     const std::string& first = inputs.front().name;
     if (!ChooseEncoding(options.encoding, first, environment, options.scene.encoding)) return exitInput;
 
+    std::unique_ptr<ComparedStates> states;
+    if (!options.oldFile.empty()) {
+        states = ReadStates(inputs, options, environment);
+        if (!states) return exitInput;
+    }
+
     map::Importer importer;
     draw::SceneBuilder builder(importer, options.scene);
     const ReadOutcome outcome = ReadInputs(inputs, options, importer, builder, environment);
     if (outcome != ReadOutcome::complete && outcome != ReadOutcome::incomplete) return exitInput;
     WarnOfEncoding(first, builder.Decoder(), options.scene.encoding, environment);
-    const draw::Scene scene = builder.Finish();
+    const draw::Scene scene = FinishScene(builder, states.get(), options);
+    states.reset();
 
     const std::string name = ShownName(inputs.front());
     CheckScene(scene, options, name, environment);
@@ -219,11 +272,18 @@ or a part of the map by --bbox.)",
         {{"vkm render town.vkm -o town.png --legend", "a map sheet with frame, title and legend"},
          {"vkm render town.vkm -o town.svg --layers 1,4", "boundaries and buildings to go on drawing with"},
          {"vkm render town.vkm -o part.pdf --bbox=-742900,-1043100,-742700,-1043000", "a part, to scale"},
+         {"vkm render new.vkm --changes old.vkm -o diff.png", "what is new, over the map in grey"},
          {"vkm render sheets/ -o country.png --width 2000", "many sheets at a glance"}}};
     CLI::App& command =
         program.Add(text, [options](Environment& environment) { return RunRender(*options, environment); });
     AddInputOptions(command, options->inputs);
     AddPictureOptions(program, command, options->picture, true);
+    command
+        .add_option(
+            "--changes", options->oldFile,
+            "Draw in grey, with what changed since this older map in colour: added green, removed red, "
+            "changed and moved blue")
+        ->type_name("OLD");
     command.add_flag("--legend", options->sheet.legend,
                      "Add frame, title, grid, scale bar, north arrow and legend");
     command.add_option("--title", options->sheet.title, "Title (default: from the file's name)")

@@ -69,14 +69,13 @@ void ReadState(int file, client::Encoding encoding, map::MapState& state) {
 }  // namespace
 
 std::string Compare(const Viewer& viewer, int oldFile, client::Encoding encoding, size_t most) {
-    constexpr double tolerance = 0.05;  // m by which a text may have moved, as `vkm diff` has it
     map::StateValues values;
     map::MapState old(values);
     map::MapState now(values);
     ReadState(oldFile, encoding, old);
     for (const auto& sheet : viewer.Sheets()) ReadState(sheet->File(), sheet->Encoding(), now);
     ChangeList changes(encoding, most);
-    map::CompareMaps(old, now, values, tolerance, changes);
+    map::CompareMaps(old, now, values, map::usualTolerance, changes);
     return changes.Finished();
 }
 
