@@ -20,7 +20,11 @@ class Writer {
 
     template <class... Values>
     void Line(const char* form, Values... values) {
-        written += std::fprintf(file, form, values...);
+        if constexpr (sizeof...(values) == 0) {
+            written += std::fprintf(file, "%s", form);
+        } else {
+            written += std::fprintf(file, form, values...);
+        }
     }
 
     void Polyline() {

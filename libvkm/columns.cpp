@@ -3,6 +3,7 @@
 
 #include "failure.h"
 #include "map/columns.h"
+#include "map/parcel_material.h"
 #include "map_file.h"
 #include "reader.h"
 
@@ -65,15 +66,9 @@ class ColumnStream {
 
     void BuildParcels() {
         map::ParcelBuilder builder;
-        for (auto kind = file->Next(); kind != map::ElementKind::none; kind = file->Next()) {
-            if (kind == map::ElementKind::line && file->Line().layer == options.parcelLayer) {
-                const map::MapLine& line = file->Line();
-                for (const map::Stroke& stroke : line.wholeStrokes)
-                    builder.AddBoundary(line.points.subspan(stroke.first, stroke.count));
-            } else if (kind == map::ElementKind::text && file->Text().layer == options.numberLayer) {
-                builder.AddNumber(file->Text().point, file->Text().text);
-            }
-        }
+        const map::ParcelLayers layers = {options.parcelLayer, options.numberLayer};
+        for (auto kind = file->Next(); kind != map::ElementKind::none; kind = file->Next())
+            map::AddToParcels(builder, layers, kind, file->Line(), file->Text());
         map::Parcels made = builder.Build();
         if (made.tooManyCrossings)
             TellWarning(options, "no parcels, for the boundaries cross too often", source->Name());

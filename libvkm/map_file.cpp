@@ -24,7 +24,7 @@ MapFile::MapFile(std::shared_ptr<Source> readSource, const Options& readOptions,
 }
 
 MapFile::~MapFile() {
-    const ModuleCalls calls(*source, options, state);  // the importer's end closes the file
+    const ModuleCalls calls(*source, state);  // the importer's end closes the file
     importer.Close();
 }
 
@@ -38,7 +38,7 @@ void MapFile::Open(bool withSymbology) {
     open.lookAtFile = false;
     bool opened = false;
     try {
-        const ModuleCalls calls(*source, options, state);
+        const ModuleCalls calls(*source, state);
         opened = importer.Open(open);
     } catch (const CFileException& error) {
         throw Failure(VKM_ERROR_READ, error.Reason(), source->Name(),
@@ -84,7 +84,7 @@ map::ElementKind MapFile::Next() {
 draw::Scene MapFile::MakeScene(draw::SceneOptions sceneOptions) {
     draw::SceneBuilder builder(importer, std::move(sceneOptions));
     try {
-        const ModuleCalls calls(*source, options, state);
+        const ModuleCalls calls(*source, state);
         while (true) {
             if (++sinceProgress == elementsBetweenProgress) CheckStop();
             const map::ElementKind kind = importer.Next();

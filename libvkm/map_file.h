@@ -10,6 +10,7 @@
 #include "map/importer.h"
 #include "map/reading.h"
 #include "module_calls.h"
+#include "options.h"
 
 namespace vemrado::capi {
 

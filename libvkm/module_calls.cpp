@@ -19,9 +19,8 @@ void CloseFile(void* file) {
 
 }  // namespace
 
-ModuleCalls::ModuleCalls(Source& readSource, const Options& readOptions, CallState& callState)
+ModuleCalls::ModuleCalls(Source& readSource, CallState& callState)
     : source(readSource),
-      options(readOptions),
       state(callState),
       provider{this, OpenFile, ReadFile, LengthOfFile, CloseFile},
       services{OnBox, this, &provider, nullptr},

@@ -8,7 +8,6 @@
 #include <vector>
 
 #include "framework/framework.h"
-#include "options.h"
 #include "source.h"
 #include "zrvDX320/zrvDX320.h"
 
@@ -23,8 +22,8 @@ struct CallState {
 
 class ModuleCalls {
   public:
-    // All three outlive it.
-    ModuleCalls(Source& source, const Options& options, CallState& state);
+    // Both outlive it.
+    ModuleCalls(Source& source, CallState& state);
     ModuleCalls(const ModuleCalls&) = delete;
     ModuleCalls& operator=(const ModuleCalls&) = delete;
     ~ModuleCalls();
@@ -35,7 +34,6 @@ class ModuleCalls {
     static int OnProgress(void* self, int maximum, int position);
 
     Source& source;
-    const Options& options;
     CallState& state;
     FrameworkFileProvider provider;
     FrameworkThreadServices services;

@@ -18,7 +18,7 @@ SymbologyLookup::SymbologyLookup(std::shared_ptr<Source> readSource, const Optio
     : source(std::move(readSource)), options(readOptions) {
     if (!options.withSymbology) return;
     {
-        const ModuleCalls calls(*source, options, state);
+        const ModuleCalls calls(*source, state);
         importer.Details().SetDataDirectory(options.dataDirectory.c_str());
         importer.Details().LoadSymbology(1);
         lineCodes = NumbersOf(map::LineCodes(importer.Details()));
@@ -32,7 +32,7 @@ const SymbologyLookup::Style& SymbologyLookup::StyleOf(int code) {
     const auto [place, isNew] = styles.try_emplace(code);
     Style& style = place->second;
     if (!isNew || !options.withSymbology) return style;
-    const ModuleCalls calls(*source, options, state);
+    const ModuleCalls calls(*source, state);
     const std::optional<map::Pen> pen = map::FindPen(importer.Details(), code);
     if (!pen) return style;
     style.known = true;
@@ -45,7 +45,7 @@ const SymbologyLookup::Symbol& SymbologyLookup::SymbolOf(int code) {
     const auto [place, isNew] = symbols.try_emplace(code);
     Symbol& symbol = place->second;
     if (!isNew || !options.withSymbology) return symbol;
-    const ModuleCalls calls(*source, options, state);
+    const ModuleCalls calls(*source, state);
     const std::optional<map::SymbolDrawing> drawing = map::FindDrawing(importer.Details(), code);
     if (!drawing) return symbol;
     symbol.known = true;

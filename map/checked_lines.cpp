@@ -51,22 +51,31 @@ CheckedLines::CheckedLines(ByteSource byteSource, client::Encoding encoding, Fin
     }
 }
 
+namespace {
+
+// All of them are asked, without a branch.
+unsigned IsTrue(bool answer) {
+    return answer ? 1 : 0;
+}
+
+}  // namespace
+
 // Whether some line of a block deserves a closer look.
 bool CheckedLines::HasOddBytes(const char* bytes, size_t count) const {
     const auto* const block = reinterpret_cast<const unsigned char*>(bytes);
     unsigned char found = 0;
     if (utf8) {
         for (size_t i = 0; i < count; ++i)
-            found |= static_cast<unsigned char>((block[i] >= 0x80) | (block[i] == 0));
+            found |= static_cast<unsigned char>(IsTrue(block[i] >= 0x80) | IsTrue(block[i] == 0));
     } else {
         // Of the few bytes that an encoding does not have; written out so that compilers make wide
         // instructions of it.
         const std::array<unsigned char, 8> set = odd;
         for (size_t i = 0; i < count; ++i) {
             const unsigned char c = block[i];
-            found |=
-                static_cast<unsigned char>((c == set[0]) | (c == set[1]) | (c == set[2]) | (c == set[3]) |
-                                           (c == set[4]) | (c == set[5]) | (c == set[6]) | (c == set[7]));
+            found |= static_cast<unsigned char>(
+                IsTrue(c == set[0]) | IsTrue(c == set[1]) | IsTrue(c == set[2]) | IsTrue(c == set[3]) |
+                IsTrue(c == set[4]) | IsTrue(c == set[5]) | IsTrue(c == set[6]) | IsTrue(c == set[7]));
         }
     }
     return found != 0;

@@ -318,8 +318,9 @@ typedef struct vkm_picture {
 
 VKM_API void vkm_picture_init(vkm_picture* picture);
 
-/* Draws the map as `vkm render` does. A file appears whole or not at all. A build without the cairo
- * library makes SVG only; the other formats are VKM_ERROR_UNSUPPORTED there. */
+/* Draws the map as `vkm render` does. A file appears whole or not at all. SVG needs nothing; PNG
+ * and PDF need vkm-draw.so beside this library and cairo on the machine, and are VKM_ERROR_UNSUPPORTED
+ * without them. */
 VKM_API vkm_status vkm_render(vkm_reader* reader, const vkm_picture* picture, const char* path,
                               vkm_error** error);
 VKM_API vkm_status vkm_render_to(vkm_reader* reader, const vkm_picture* picture, vkm_write write,

@@ -243,9 +243,7 @@ def _load() -> ctypes.CDLL:
             reasons.append(str(error))
             continue
         for name, (result, arguments) in _FUNCTIONS.items():
-            function = getattr(library, name, None)
-            if function is None:
-                continue
+            function = getattr(library, name)
             function.restype = result
             function.argtypes = arguments
         return library

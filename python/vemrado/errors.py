@@ -6,7 +6,7 @@ import errno
 import threading
 import warnings
 from ctypes import byref, c_void_p
-from typing import Any, Iterator, Optional
+from typing import Any, Optional
 
 from . import _library
 from ._library import lib
@@ -145,9 +145,6 @@ class _Collected(threading.local):
 
     def pop(self) -> list[MapWarning]:
         return self.stack.pop()
-
-    def __iter__(self) -> Iterator[list[MapWarning]]:
-        return iter(self.stack)
 
 
 _collected = _Collected()

@@ -85,7 +85,8 @@ bool CVkmInput::UpdateProgress() {
     if (progressWindow != nullptr) {
         const uint32_t position = reader.bytesRead / progressStep;
         if (position > progressPosition) {
-            if (CallHost(draw_info, progressWindow, progressUnits, static_cast<int>(position), 0) != 0)
+            if (CallHost(draw_info, progressWindow, static_cast<int>(progressUnits),
+                         static_cast<int>(position), 0) != 0)
                 return false;
             progressPosition = position;
         }

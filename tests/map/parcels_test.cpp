@@ -3,7 +3,6 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <array>
 #include <cmath>
 #include <random>
 
@@ -147,7 +146,7 @@ class Grid {
 
     std::vector<double> DryAreas() {
         std::vector<double> sizes;
-        for (auto& row : wet) row.fill(false);
+        for (auto& row : wet) std::ranges::fill(row, false);
         for (int cell = -1; cell < side * side; ++cell) {
             const int size = Flood(cell < 0 ? -1 : cell % side, cell < 0 ? -1 : cell / side);
             if (cell >= 0 && size > 0) sizes.push_back(size);
@@ -176,9 +175,9 @@ class Grid {
     }
 
     std::mt19937 random;
-    std::array<std::array<bool, side + 1>, side + 1> east{};
-    std::array<std::array<bool, side + 1>, side + 1> north{};
-    std::array<std::array<bool, side + 2>, side + 2> wet{};
+    bool east[side + 1][side + 1] = {};
+    bool north[side + 1][side + 1] = {};
+    bool wet[side + 2][side + 2] = {};
 };
 
 TEST(Parcels, AreDryWhenTheRestIsFlooded) {

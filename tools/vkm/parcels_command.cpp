@@ -14,8 +14,7 @@
 #include "commands.h"
 #include "common_options.h"
 #include "inputs.h"
-#include "map/parcels.h"
-#include "map/reading.h"
+#include "map/parcel_material.h"
 #include "program.h"
 #include "reading.h"
 #include "translations.h"
@@ -174,14 +173,7 @@ int RunParcels(const ParcelOptions& options, Environment& environment) {
     map::ParcelBuilder builder;
     const auto take = [&](map::ElementKind kind) {
         reading.Take(kind);
-        if (kind == map::ElementKind::line && reading.Line().layer == options.layers.boundaries) {
-            for (const map::Stroke& stroke : reading.Line().wholeStrokes)
-                builder.AddBoundary(reading.Line().points.subspan(stroke.first, stroke.count));
-        }
-        const map::MapText& text = reading.Text();
-        if (kind == map::ElementKind::text && text.layer == options.layers.numbers &&
-            text.fault != map::TextFault::place)
-            builder.AddNumber(text.point, text.text);
+        map::AddToParcels(builder, options.layers, kind, reading.Line(), reading.Text());
     };
     const ReadOutcome outcome = ReadElements(importer, open, environment, take, "nothing was listed").outcome;
     if (outcome != ReadOutcome::complete && outcome != ReadOutcome::incomplete) return exitInput;
