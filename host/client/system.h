@@ -86,6 +86,14 @@ std::string ProgramPath();
 // Path of the program or library that this code is linked into; empty when it cannot be found.
 std::string LibraryPath();
 
+// Makes a new folder for files that outlive the process, which only its user can read. Throws
+// std::runtime_error with what the system has against it.
+std::string NewTemporaryFolder();
+
+// Opens a file with the program that people have chosen for its kind. Empty when that has begun, or the
+// reason why not: one line of UTF-8.
+std::string OpenOnDesktop(const std::string& path);
+
 // Number of this process, for names of temporary files.
 unsigned long ProcessNumber();
 

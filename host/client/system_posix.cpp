@@ -5,8 +5,10 @@
 #include <locale.h>
 #include <poll.h>
 #include <signal.h>
+#include <spawn.h>
 #include <sys/auxv.h>
 #include <sys/stat.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -14,7 +16,9 @@
 #include <cerrno>
 #include <climits>
 #include <cstdlib>
+#include <cstring>
 #include <memory>
+#include <stdexcept>
 
 #include "client/stop_request.h"
 #include "client/system.h"
@@ -211,6 +215,40 @@ std::string LibraryPath() {
     if (dladdr(reinterpret_cast<const void*>(&LibraryPath), &here) == 0 || here.dli_fname == nullptr)
         return {};
     return FollowLinks(here.dli_fname);
+}
+
+std::string NewTemporaryFolder() {
+    std::string folder = (std::filesystem::temp_directory_path() / "vemrado-XXXXXX").string();
+    if (mkdtemp(folder.data()) == nullptr) throw std::runtime_error(folder + ": " + std::strerror(errno));
+    return folder;
+}
+
+std::string OpenOnDesktop(const std::string& path) {
+    const char* const program = "xdg-open";
+    std::string name = path;
+    char* const arguments[] = {const_cast<char*>(program), name.data(), nullptr};
+    posix_spawnattr_t attributes;
+    posix_spawn_file_actions_t actions;
+    posix_spawnattr_init(&attributes);
+    posix_spawn_file_actions_init(&actions);
+    // It may stay for as long as the browser does, away from this terminal.
+    posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETSID);
+    for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO})
+        posix_spawn_file_actions_addopen(&actions, stream, "/dev/null", O_RDWR, 0);
+    pid_t child = 0;
+    const int problem = posix_spawnp(&child, program, &actions, &attributes, arguments, environ);
+    posix_spawn_file_actions_destroy(&actions);
+    posix_spawnattr_destroy(&attributes);
+    if (problem != 0) return std::string(program) + ": " + std::strerror(problem);
+    // Where there is no browser it says so soon.
+    constexpr int looks = 30;
+    for (int look = 0; look < looks; ++look) {
+        int status = 0;
+        if (waitpid(child, &status, WNOHANG) == child)
+            return status == 0 ? std::string() : std::string(program) + " found no browser";
+        usleep(50'000);
+    }
+    return {};
 }
 
 unsigned long ProcessNumber() {

@@ -3,6 +3,8 @@
 #include <io.h>
 #include <share.h>
 #include <windows.h>
+// After windows.h:
+#include <shellapi.h>
 
 #include <algorithm>
 #include <array>
@@ -277,6 +279,23 @@ std::vector<std::string> ProgramArguments(int, const char* const*) {
         if (names.empty()) arguments.push_back(SystemName(argument.text));
     }
     return arguments;
+}
+
+std::string NewTemporaryFolder() {
+    // The user's own folder of temporary files, which others cannot read.
+    const std::string stem =
+        (std::filesystem::temp_directory_path() / "vemrado-").string() + std::to_string(ProcessNumber());
+    for (int attempt = 0;; ++attempt) {
+        std::string folder = stem + "-" + std::to_string(attempt);
+        if (std::filesystem::create_directory(folder)) return folder;
+    }
+}
+
+std::string OpenOnDesktop(const std::string& path) {
+    constexpr INT_PTR greatestProblem = 32;
+    const auto outcome = reinterpret_cast<INT_PTR>(
+        ShellExecuteA(nullptr, "open", path.c_str(), nullptr, nullptr, SW_SHOWNORMAL));
+    return outcome > greatestProblem ? std::string() : "Windows found no browser";
 }
 
 unsigned long ProcessNumber() {

@@ -77,6 +77,8 @@ TEST(Render, RefusesAndLeavesTheOldPicture) {
          2,
          "3000 x 9e+08 pixels is too large"},
         {{map, "-o", folder.Path("nowhere/map.png")}, 3, "nowhere"},
+        {{map, "-o", folder.Path("map.html"), "--layers", "1"}, 2, "--layers: does not apply to a page"},
+        {{map, map, "-o", folder.Path("map.html")}, 2, "a page for the browser holds one map"},
     };
     for (const auto& test : cases) {
         std::vector<std::string> arguments = test.arguments;

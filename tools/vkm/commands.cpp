@@ -8,6 +8,7 @@ void AddCommands(Program& program) {
     AddCheckCommand(program);
     AddDiffCommand(program);
     AddRenderCommand(program);
+    AddViewCommand(program);
 #if VEMRADO_CONVERTER
     AddConvertCommand(program);
     AddIndexCommand(program);

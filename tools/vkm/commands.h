@@ -14,6 +14,7 @@ void AddDumpCommand(Program& program);
 void AddCheckCommand(Program& program);
 void AddDiffCommand(Program& program);
 void AddRenderCommand(Program& program);
+void AddViewCommand(Program& program);
 void AddConvertCommand(Program& program);
 void AddIndexCommand(Program& program);
 void AddParcelsCommand(Program& program);

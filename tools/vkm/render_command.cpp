@@ -1,11 +1,14 @@
 // vkm render: draws a file as a map.
 
+#include <algorithm>
+#include <cctype>
 #include <charconv>
 #include <cmath>
 #include <memory>
 #include <optional>
 #include <set>
 
+#include "client/data_directory.h"
 #include "client/standard_input.h"
 #include "client/system.h"
 #include "client/text_encoding.h"
@@ -39,6 +42,7 @@ struct RenderOptions {
     bool noSymbols = false;
     std::string oldFile;  // draws what changed since that state; empty: the map as it is
     int axisOrientation = 128;
+    const CLI::App* command = nullptr;
 };
 
 draw::Box BoxOf(const std::vector<double>& corners) {
@@ -214,19 +218,51 @@ void CheckScene(const draw::Scene& scene, const RenderOptions& options, const st
     if (!options.sheet.box) WarnOfStrayPoints(scene, name, environment);
 }
 
+// --- A page for the browser ---
+
+constexpr std::string_view pageFormat = "html";
+
+bool WantsPage(const PictureOptions& options) {
+    std::string name = options.format.empty() ? options.file : "." + options.format;
+    std::ranges::transform(name, name.begin(), [](unsigned char c) { return std::tolower(c); });
+    return name.ends_with(".html") || name.ends_with(".htm");
+}
+
+// The reader of a page chooses what else there is to choose.
+void RefusePictureOptions(const CLI::App& command) {
+    for (const CLI::Option* option : command.get_options()) {
+        static const std::set<std::string> ofPages = {"--output", "--format",    "--encoding",
+                                                      "--data",   "--quiet",     "--help",
+                                                      "FILE",     "--recursive", "--files-from"};
+        const std::string name = option->get_single_name();
+        const std::string shown = option->get_lnames().empty() ? name : "--" + name;
+        if (option->count() > 0 && !ofPages.contains(shown))
+            throw Failure(exitUsage, Filled("{}: does not apply to a page for the browser", {shown}));
+    }
+}
+
+int MakePage(const RenderOptions& options, const std::vector<Input>& inputs, Environment& environment) {
+    RefusePictureOptions(*options.command);
+    if (inputs.size() != 1)
+        throw Failure(exitUsage, std::string(Translated("--output: a page for the browser holds one map")));
+    const Input& input = inputs.front();
+    if (!input.problem.empty()) throw Failure(exitInput, input.problem);
+    RefuseInputAsOutput(input.name, options.picture.file);
+    PageContent content = {input.name, {}, {}};
+    if (!ChooseEncoding(options.encoding, input.name, environment, content.encoding)) return exitInput;
+    if (const CLI::Option* data = options.command->get_option("--data"); data->count() > 0)
+        content.symbology = client::DataDirectoryOf(data->as<std::string>());
+    const bool complete =
+        options.picture.file == client::standardInputName
+            ? WriteMapPage(
+                  content, [&](std::string_view bytes) { environment.output.Write(bytes); }, environment)
+            : WriteMapPage(content, options.picture.file, environment);
+    return complete ? exitDone : exitInput;
+}
+
 int RunRender(RenderOptions options, Environment& environment) {
     const std::vector<Input> inputs = FindInputs(options.inputs);
-    if (options.picture.format.empty() && IsMapPage(options.picture.file)) {
-        if (inputs.size() != 1) throw Failure(exitUsage, "--output: a page for the browser holds one map");
-        if (!options.oldFile.empty()) {
-            throw Failure(
-                exitUsage,
-                "--changes: a page for the browser holds one map, and compares it with others itself");
-        }
-        RefuseInputAsOutput(inputs.front().name, options.picture.file);
-        WriteMapPage(inputs.front().name, options.picture.file);
-        return exitDone;
-    }
+    if (WantsPage(options.picture)) return MakePage(options, inputs, environment);
     CheckRenderOptions(options, inputs);
     const std::string& first = inputs.front().name;
     if (!ChooseEncoding(options.encoding, first, environment, options.scene.encoding)) return exitInput;
@@ -261,23 +297,35 @@ void AddRenderCommand(Program& program) {
     const auto options = std::make_shared<RenderOptions>();
     const CommandText text = {
         "render",
-        "Draw a file as a map: PNG, SVG or PDF",
+        "Draw a file as a map: PNG, SVG, PDF or a page for the browser",
         R"(Draws lines in colour, width and dash pattern of their line types, symbols and texts, at the map scale of the
 file: a millimetre of an SVG or PDF picture is one on the printed map. --width makes the whole picture so many pixels
 wide instead. North is up unless --orientation says otherwise. Several sheets are drawn side by side, at the scale of the
 first.
 
 The picture appears whole or not at all. A picture that would be too large is refused with its size: ask for a --width
-or a part of the map by --bbox.)",
+or a part of the map by --bbox.
+
+A name that ends in .html makes a page with the map inside: one file to mail, that any browser opens without a network.
+It takes one map, --encoding and --data; the rest is chosen in the page.)",
         {{"vkm render town.vkm -o town.png --legend", "a map sheet with frame, title and legend"},
          {"vkm render town.vkm -o town.svg --layers 1,4", "boundaries and buildings to go on drawing with"},
          {"vkm render town.vkm -o part.pdf --bbox=-742900,-1043100,-742700,-1043000", "a part, to scale"},
          {"vkm render new.vkm --changes old.vkm -o diff.png", "what is new, over the map in grey"},
-         {"vkm render sheets/ -o country.png --width 2000", "many sheets at a glance"}}};
+         {"vkm render sheets/ -o country.png --width 2000", "many sheets at a glance"},
+         {"vkm render town.vkm -o town.html", "a page with the map inside"}}};
     CLI::App& command =
         program.Add(text, [options](Environment& environment) { return RunRender(*options, environment); });
+    options->command = &command;
     AddInputOptions(command, options->inputs);
     AddPictureOptions(program, command, options->picture, true);
+    command.get_option("--output")
+        ->description(
+            "The picture; its name ends in .png, .svg, .pdf or .html, or is - for standard output "
+            "with --format");
+    CLI::Option& format = *command.get_option("--format");
+    program.SetChoices(*format.description("Kind of the picture: png, svg, pdf or html"),
+                       {"png", "svg", "pdf", std::string(pageFormat)});
     command
         .add_option(
             "--changes", options->oldFile,

@@ -33,7 +33,7 @@ export class App {
     private readonly find: FindField;
     private summary: Summary | null = null;
     private files: MapFile[] = [];
-    private encoding: Encoding = "windows-1250";
+    encoding: Encoding = "windows-1250";
     private panel: PanelName | null = null;
     private picked: Picked[] = [];
     private pickedNumber = 0;

@@ -4,6 +4,7 @@ import { App } from "./app.ts";
 import { Client } from "./client.ts";
 import { byId } from "./dom.ts";
 import { filesOfDrop, type MapFile } from "./files.ts";
+import type { Encoding } from "../engine/engine.ts";
 import { browserLanguage, say } from "./words.ts";
 import type { Font } from "./worker.ts";
 import assets from "page-assets";
@@ -27,21 +28,39 @@ async function startWorker(language: string): Promise<Client> {
     return client;
 }
 
-// A map that stands in the page itself, or beside it by its address.
-async function mapOfPage(): Promise<MapFile | null> {
-    const inside = document.getElementById("embedded-map");
-    if (inside) {
-        return {
-            name: inside.dataset["name"] ?? "map.vkm",
-            blob: new Blob([await unpack(inside.textContent ?? "")]),
-        };
+// A map and the symbology it is drawn with, which stand in the page itself.
+async function filesInPage(): Promise<MapFile[]> {
+    const files: MapFile[] = [];
+    for (const element of document.querySelectorAll<HTMLElement>("script.embedded-file")) {
+        const blob = new Blob([await unpack(element.textContent ?? "")]);
+        files.push({ name: element.dataset["name"] ?? "map.vkm", blob });
+        element.textContent = ""; // of a large map it takes as much memory as the map
     }
+    return files;
+}
+
+// The map that the address names, beside the page on its server.
+async function filesOfAddress(): Promise<MapFile[]> {
     const address = new URLSearchParams(location.search).get("url");
-    if (!address) return null;
-    const name = decodeURIComponent(address.split(/[?#]/)[0]!.split("/").pop() || "map.vkm");
-    const answer = await fetch(new URL(address, location.href));
+    if (!address) return [];
+    const name = nameInAddress(address);
+    let answer: Response;
+    try {
+        answer = await fetch(new URL(address, location.href));
+    } catch {
+        throw new Error(say("notBeside", { name }));
+    }
     if (!answer.ok) throw new Error(`${name}: ${answer.status} ${answer.statusText}`);
-    return { name, blob: await answer.blob() };
+    return [{ name, blob: await answer.blob() }];
+}
+
+function nameInAddress(address: string): string {
+    const name = address.split(/[?#]/)[0]!.split("/").pop() || "map.vkm";
+    try {
+        return decodeURIComponent(name);
+    } catch {
+        return name;
+    }
 }
 
 function watchForFiles(open: (files: MapFile[]) => void): void {
@@ -102,9 +121,10 @@ async function start(): Promise<void> {
     app = new App(client);
     app.speak(language);
     byId("map").setAttribute("data-ready", "true");
+    const encoding = document.getElementById("embedded-map")?.dataset["encoding"];
+    if (encoding) app.encoding = encoding as Encoding;
     try {
-        const given = await mapOfPage();
-        if (given) early.push(given);
+        early.push(...(await filesInPage()), ...(await filesOfAddress()));
     } catch (error) {
         app.warn(error instanceof Error ? error.message : String(error));
         byId("map-status").setAttribute("data-state", "failed");
