@@ -1,5 +1,8 @@
 // What people drop, pick or paste, as maps and symbology files: packed ones are unpacked by the browser itself.
 
+import { largestFile } from "../engine/engine.ts";
+import { say } from "./words.ts";
+
 export interface MapFile {
     name: string;
     blob: Blob;
@@ -14,8 +17,19 @@ export interface OpenedFiles {
 const symbologyName = /^(DKM1_3\.TB|WKOKES\.(CAR|COL|SYM)|.+\.KSH)$/i;
 const otherKinds = /\.(txt|md|pdf|png|jpe?g|html?|xml|json|docx?|xlsx?)$/i;
 
+// A file that unpacks to more than the page takes is given up there.
 async function inflate(blob: Blob, format: "gzip" | "deflate-raw"): Promise<Blob> {
-    return new Response(blob.stream().pipeThrough(new DecompressionStream(format))).blob();
+    let size = 0;
+    const counted = new TransformStream<Uint8Array<ArrayBuffer>, Uint8Array<ArrayBuffer>>({
+        transform(bytes, stream) {
+            size += bytes.length;
+            if (size > largestFile) throw new Error(say("unpacksTooLarge"));
+            stream.enqueue(bytes);
+        },
+    });
+    return new Response(
+        blob.stream().pipeThrough(new DecompressionStream(format)).pipeThrough(counted),
+    ).blob();
 }
 
 interface ZipEntry {

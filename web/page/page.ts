@@ -4,27 +4,43 @@ import { App } from "./app.ts";
 import { Client } from "./client.ts";
 import { byId } from "./dom.ts";
 import { filesOfDrop, type MapFile } from "./files.ts";
+import { reasonOf, setState, warn } from "./status.ts";
 import type { Encoding } from "../engine/engine.ts";
 import { browserLanguage, say } from "./words.ts";
 import type { Font } from "./worker.ts";
 import assets from "page-assets";
 
-async function unpack(base64: string): Promise<ArrayBuffer> {
-    const bytes = Uint8Array.from(atob(base64.trim()), (letter) => letter.charCodeAt(0));
-    return new Response(
-        new Blob([bytes]).stream().pipeThrough(new DecompressionStream("gzip")),
-    ).arrayBuffer();
+const sliceLength = 1 << 20; // letters that are decoded in one go, so that the page never stands still
+
+function bytesOf(base64: string): Uint8Array<ArrayBuffer> {
+    const letters = atob(base64);
+    const bytes = new Uint8Array(letters.length);
+    for (let i = 0; i < bytes.length; i++) bytes[i] = letters.charCodeAt(i);
+    return bytes;
 }
 
-function bytesOf(base64: string): ArrayBuffer {
-    return Uint8Array.from(atob(base64), (letter) => letter.charCodeAt(0)).buffer;
+// What the build or the command line has packed by gzip and base64.
+async function unpack(base64: string): Promise<Blob> {
+    let at = 0;
+    const bytes = new ReadableStream<Uint8Array<ArrayBuffer>>({
+        async pull(stream) {
+            await new Promise((resolve) => setTimeout(resolve)); // a task of its own
+            if (at >= base64.length) return stream.close();
+            stream.enqueue(bytesOf(base64.slice(at, at + sliceLength)));
+            at += sliceLength;
+        },
+    });
+    return new Response(bytes.pipeThrough(new DecompressionStream("gzip"))).blob();
 }
 
 async function startWorker(language: string): Promise<Client> {
-    const script = new Blob([await unpack(assets.worker)], { type: "text/javascript" });
+    const script = await unpack(assets.worker);
     const client = new Client(new Worker(URL.createObjectURL(script)));
-    const fonts: Font[] = assets.fonts.map(({ base64, ...face }) => ({ ...face, bytes: bytesOf(base64) }));
-    await client.call("init", await unpack(assets.wasm), fonts, language);
+    const fonts: Font[] = assets.fonts.map(({ base64, ...face }) => ({
+        ...face,
+        bytes: bytesOf(base64).buffer,
+    }));
+    await client.call("init", await (await unpack(assets.wasm)).arrayBuffer(), fonts, language);
     return client;
 }
 
@@ -32,7 +48,7 @@ async function startWorker(language: string): Promise<Client> {
 async function filesInPage(): Promise<MapFile[]> {
     const files: MapFile[] = [];
     for (const element of document.querySelectorAll<HTMLElement>("script.embedded-file")) {
-        const blob = new Blob([await unpack(element.textContent ?? "")]);
+        const blob = await unpack(element.textContent ?? "");
         files.push({ name: element.dataset["name"] ?? "map.vkm", blob });
         element.textContent = ""; // of a large map it takes as much memory as the map
     }
@@ -106,9 +122,11 @@ function watchForFiles(open: (files: MapFile[]) => void): void {
 // Pasted text as the bytes that a map file has for it.
 function windows1250(text: string): Blob {
     const decoder = new TextDecoder("windows-1250");
-    const byteOf = new Map<string, number>();
-    for (let byte = 0; byte < 256; byte++) byteOf.set(decoder.decode(Uint8Array.of(byte)), byte);
-    return new Blob([Uint8Array.from(text, (letter) => byteOf.get(letter) ?? 0x3f)]);
+    const byteOf = new Uint8Array(1 << 16).fill(0x3f); // by the letter
+    for (let byte = 0; byte < 256; byte++) byteOf[decoder.decode(Uint8Array.of(byte)).charCodeAt(0)] = byte;
+    const bytes = new Uint8Array(text.length);
+    for (let i = 0; i < text.length; i++) bytes[i] = byteOf[text.charCodeAt(i)]!;
+    return new Blob([bytes]);
 }
 
 async function start(): Promise<void> {
@@ -116,20 +134,20 @@ async function start(): Promise<void> {
     document.body.classList.add("without-map");
     let app: App | null = null;
     const early: MapFile[] = [];
-    watchForFiles((files) => (app ? void app.open(files) : early.push(...files)));
+    watchForFiles((files) => (app ? void app.opening.open(files) : early.push(...files)));
     const client = await startWorker(language);
     app = new App(client);
     app.speak(language);
     byId("map").setAttribute("data-ready", "true");
     const encoding = document.getElementById("embedded-map")?.dataset["encoding"];
-    if (encoding) app.encoding = encoding as Encoding;
+    if (encoding) app.opening.encoding = encoding as Encoding;
     try {
         early.push(...(await filesInPage()), ...(await filesOfAddress()));
     } catch (error) {
-        app.warn(error instanceof Error ? error.message : String(error));
-        byId("map-status").setAttribute("data-state", "failed");
+        warn(reasonOf(error));
+        setState("failed", null);
     }
-    if (early.length > 0) await app.open(early);
+    if (early.length > 0) await app.opening.open(early);
 }
 
 start().catch((error: unknown) => {

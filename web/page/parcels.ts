@@ -9,7 +9,7 @@ import { say, sayArea, sayNumber } from "./words.ts";
 const mostListed = 500;
 
 export class Parcels {
-    list: ParcelList | null = null;
+    private list: ParcelList | null = null; // once it was asked for
     private chosen: ParcelRings | null = null;
     private chosenNumber = -1;
 
@@ -23,10 +23,6 @@ export class Parcels {
         this.list = null;
         this.chosen = null;
         this.chosenNumber = -1;
-    }
-
-    async find(): Promise<void> {
-        this.list ??= await this.client.call("parcels");
     }
 
     // True when there was a parcel at the place.
@@ -77,9 +73,10 @@ export class Parcels {
         context.stroke();
     }
 
-    panel(): Node[] {
+    async panel(): Promise<Node[]> {
+        this.list ??= await this.client.call("parcels");
+        this.view.redraw();
         const { list } = this;
-        if (!list) return [];
         if (list.tooManyCrossings) return [make("p", {}, say("tooManyCrossings"))];
         if (list.parcels.length === 0) return [make("p", {}, say("noParcels")), ...this.problems(list)];
         const area = list.parcels.reduce((sum, parcel) => sum + parcel.size, 0);

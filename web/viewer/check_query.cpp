@@ -52,6 +52,7 @@ std::string Check(const Sheet& sheet, size_t most) {
     FindingList findings(sheet.Encoding(), most);
     map::CheckSettings settings;
     settings.encoding = sheet.Encoding();
+    settings.codes = map::LoadKnownCodes();
     const PageBytes bytes = BytesOf(sheet.File());
     map::CheckMap(bytes.source, bytes.markSkipped, settings, findings);
     return findings.Finished();
