@@ -1,9 +1,13 @@
 // The module and its map behind one class: what C exports say, in JavaScript's own types. Runs in a Worker, in a page
 // or in Node; everything in it is synchronous.
 
+import { packBatch, tables } from "./columns.ts";
+import { elementsOf, type ElementBatch } from "./elements.ts";
 import type {
     Box,
     CheckReport,
+    ColumnBatch,
+    ColumnOptions,
     Comparison,
     Element,
     Hit,
@@ -12,7 +16,9 @@ import type {
     ParcelList,
     ParcelRings,
     Picked,
+    Status,
     Summary,
+    Table,
     View,
 } from "./types.ts";
 
@@ -33,11 +39,12 @@ export interface Commands {
 interface Module {
     HEAPU8: Uint8Array;
     HEAPF32: Float32Array;
+    HEAPF64: Float64Array;
     FS: { mkdirTree(path: string): void; writeFile(path: string, bytes: Uint8Array): void };
     readFile: (file: number, offset: number, destination: number, count: number) => number;
     _malloc(size: number): number;
     _free(pointer: number): void;
-    [name: `_vkm_${string}`]: (...values: number[]) => number;
+    [name: `_web_${string}`]: (...values: number[]) => number;
 }
 
 export type ModuleFactory = (settings: object) => Promise<Module>;
@@ -48,23 +55,23 @@ export type Encoding = (typeof encodings)[number];
 // The module refuses nothing by itself; a map takes about one and a half times its bytes of the 4 GB there are.
 export const largestFile = 2 * 1024 ** 3;
 
-const sampleSymbology = "/symbology";
+const numbersAtOnce = 1 << 16; // of elements
 
-// Numbers that JSON has no form for are written as their names.
-export function parseElement(line: string): Element {
-    if (!/"(NaN|-?Infinity)"/.test(line)) return JSON.parse(line) as Element;
-    return JSON.parse(line, (key, value: unknown) =>
-        typeof value === "string" && key !== "text" && key !== "K" && /^(NaN|-?Infinity)$/.test(value)
-            ? Number(value)
-            : value,
-    ) as Element;
+// What is read of a file from its beginning to its end, apart from everything else.
+export interface Passage<Batch> {
+    readonly complete: boolean; // whether the closing record has been read
+    next(): Batch | null; // null at the end
+    close(): void;
 }
+
+const sampleSymbology = "/symbology";
 
 export class VkmError extends Error {
     constructor(
         message: string,
         readonly file: string,
         readonly line: number, // that had been read; 0: none
+        readonly status: Status = "open",
     ) {
         super(message);
         this.name = "VkmError";
@@ -82,82 +89,156 @@ export class Engine {
     }
 
     // language: a country's number or the name of a language, for the words of messages and legends.
-    static async load(factory: ModuleFactory, wasm: BufferSource, language = "en"): Promise<Engine> {
+    static async load(
+        factory: ModuleFactory,
+        wasm: BufferSource | WebAssembly.Module,
+        language = "en",
+    ): Promise<Engine> {
         let engine: Engine | undefined;
         const environment = (module: { ENV?: Record<string, string> }): void => {
             if (module.ENV) module.ENV["VEMRADO_COUNTRY"] = language;
         };
+        const instantiate = (
+            imports: WebAssembly.Imports,
+            done: (made: WebAssembly.Instance) => void,
+        ): object => {
+            void WebAssembly.instantiate(wasm as WebAssembly.Module, imports).then(done);
+            return {};
+        };
+        const compiled = wasm instanceof WebAssembly.Module;
         const module = await factory({
-            wasmBinary: wasm,
+            ...(compiled ? { instantiateWasm: instantiate } : { wasmBinary: wasm }),
             locateFile: (name: string) => name,
             preRun: [environment],
             print: () => undefined,
             printErr: () => undefined,
         });
         engine = new Engine(module);
-        engine.withText(sampleSymbology, (directory) => module._vkm_symbology!(directory));
+        engine.withText(sampleSymbology, (directory) => module._web_symbology!(directory));
         return engine;
     }
 
     // Opens a source as the next sheet of the map. Its number.
     open(source: Source, encoding: Encoding = "windows-1250"): number {
         if (source.size > largestFile) throw new RangeError(`${source.name}: larger than 2 GB`);
-        const file = ++this.lastFile;
-        this.sources.set(file, source);
+        const file = this.offer(source);
         return this.withText(source.name, (name) =>
-            this.module._vkm_open!(name, file, source.size, encodings.indexOf(encoding)),
+            this.module._web_open!(name, file, source.size, encodings.indexOf(encoding)),
         );
     }
     // Reads on for so long; false when all is read.
     read(sheet: number, milliseconds: number): boolean {
-        return this.module._vkm_read!(sheet, milliseconds) !== 0;
+        return this.module._web_read!(sheet, milliseconds) !== 0;
     }
     stop(sheet: number): void {
-        this.module._vkm_stop!(sheet);
+        this.module._web_stop!(sheet);
     }
     index(sheet: number): void {
-        this.module._vkm_index!(sheet);
+        this.module._web_index!(sheet);
     }
     clear(): void {
-        this.module._vkm_clear!();
+        this.module._web_clear!();
         this.sources.clear();
     }
 
-    // The elements of a source, as they stand in it. Throws VkmError where it cannot be read.
+    // The elements of a source, as they stand in it. Returns whether it is complete. Throws VkmError where it cannot
+    // be read.
     *elements(
         source: Source,
         encoding: Encoding = "windows-1250",
         axisOrientation = 128,
     ): Generator<Element, boolean> {
-        const file = ++this.lastFile;
-        this.sources.set(file, source);
-        const { module } = this;
-        const batch = 1 << 16;
+        const passage = this.openElements(source, encoding, axisOrientation);
         try {
-            const failure = this.withText(source.name, (name) =>
-                this.text(
-                    module._vkm_elements_open!(
-                        name,
-                        file,
-                        source.size,
-                        encodings.indexOf(encoding),
-                        axisOrientation,
-                    ),
-                ),
-            );
-            if (failure !== "") throw new VkmError(failure, source.name, 0);
             for (;;) {
-                const lines = this.text(module._vkm_elements_next!(batch));
-                if (lines.startsWith("!")) {
-                    throw new VkmError(lines.slice(1), source.name, module._vkm_elements_line!());
-                }
-                if (lines === "") return module._vkm_elements_complete!() !== 0;
-                for (const line of lines.split("\n")) if (line !== "") yield parseElement(line);
+                const batch = passage.next();
+                if (!batch) return passage.complete;
+                yield* elementsOf(batch);
             }
         } finally {
-            module._vkm_elements_close!();
-            this.sources.delete(file);
+            passage.close();
         }
+    }
+    // The same batch by batch. Throws VkmError.
+    openElements(source: Source, encoding: Encoding, axisOrientation = 128): Passage<ElementBatch> {
+        const { module } = this;
+        const file = this.offer(source);
+        const open = (name: number): number =>
+            module._web_elements_open!(name, file, source.size, encodings.indexOf(encoding), axisOrientation);
+        this.require(
+            file,
+            this.withText(source.name, (name) => this.text(open(name))),
+        );
+        let complete = false;
+        return {
+            get complete() {
+                return complete;
+            },
+            next: () => {
+                const count = module._web_elements_next!(file, numbersAtOnce);
+                if (count < 0) {
+                    const reason = this.text(module._web_failure!());
+                    throw new VkmError(reason, source.name, module._web_elements_line!(file), "read");
+                }
+                complete = module._web_elements_complete!(file) !== 0;
+                if (count === 0) return null;
+                const at = module._web_elements_numbers!(file) / 8;
+                const begin = module._web_elements_texts!(file);
+                const end = begin + module._web_elements_texts_length!(file);
+                return {
+                    numbers: module.HEAPF64.slice(at, at + count),
+                    texts: this.decoder.decode(module.HEAPU8.subarray(begin, end)),
+                };
+            },
+            close: () => {
+                module._web_elements_close!(file);
+                this.sources.delete(file);
+            },
+        };
+    }
+    // A table of a source as Arrow columns, batch by batch. Throws VkmError.
+    openColumns(
+        source: Source,
+        encoding: Encoding,
+        table: Table,
+        options: ColumnOptions,
+    ): Passage<ColumnBatch> {
+        const { module } = this;
+        const file = this.offer(source);
+        const layers = options.layers ?? [];
+        const layerList = options.layers ? module._malloc(4 * layers.length + 1) : 0;
+        new Int32Array(module.HEAPU8.buffer).set(layers, layerList / 4);
+        const open = (name: number): number =>
+            module._web_columns_open!(
+                name,
+                file,
+                source.size,
+                tables.indexOf(table),
+                encodings.indexOf(encoding),
+                layerList,
+                layers.length,
+                (options.splitByCode ?? true) ? 1 : 0,
+                options.batchRows ?? 65536,
+                options.parcelLayer ?? 1,
+                options.numberLayer ?? 2,
+            );
+        const failure = this.withText(source.name, (name) => this.text(open(name)));
+        module._free(layerList);
+        this.require(file, failure);
+        return {
+            complete: false,
+            next: () => {
+                const reason = this.text(module._web_columns_next!(file));
+                if (reason !== "") throw new VkmError(reason, source.name, 0, "read");
+                const batch = module._web_columns_batch!(file);
+                if (batch === 0) return null;
+                return packBatch(module.HEAPU8, batch, module._web_columns_schema!(file));
+            },
+            close: () => {
+                module._web_columns_close!(file);
+                this.sources.delete(file);
+            },
+        };
     }
 
     // The files of a symbology of one's own, for sheets opened from now on.
@@ -165,50 +246,49 @@ export class Engine {
         const directory = `/own-${++this.lastFile}`;
         this.module.FS.mkdirTree(`${directory}/VKMSym`);
         for (const file of files) this.module.FS.writeFile(`${directory}/VKMSym/${file.name}`, file.bytes);
-        this.withText(directory, (name) => this.module._vkm_symbology!(name));
+        this.withText(directory, (name) => this.module._web_symbology!(name));
     }
 
     summary(): Summary {
-        return this.json(this.module._vkm_summary!()) as Summary;
+        return this.json(this.module._web_summary!()) as Summary;
     }
     showLayer(layer: number, shown: boolean): void {
-        this.module._vkm_show_layer!(layer, shown ? 1 : 0);
+        this.module._web_show_layer!(layer, shown ? 1 : 0);
     }
     legend(box: Box): Legend {
-        return this.json(this.module._vkm_legend!(...box)) as Legend;
+        return this.json(this.module._web_legend!(...box)) as Legend;
     }
     find(text: string, most: number): { count: number; hits: Hit[] } {
-        const found = this.withText(text, (wanted) => this.module._vkm_find!(wanted, most));
+        const found = this.withText(text, (wanted) => this.module._web_find!(wanted, most));
         return this.json(found) as { count: number; hits: Hit[] };
     }
     pick(x: number, y: number, distance: number): Picked[] {
-        return this.json(this.module._vkm_pick!(x, y, distance)) as Picked[];
+        return this.json(this.module._web_pick!(x, y, distance)) as Picked[];
     }
     inspect(picked: Picked): Inspection | null {
         const kind = ["line", "symbol", "text"].indexOf(picked.kind);
         return this.json(
-            this.module._vkm_inspect!(picked.sheet, picked.layer, kind, picked.number),
+            this.module._web_inspect!(picked.sheet, picked.layer, kind, picked.number),
         ) as Inspection | null;
     }
     parcels(): ParcelList {
-        return this.json(this.module._vkm_parcels!()) as ParcelList;
+        return this.json(this.module._web_parcels!()) as ParcelList;
     }
     parcelAt(x: number, y: number): number {
-        return this.module._vkm_parcel_at!(x, y);
+        return this.module._web_parcel_at!(x, y);
     }
     parcelRings(parcel: number): ParcelRings {
-        return this.json(this.module._vkm_parcel_rings!(parcel)) as ParcelRings;
+        return this.json(this.module._web_parcel_rings!(parcel)) as ParcelRings;
     }
     check(sheet: number, most: number): CheckReport {
-        return this.json(this.module._vkm_check!(sheet, most)) as CheckReport;
+        return this.json(this.module._web_check!(sheet, most)) as CheckReport;
     }
     // What changed since another state of the map.
     compare(old: Source, encoding: Encoding, most: number): Comparison {
-        const file = ++this.lastFile;
-        this.sources.set(file, old);
+        const file = this.offer(old);
         try {
             return this.json(
-                this.module._vkm_compare!(file, encodings.indexOf(encoding), most),
+                this.module._web_compare!(file, encodings.indexOf(encoding), most),
             ) as Comparison;
         } finally {
             this.sources.delete(file);
@@ -216,32 +296,42 @@ export class Engine {
     }
     svg(sheet: number, box: Box, legend: boolean, title: string): string {
         return this.withText(title, (text) =>
-            this.text(this.module._vkm_svg!(sheet, ...box, legend ? 1 : 0, text)),
+            this.text(this.module._web_svg!(sheet, ...box, legend ? 1 : 0, text)),
         );
     }
 
     isThin(pixelsPerMetre: number): boolean {
-        return this.module._vkm_is_thin!(pixelsPerMetre) !== 0;
+        return this.module._web_is_thin!(pixelsPerMetre) !== 0;
     }
     // Red, green, blue and opacity of the lines of a view that is seen from afar. indexed: only what the trees find.
     paintThin(view: View, indexed: boolean): Uint8ClampedArray<ArrayBuffer> {
         const { x, y, scale, width, height } = view;
-        const at = this.module._vkm_paint_thin!(x, y, scale, width, height, indexed ? 1 : 0);
+        const at = this.module._web_paint_thin!(x, y, scale, width, height, indexed ? 1 : 0);
         const pixels = new Uint8ClampedArray(this.module.HEAPU8.slice(at, at + width * height * 4).buffer);
-        this.module._vkm_forget_pixels!();
+        this.module._web_forget_pixels!();
         return pixels;
     }
     // What else there is in a view, or everything where nothing is thin.
     draw(view: View): Commands {
-        const count = this.module._vkm_draw!(view.x, view.y, view.scale, view.width, view.height);
-        const at = this.module._vkm_commands!() / 4;
-        const texts = this.text(this.module._vkm_texts!());
+        const count = this.module._web_draw!(view.x, view.y, view.scale, view.width, view.height);
+        const at = this.module._web_commands!() / 4;
+        const texts = this.text(this.module._web_texts!());
         return {
             numbers: this.module.HEAPF32.slice(at, at + count),
             texts: texts === "" ? [] : texts.split("\n"),
         };
     }
 
+    private offer(source: Source): number {
+        this.sources.set(++this.lastFile, source);
+        return this.lastFile;
+    }
+    private require(file: number, failure: string): void {
+        if (failure === "") return;
+        const { name } = this.sources.get(file)!;
+        this.sources.delete(file);
+        throw new VkmError(failure, name, 0);
+    }
     private readFile(file: number, offset: number, destination: number, count: number): number {
         try {
             const bytes = this.sources.get(file)?.read(offset, count);

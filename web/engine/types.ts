@@ -15,6 +15,7 @@ export interface SheetSummary {
     name: string;
     state: "reading" | "complete" | "incomplete" | "stopped" | "failed";
     failure: string;
+    failureLine: number; // of the file, where reading it failed; 0: nowhere
     lines: number;
     texts: number;
     scale: number;
@@ -210,3 +211,26 @@ export interface Comparison {
     moved: number;
     changes: Change[]; // the first ones
 }
+
+export type Table = "lines" | "points" | "texts" | "parcels";
+
+export interface ColumnOptions {
+    layers?: number[]; // only these
+    splitByCode?: boolean; // lines are split where the code changes; by default true
+    batchRows?: number; // at most; 65536 by default
+    parcelLayer?: number; // with the boundaries of parcels; 1 by default
+    numberLayer?: number; // with their numbers; 2 by default
+}
+
+// Rows of a table: addresses of the structures of the Arrow C data interface in a block of memory of their own, which
+// needs no release.
+export interface ColumnBatch {
+    memory: ArrayBuffer;
+    array: number; // ArrowArray
+    schema: number; // ArrowSchema
+    rows: number;
+}
+
+// What went wrong: the file cannot be opened or is no map; reading failed in its middle; the map is closed; or the
+// program itself is at fault.
+export type Status = "open" | "read" | "closed" | "internal";

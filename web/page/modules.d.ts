@@ -8,6 +8,10 @@ declare module "vkm_wasm" {
     const packed: string; // gzip, base64
     export default packed;
 }
+declare module "vkm_worker" {
+    const packed: string; // gzip, base64
+    export default packed;
+}
 declare module "page-assets" {
     const assets: {
         worker: string; // gzip, base64, as the next

@@ -25,10 +25,27 @@ before(() => {
     copyFileSync(town, join(project, "town.vkm"));
 });
 
-function run(script: string): unknown {
-    const path = join(project, "script.js");
-    writeFileSync(path, `import { openMap, VkmError } from "vemrado";\n${script}`);
-    return JSON.parse(execFileSync("node", ["script.js"], { cwd: project, encoding: "utf8" }));
+// What a script of the project's writes.
+function run(script: string, ...options: string[]): unknown {
+    const imports = `
+        import { readFileSync } from "node:fs";
+        import { createServer } from "node:http";
+        import { pathToFileURL } from "node:url";
+        import { gzipSync } from "node:zlib";
+        import { openMap, VkmError } from "vemrado";
+        async function serve() {
+            const server = createServer((request, answer) => answer.writeHead(404).end());
+            await new Promise((listening) => server.listen(0, "127.0.0.1", listening));
+            return { port: server.address().port, close: () => server.close() };
+        }`;
+    writeFileSync(join(project, "script.js"), imports + script);
+    const output = execFileSync("node", [...options, "script.js"], {
+        cwd: project,
+        encoding: "utf8",
+        timeout: 60000,
+        maxBuffer: 1 << 28,
+    });
+    return JSON.parse(output);
 }
 
 test("no dependency and nothing but what it needs", () => {
@@ -42,52 +59,125 @@ test("no dependency and nothing but what it needs", () => {
     ]);
 });
 
-test("elements, features, parcels and findings in Node", () => {
+test("a map in its Worker gives what it gives in this thread, and what the native module reads", () => {
     const elements = dumpOf(town) as { kind: string; elements?: { type: string }[] }[];
     // A line of single points has symbols only.
     const isDrawn = ({ elements: points }: (typeof elements)[number]): boolean =>
         !points || points.some(({ type }, i) => i > 0 && type !== "P");
-    const result = run(`
-        const map = await openMap("town.vkm");
-        let lines = 0, texts = 0;
-        for await (const element of map) element.kind === "line" ? lines++ : texts++;
-        const { features } = map.geojson();
-        const columns = map.columns();
-        const parcels = map.parcels();
-        const other = await openMap(new Blob(["&V S-JTSK 0 0\\n&G 1 1\\n&L P 1 2\\n L 3 4\\n"]), { name: "small" });
-        map.close();
-        let closed = "";
-        try { map.layers; } catch (error) { closed = error instanceof VkmError ? error.file : "" }
-        console.log(JSON.stringify({
-            lines, texts, closed,
-            features: features.length,
-            starts: columns.lines.start.at(-1) * 2 === columns.lines.points.length,
-            parcels: parcels.length > 100 && parcels.every((parcel) => parcel.size > 0),
-            small: [other.complete, other.extent],
-        }));`);
-    assert.deepEqual(result, {
-        lines: elements.filter(({ kind }) => kind === "line").length,
-        texts: elements.filter(({ kind }) => kind === "text").length,
-        closed: "town.vkm",
-        features: elements.filter(isDrawn).length,
-        starts: true,
-        parcels: true,
-        small: [false, []],
-    });
+    const [inWorker, inThread, inside] = run(`
+        async function answers(input, options) {
+            const map = await openMap(input, options);
+            const kinds = [];
+            for await (const element of map) kinds.push(element.kind);
+            const { features } = await map.geojson();
+            return {
+                kinds,
+                head: [map.name, map.complete, map.scale, map.extent, map.layers],
+                features: features.length,
+                parcels: await map.parcels(),
+                found: await map.find("12"),
+                findings: await map.check(),
+                picture: (await map.svg(map.extent)).length,
+            };
+        }
+        const bytes = readFileSync("town.vkm");
+        console.log(JSON.stringify(await Promise.all([
+            answers("town.vkm"),
+            answers(new Blob([gzipSync(bytes)]), { name: "town.vkm", worker: false }),
+            answers(pathToFileURL("town.vkm")),
+        ])));
+        // Nothing is closed: the program ends all the same.`) as Record<string, unknown>[];
+    assert.deepEqual(inThread, inWorker);
+    assert.deepEqual(inside, inWorker);
+    assert.deepEqual(
+        inWorker!["kinds"],
+        elements.map(({ kind }) => kind),
+    );
+    assert.equal(inWorker!["features"], elements.filter(isDrawn).length);
+    const parcels = inWorker!["parcels"] as { size: number }[];
+    assert.ok(parcels.length > 100 && parcels.every(({ size }) => size > 0));
 });
 
-test("failures are VkmErrors that name the file", () => {
+test("failures are VkmErrors that name the file, the line and the kind", () => {
     const failures = run(`
         const failures = [];
-        for (const input of ["missing.vkm", new Blob(["%PDF-1.4 no map"])]) {
-            try { await openMap(input, { name: "given" }); }
-            catch (error) { failures.push([error instanceof VkmError, error.message.length > 10]); }
+        async function attempt(work) {
+            try { await work(); failures.push("no failure"); }
+            catch (error) {
+                const { name, file, line, status } = error;
+                failures.push([error instanceof VkmError ? "VkmError" : name, file, line, status, error.message]);
+            }
         }
-        console.log(JSON.stringify(failures));`);
-    assert.deepEqual(failures, [
-        [true, true],
-        [true, true],
-    ]);
+        const { port, close } = await serve();
+        for (const worker of [true, false]) {
+            const given = { name: "given", worker };
+            await attempt(() => openMap("missing.vkm", { worker }));
+            await attempt(() => openMap(new Blob(["%PDF-1.4 no map"]), given));
+            await attempt(() => openMap(gzipSync("&V").subarray(0, 12), given));
+            await attempt(() => openMap("http://127.0.0.1:" + port + "/town.vkm", { worker }));
+            const map = await openMap("town.vkm", { worker });
+            await attempt(() => map.columns("streets").next());
+            await attempt(() => map.draw({}, { x: 0, y: 0, scale: 1, width: 1e9, height: 1e9 }));
+            await attempt(async () => { for await (const element of map) map.close(); });
+            await attempt(() => map.parcels());
+            await attempt(() => openMap("town.vkm", { worker, signal: AbortSignal.abort() }));
+            const control = new AbortController();
+            const opening = openMap("town.vkm", { worker, signal: control.signal });
+            control.abort();
+            await attempt(() => opening);
+        }
+        close();
+        console.log(JSON.stringify(failures));`) as unknown[];
+    const expected = [
+        ["VkmError", "missing.vkm", 0, "open", "missing.vkm: no such file or directory"],
+        ["VkmError", "given", 0, "open", "given: not a VKM file (looks like PDF)"],
+        ["VkmError", "given", 0, "open", "given: the packed file is damaged"],
+        ["VkmError", "town.vkm", 0, "open", "town.vkm: the server answers 404 Not Found"],
+        ["RangeError", null, null, null, "there is no table 'streets'"],
+        [
+            "RangeError",
+            null,
+            null,
+            null,
+            "a view has a place, a scale above 0, and a width and height from 1 to 16384 pixels",
+        ],
+        ["VkmError", "town.vkm", 0, "closed", "town.vkm: the map is closed"],
+        ["VkmError", "town.vkm", 0, "closed", "town.vkm: the map is closed"],
+        ["AbortError", null, null, null, "This operation was aborted"],
+        ["AbortError", null, null, null, "This operation was aborted"],
+    ];
+    assert.deepEqual(failures, [...expected, ...expected]);
+});
+
+test("maps that nobody closes are freed by the collector, those in use are not", () => {
+    const memory = run(
+        `
+        const bytes = readFileSync("town.vkm");
+        async function open() {
+            const map = await openMap(bytes);
+            return (await map.find("1")).count;
+        }
+        const megabytes = () => process.memoryUsage().rss / 1e6;
+        const sizes = [];
+        for (let round = 0; round < 6; round++) {
+            await Promise.all(Array.from({ length: 8 }, open));
+            await collect();
+            sizes.push(megabytes());
+        }
+        const asked = (await openMap(bytes)).check();
+        await collect();
+        console.log(JSON.stringify({ sizes, findings: typeof (await asked).note }));
+        async function collect() {
+            for (let i = 0; i < 5; i++) {
+                gc();
+                await new Promise((resolve) => setTimeout(resolve, 50));
+            }
+        }`,
+        "--expose-gc",
+    ) as { sizes: number[]; findings: string };
+    const { sizes } = memory;
+    assert.ok(sizes.at(-1)! < sizes[1]! + 60, `resident memory in MB: ${sizes.map(Math.round)}`);
+    assert.equal(memory.findings, "number");
 });
 
 test("the canvas sample, bundled by esbuild, draws the map", async () => {

@@ -2,13 +2,22 @@
 
 import { execFileSync } from "node:child_process";
 import { resolve } from "node:path";
-import { parseElement } from "../engine/engine.ts";
+import type { Element } from "../engine/types.ts";
 
 export const root = resolve(process.env["VEMRADO_ROOT"] ?? "..");
 export const moduleFolder = resolve(root, "build/web/module");
 export const pageFile = resolve(root, "build/web/vemrado.html");
 export const programs = resolve(root, process.env["VEMRADO_PROGRAMS"] ?? "build/release/bin");
 export const town = resolve(root, "data/sample-town.vkm");
+
+// Numbers that JSON has no form for are written as their names.
+function parseElement(line: string): Element {
+    return JSON.parse(line, (key, value: unknown) =>
+        typeof value === "string" && key !== "text" && key !== "K" && /^(NaN|-?Infinity)$/.test(value)
+            ? Number(value)
+            : value,
+    ) as Element;
+}
 
 // The elements of a file as the native module reads them.
 export function dumpOf(path: string): object[] {

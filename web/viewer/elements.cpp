@@ -1,32 +1,8 @@
 #include "elements.h"
 
-#include <charconv>
-#include <cmath>
 #include <stdexcept>
 
-#include "json.h"
-
 namespace vemrado::web {
-namespace {
-
-// The shortest digits that read as the same number. Coordinates have two or three places: those first.
-void AppendReal(double value, std::string& text) {
-    char digits[40];
-    const double thousands = std::round(value * 1000);
-    if (std::abs(thousands) < 1e15 && thousands / 1000 == value && !(value == 0 && std::signbit(value))) {
-        const int length = std::snprintf(digits, sizeof digits, "%.3f", value);
-        std::string_view number(digits, static_cast<size_t>(length));
-        while (number.back() == '0') number.remove_suffix(1);
-        if (number.back() == '.') number.remove_suffix(1);
-        text += number;
-    } else if (std::isfinite(value)) {
-        text.append(digits, std::to_chars(digits, digits + sizeof digits, value).ptr);
-    } else {
-        text += std::isnan(value) ? R"("NaN")" : value > 0 ? R"("Infinity")" : R"("-Infinity")";
-    }
-}
-
-}  // namespace
 
 ElementReader::ElementReader(const std::string& name, int file, double length, client::Encoding encoding,
                              int axisOrientation)
@@ -39,9 +15,12 @@ ElementReader::ElementReader(const std::string& name, int file, double length, c
     }
 }
 
-const std::string& ElementReader::Next(size_t bytes) {
-    batch.clear();
-    while (batch.size() < bytes) {
+const ElementBatch& ElementReader::Next(size_t numbers) {
+    batch.numbers.clear();
+    batch.texts.clear();
+    codes.clear();
+    textCount = 0;
+    while (batch.numbers.size() < numbers) {
         const map::ElementKind kind = importer.Next();
         if (kind == map::ElementKind::none) break;
         kind == map::ElementKind::line ? PutLine(importer.Line()) : PutText(importer.Text());
@@ -49,56 +28,35 @@ const std::string& ElementReader::Next(size_t bytes) {
     return batch;
 }
 
-void ElementReader::PutNumber(const char* before, double value) {
-    batch += before;
-    AppendReal(value, batch);
-}
-
-void ElementReader::PutPoint(const char* before, double x, double y) {
-    PutNumber(before, x);
-    PutNumber(",", y);
-    batch += ']';
-}
-
-void ElementReader::PutBytes(const char* before, std::string_view bytes) {
-    batch += before;
-    decoded.clear();
-    decoder.Append(bytes, decoded);
-    AppendQuoted(decoded, batch);
-}
-
 void ElementReader::PutLine(const map::RawLine& line) {
-    PutNumber(R"({"kind":"line","layer":)", line.layer);
-    PutNumber(R"(,"fileLine":)", line.fileLine);
-    batch += R"(,"elements":[)";
-    bool first = true;
+    std::vector<double>& numbers = batch.numbers;
+    numbers.insert(numbers.end(), {static_cast<double>(line.elements.size()), double(line.layer),
+                                   static_cast<double>(line.fileLine)});
     for (const VkmElement& element : line.elements) {
-        PutPoint(first ? R"({"point":[)" : R"(,{"point":[)", element.x, element.y);
-        first = false;
-        batch += R"(,"type":")";
-        if (element.type != 0) batch += element.type == 1 ? '?' : static_cast<char>(element.type);
-        batch += '"';
-        PutBytes(R"(,"K":)", element.code);
-        PutNumber(R"(,"M":)", element.valueM);
-        PutNumber(R"(,"R":)", element.valueR);
-        PutNumber(R"(,"S":)", element.symbolCode);
-        PutNumber(R"(,"U":)", element.valueU);
-        batch += '}';
+        // 1 stands for every letter that is none of a type's.
+        const double type = element.type == 1 ? '?' : element.type;
+        numbers.insert(numbers.end(), {element.x, element.y, type, PlaceOfCode(element.code), element.valueM,
+                                       element.valueR, double(element.symbolCode), element.valueU});
     }
-    batch += "]}\n";
 }
 
 void ElementReader::PutText(const map::RawText& text) {
-    PutNumber(R"({"kind":"text","layer":)", text.layer);
-    PutNumber(R"(,"fileLine":)", text.fileLine);
-    PutBytes(R"(,"text":)", text.text);
-    PutPoint(R"(,"point":[)", text.point.x, text.point.y);
-    PutNumber(R"(,"D":)", text.valueD);
-    PutNumber(R"(,"F":)", text.valueF);
-    PutNumber(R"(,"H":)", text.scaledH);
-    PutNumber(R"(,"K":)", text.code);
-    PutNumber(R"(,"U":)", text.valueU);
-    batch += "}\n";
+    batch.numbers.insert(batch.numbers.end(),
+                         {-1, double(text.layer), static_cast<double>(text.fileLine), AddText(text.text),
+                          text.point.x, text.point.y, double(text.valueD), double(text.valueF), text.scaledH,
+                          double(text.code), text.valueU});
+}
+
+double ElementReader::PlaceOfCode(std::string_view code) {
+    const auto [found, isNew] = codes.try_emplace(std::string(code));
+    if (isNew) found->second = AddText(code);
+    return found->second;
+}
+
+double ElementReader::AddText(std::string_view bytes) {
+    decoder.Append(bytes, batch.texts);
+    batch.texts += '\n';
+    return static_cast<double>(textCount++);
 }
 
 }  // namespace vemrado::web

@@ -2,6 +2,7 @@
 
 #include <emscripten.h>
 
+#include <map>
 #include <new>
 
 #include "client/data_directory.h"
@@ -20,7 +21,7 @@ struct Page {
     std::unique_ptr<Pixels> pixels;
     map::Parcels parcels;
     std::unique_ptr<map::AreaFinder> finder;
-    std::unique_ptr<ElementReader> elements;
+    std::map<int, ElementReader> elements;  // by the number of the page's file
     std::string answer;
 
     const char* Answer(std::string text) {
@@ -43,52 +44,52 @@ View ViewOf(double x, double y, double pixelsPerMetre, int width, int height) {
 extern "C" {
 
 // The directory that holds VKMSym, for sheets opened from now on.
-EMSCRIPTEN_KEEPALIVE void vkm_symbology(const char* directory) {
+EMSCRIPTEN_KEEPALIVE void web_symbology(const char* directory) {
     client::UseDataDirectory(directory);
 }
 
 // Number of the sheet.
-EMSCRIPTEN_KEEPALIVE int vkm_open(const char* name, int file, double length, int encoding) {
+EMSCRIPTEN_KEEPALIVE int web_open(const char* name, int file, double length, int encoding) {
     Viewer& viewer = ThePage().viewer;
     viewer.Add(std::make_unique<Sheet>(name, file, length, static_cast<client::Encoding>(encoding)));
     return static_cast<int>(viewer.Sheets().size()) - 1;
 }
 
 // 1 while there is more to read.
-EMSCRIPTEN_KEEPALIVE int vkm_read(int sheet, double milliseconds) {
+EMSCRIPTEN_KEEPALIVE int web_read(int sheet, double milliseconds) {
     Sheet& read = *ThePage().viewer.Sheets()[static_cast<size_t>(sheet)];
     read.Read(milliseconds);
     return read.State() == SheetState::reading ? 1 : 0;
 }
 
-EMSCRIPTEN_KEEPALIVE void vkm_stop(int sheet) {
+EMSCRIPTEN_KEEPALIVE void web_stop(int sheet) {
     ThePage().viewer.Sheets()[static_cast<size_t>(sheet)]->Stop();
 }
 
-EMSCRIPTEN_KEEPALIVE void vkm_index(int sheet) {
+EMSCRIPTEN_KEEPALIVE void web_index(int sheet) {
     ThePage().viewer.Sheets()[static_cast<size_t>(sheet)]->MakeIndex();
 }
 
-EMSCRIPTEN_KEEPALIVE void vkm_clear() {
+EMSCRIPTEN_KEEPALIVE void web_clear() {
     ThePage().finder.reset();
     ThePage().parcels = {};
     ThePage().viewer.Clear();
 }
 
-EMSCRIPTEN_KEEPALIVE void vkm_show_layer(int layer, int shown) {
+EMSCRIPTEN_KEEPALIVE void web_show_layer(int layer, int shown) {
     ThePage().viewer.ShowLayer(layer, shown != 0);
 }
 
-EMSCRIPTEN_KEEPALIVE const char* vkm_summary() {
+EMSCRIPTEN_KEEPALIVE const char* web_summary() {
     return ThePage().Answer(Summary(ThePage().viewer));
 }
 
-EMSCRIPTEN_KEEPALIVE int vkm_is_thin(double pixelsPerMetre) {
+EMSCRIPTEN_KEEPALIVE int web_is_thin(double pixelsPerMetre) {
     return ThePage().viewer.IsThin(pixelsPerMetre) ? 1 : 0;
 }
 
 // Red, green, blue, opacity of each pixel. x, y: the upper left corner on the ground.
-EMSCRIPTEN_KEEPALIVE const uint32_t* vkm_paint_thin(double x, double y, double pixelsPerMetre, int width,
+EMSCRIPTEN_KEEPALIVE const uint32_t* web_paint_thin(double x, double y, double pixelsPerMetre, int width,
                                                     int height, int indexed) {
     Page& page = ThePage();
     page.pixels = std::make_unique<Pixels>(width, height);
@@ -96,39 +97,39 @@ EMSCRIPTEN_KEEPALIVE const uint32_t* vkm_paint_thin(double x, double y, double p
     return page.pixels->Data();
 }
 
-EMSCRIPTEN_KEEPALIVE void vkm_forget_pixels() {
+EMSCRIPTEN_KEEPALIVE void web_forget_pixels() {
     ThePage().pixels.reset();
 }
 
-// Number of commands, floats at vkm_commands; their texts at vkm_texts.
-EMSCRIPTEN_KEEPALIVE int vkm_draw(double x, double y, double pixelsPerMetre, int width, int height) {
+// Number of commands, floats at web_commands; their texts at web_texts.
+EMSCRIPTEN_KEEPALIVE int web_draw(double x, double y, double pixelsPerMetre, int width, int height) {
     Page& page = ThePage();
     page.canvas.Clear();
     page.viewer.Draw(ViewOf(x, y, pixelsPerMetre, width, height), page.canvas);
     return static_cast<int>(page.canvas.Commands().size());
 }
 
-EMSCRIPTEN_KEEPALIVE const float* vkm_commands() {
+EMSCRIPTEN_KEEPALIVE const float* web_commands() {
     return ThePage().canvas.Commands().data();
 }
 
-EMSCRIPTEN_KEEPALIVE const char* vkm_texts() {
+EMSCRIPTEN_KEEPALIVE const char* web_texts() {
     return ThePage().canvas.Texts().c_str();
 }
 
-EMSCRIPTEN_KEEPALIVE const char* vkm_legend(double minX, double minY, double maxX, double maxY) {
+EMSCRIPTEN_KEEPALIVE const char* web_legend(double minX, double minY, double maxX, double maxY) {
     return ThePage().Answer(LegendOf(ThePage().viewer, {minX, minY, maxX, maxY}));
 }
 
-EMSCRIPTEN_KEEPALIVE const char* vkm_find(const char* wanted, int most) {
+EMSCRIPTEN_KEEPALIVE const char* web_find(const char* wanted, int most) {
     return ThePage().Answer(FindTexts(ThePage().viewer, wanted, static_cast<size_t>(most)));
 }
 
-EMSCRIPTEN_KEEPALIVE const char* vkm_pick(double x, double y, double distance) {
+EMSCRIPTEN_KEEPALIVE const char* web_pick(double x, double y, double distance) {
     return ThePage().Answer(Pick(ThePage().viewer, {x, y}, distance));
 }
 
-EMSCRIPTEN_KEEPALIVE const char* vkm_inspect(int sheet, int layer, int kind, int number) {
+EMSCRIPTEN_KEEPALIVE const char* web_inspect(int sheet, int layer, int kind, int number) {
     const Sheet& inspected = *ThePage().viewer.Sheets()[static_cast<size_t>(sheet)];
     try {
         return ThePage().Answer(Inspect(inspected, layer, kind, static_cast<uint32_t>(number)));
@@ -137,7 +138,7 @@ EMSCRIPTEN_KEEPALIVE const char* vkm_inspect(int sheet, int layer, int kind, int
     }
 }
 
-EMSCRIPTEN_KEEPALIVE const char* vkm_parcels() {
+EMSCRIPTEN_KEEPALIVE const char* web_parcels() {
     Page& page = ThePage();
     page.finder.reset();
     page.parcels = FindParcels(page.viewer);
@@ -146,66 +147,83 @@ EMSCRIPTEN_KEEPALIVE const char* vkm_parcels() {
 }
 
 // Number of the parcel at a place, -1: none.
-EMSCRIPTEN_KEEPALIVE int vkm_parcel_at(double x, double y) {
+EMSCRIPTEN_KEEPALIVE int web_parcel_at(double x, double y) {
     const Page& page = ThePage();
     const size_t found = page.finder ? page.finder->Find({x, y}) : map::AreaFinder::nowhere;
     return found == map::AreaFinder::nowhere ? -1 : static_cast<int>(found);
 }
 
-EMSCRIPTEN_KEEPALIVE const char* vkm_parcel_rings(int parcel) {
+EMSCRIPTEN_KEEPALIVE const char* web_parcel_rings(int parcel) {
     return ThePage().Answer(ParcelRings(ThePage().parcels.parcels.at(static_cast<size_t>(parcel))));
 }
 
-// Begins to give the elements of a file one by one. Empty, or why it cannot.
-EMSCRIPTEN_KEEPALIVE const char* vkm_elements_open(const char* name, int file, double length, int encoding,
+// Begins to give the elements of a file one by one; several files at once. Empty, or why it cannot.
+EMSCRIPTEN_KEEPALIVE const char* web_elements_open(const char* name, int file, double length, int encoding,
                                                    int axisOrientation) {
     Page& page = ThePage();
     try {
-        page.elements = std::make_unique<ElementReader>(
-            name, file, length, static_cast<client::Encoding>(encoding), axisOrientation);
+        page.elements.try_emplace(file, name, file, length, static_cast<client::Encoding>(encoding),
+                                  axisOrientation);
         return "";
     } catch (const std::exception& error) {
         return page.Answer(client::MessageToUtf8(error.what()));
     }
 }
 
-// The next elements, JSON in lines; empty at the end; a text that begins with an exclamation mark: why it
-// cannot.
-EMSCRIPTEN_KEEPALIVE const char* vkm_elements_next(int bytes) {
+// Elements of about so many numbers. How many numbers there are, 0 at the end; -1: it cannot, see
+// web_failure.
+EMSCRIPTEN_KEEPALIVE int web_elements_next(int file, int numbers) {
     Page& page = ThePage();
     try {
-        return page.elements->Next(static_cast<size_t>(bytes)).c_str();
+        return static_cast<int>(page.elements.at(file).Next(static_cast<size_t>(numbers)).numbers.size());
     } catch (const std::exception& error) {
-        return page.Answer("!" + client::MessageToUtf8(error.what()));
+        page.Answer(client::MessageToUtf8(error.what()));
+        return -1;
     }
 }
 
-EMSCRIPTEN_KEEPALIVE int vkm_elements_complete() {
-    return ThePage().elements->Complete() ? 1 : 0;
+EMSCRIPTEN_KEEPALIVE const char* web_failure() {
+    return ThePage().answer.c_str();
 }
 
-EMSCRIPTEN_KEEPALIVE int vkm_elements_line() {
-    return ThePage().elements->LineCount();
+EMSCRIPTEN_KEEPALIVE const double* web_elements_numbers(int file) {
+    return ThePage().elements.at(file).Batch().numbers.data();
 }
 
-EMSCRIPTEN_KEEPALIVE void vkm_elements_close() {
-    ThePage().elements.reset();
+EMSCRIPTEN_KEEPALIVE const char* web_elements_texts(int file) {
+    return ThePage().elements.at(file).Batch().texts.data();
+}
+
+EMSCRIPTEN_KEEPALIVE int web_elements_texts_length(int file) {
+    return static_cast<int>(ThePage().elements.at(file).Batch().texts.size());
+}
+
+EMSCRIPTEN_KEEPALIVE int web_elements_complete(int file) {
+    return ThePage().elements.at(file).Complete() ? 1 : 0;
+}
+
+EMSCRIPTEN_KEEPALIVE int web_elements_line(int file) {
+    return ThePage().elements.at(file).LineCount();
+}
+
+EMSCRIPTEN_KEEPALIVE void web_elements_close(int file) {
+    ThePage().elements.erase(file);
 }
 
 // What is wrong with a sheet's file, at most so many findings.
-EMSCRIPTEN_KEEPALIVE const char* vkm_check(int sheet, int most) {
+EMSCRIPTEN_KEEPALIVE const char* web_check(int sheet, int most) {
     const Sheet& checked = *ThePage().viewer.Sheets()[static_cast<size_t>(sheet)];
     return ThePage().Answer(Check(checked, static_cast<size_t>(most)));
 }
 
 // What changed since the state in a file of the page's.
-EMSCRIPTEN_KEEPALIVE const char* vkm_compare(int oldFile, int encoding, int most) {
+EMSCRIPTEN_KEEPALIVE const char* web_compare(int oldFile, int encoding, int most) {
     return ThePage().Answer(Compare(ThePage().viewer, oldFile, static_cast<client::Encoding>(encoding),
                                     static_cast<size_t>(most)));
 }
 
 // The part of a sheet in a box as an SVG picture.
-EMSCRIPTEN_KEEPALIVE const char* vkm_svg(int sheet, double minX, double minY, double maxX, double maxY,
+EMSCRIPTEN_KEEPALIVE const char* web_svg(int sheet, double minX, double minY, double maxX, double maxY,
                                          int legend, const char* title) {
     const Sheet& drawn = *ThePage().viewer.Sheets()[static_cast<size_t>(sheet)];
     draw::SheetOptions options;

@@ -39,7 +39,8 @@ void PutPoint(Json& json, draw::Point point) {
 void PutSheet(Json& json, const Sheet& sheet) {
     const draw::Scene& scene = sheet.Scene();
     json.Begin('{').Member("name", sheet.Name()).Member("state", StateName(sheet.State()));
-    json.Member("failure", sheet.Failure()).Member("lines", sheet.Lines()).Member("texts", sheet.Texts());
+    json.Member("failure", sheet.Failure()).Member("failureLine", sheet.FailureLine());
+    json.Member("lines", sheet.Lines()).Member("texts", sheet.Texts());
     json.Member("scale", scene.mapScale).Member("scaleUsable", scene.mapScaleUsable);
     json.Member("skipped", scene.skipped.Count()).Member("length", sheet.Length());
     json.Key("messages").Begin('[');

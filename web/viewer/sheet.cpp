@@ -102,6 +102,7 @@ void Sheet::Read(double milliseconds) {
         state = importer->Complete() ? SheetState::complete : SheetState::incomplete;
     } catch (const std::exception& error) {
         state = SheetState::failed;
+        failureLine = importer->LineCount() + 1;
         failure = client::MessageToUtf8(error.what());
     }
     End();

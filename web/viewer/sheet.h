@@ -38,6 +38,8 @@ class Sheet {
     SheetState State() const { return state; }
     // Why it failed, and what the module had to say; UTF-8.
     const std::string& Failure() const { return failure; }
+    // Of the file, where reading it failed; 0: nowhere.
+    int FailureLine() const { return failureLine; }
     const std::vector<std::string>& Boxes() const { return offered->Boxes(); }
     const std::string& Name() const { return name; }
     int File() const { return file; }
@@ -66,6 +68,7 @@ class Sheet {
     std::map<int, LayerIndex> index;
     SheetState state = SheetState::reading;
     std::string failure;
+    int failureLine = 0;
     uint64_t lines = 0;
     uint64_t texts = 0;
 };
