@@ -66,8 +66,9 @@ void AppendUtf8(char32_t character, std::string& text) {
     }
 }
 
-TextDecoder::TextDecoder(Encoding textEncoding) : encoding(textEncoding), sequences{} {
-    if (encoding == Encoding::utf8) return;
+TextDecoder::Sequences TextDecoder::MakeSequences(Encoding encoding) {
+    Sequences sequences{};
+    if (encoding == Encoding::utf8) return sequences;
     std::string utf8;
     for (size_t byte = 0; byte < sequences.size(); ++byte) {
         const char32_t character = byte < 0x80 ? static_cast<char32_t>(byte)
@@ -79,7 +80,21 @@ TextDecoder::TextDecoder(Encoding textEncoding) : encoding(textEncoding), sequen
         sequence.length = static_cast<uint8_t>(std::min(utf8.size(), sequence.bytes.size()));
         std::copy_n(utf8.begin(), sequence.length, sequence.bytes.begin());
     }
+    return sequences;
 }
+
+// The system takes its time to tell of a byte, and there are decoders for every one of many small files.
+const TextDecoder::Sequences& TextDecoder::SequencesOf(Encoding encoding) {
+    static const auto all = [] {
+        std::array<Sequences, encodingNames.size()> made;
+        for (size_t i = 0; i < made.size(); ++i) made[i] = MakeSequences(static_cast<Encoding>(i));
+        return made;
+    }();
+    return all[static_cast<size_t>(encoding)];
+}
+
+TextDecoder::TextDecoder(Encoding textEncoding)
+    : encoding(textEncoding), sequences(&SequencesOf(textEncoding)) {}
 
 void TextDecoder::Append(std::string_view bytes, std::string& utf8) {
     if (std::all_of(bytes.begin(), bytes.end(), IsAscii)) {
@@ -102,7 +117,7 @@ std::string TextDecoder::Decode(std::string_view bytes) {
 
 void TextDecoder::AppendSingleBytes(std::string_view bytes, std::string& utf8) {
     for (const char letter : bytes) {
-        const Sequence& sequence = sequences[static_cast<unsigned char>(letter)];
+        const Sequence& sequence = (*sequences)[static_cast<unsigned char>(letter)];
         if (sequence.length > 0) {
             utf8.append(sequence.bytes.data(), sequence.length);
         } else {

@@ -71,11 +71,15 @@ class TextDecoder {
         uint8_t length = 0;  // 0: the byte has no character
     };
 
+    using Sequences = std::array<Sequence, 256>;
+
+    static Sequences MakeSequences(Encoding encoding);
+    static const Sequences& SequencesOf(Encoding encoding);
     void AppendSingleBytes(std::string_view bytes, std::string& utf8);
     void AppendCheckedUtf8(std::string_view bytes, std::string& utf8);
 
     Encoding encoding;
-    std::array<Sequence, 256> sequences;  // of single-byte encodings
+    const Sequences* sequences;  // of single-byte encodings
     uint64_t replacedBytes = 0;
     EncodingEvidence evidence;
 };
