@@ -72,6 +72,7 @@ Parcels ParcelSweep::BuildUpTo(double x, std::vector<bool>& needed) {
     for (const FreeEnd& end : MeasureGaps(enclosed.freeEnds)) {
         if (isInStrip(end.place)) made.freeEnds.push_back(end);
     }
+    NameSheets(made.freeEnds);
     std::vector<Parcel> open;
     for (Area& area : enclosed.areas) {
         area.neighbours.clear();
@@ -103,6 +104,22 @@ void ParcelSweep::GiveNumbers(double x, const std::vector<Parcel>& open, Parcels
     }
     numbers.resize(kept);
     map::GiveNumbers(due, made);
+}
+
+// A free end is the end of a segment, within what counts as one place.
+void ParcelSweep::NameSheets(std::vector<FreeEnd>& ends) const {
+    if (ends.empty()) return;
+    constexpr double onePlace = 2e-6;  // m
+    std::ranges::sort(ends, {}, [](const FreeEnd& end) { return end.place.x; });
+    for (const Segment& segment : segments) {
+        for (const Point place : {segment.from, segment.to}) {
+            auto near = std::ranges::lower_bound(ends, place.x - onePlace, {},
+                                                 [](const FreeEnd& end) { return end.place.x; });
+            for (; near != ends.end() && near->place.x <= place.x + onePlace; ++near) {
+                if (std::abs(near->place.y - place.y) <= onePlace) near->source = segment.sheet;
+            }
+        }
+    }
 }
 
 std::vector<uint32_t> ParcelSweep::SheetsOf(const std::vector<uint32_t>& segmentNumbers) const {

@@ -20,8 +20,8 @@ namespace vemrado::map {
 
 class ParcelSweep {
   public:
-    // Gets parcels and faults as they become final, each once. The sources of an area are sheet numbers; its
-    // neighbours are not told, for some were handed over before.
+    // Gets parcels and faults as they become final, each once. The sources of an area and of a free end are
+    // sheet numbers; an area's neighbours are not told, for some were handed over before.
     using Take = std::function<void(Parcels&&)>;
 
     explicit ParcelSweep(Take take) : give(std::move(take)) {}
@@ -48,6 +48,7 @@ class ParcelSweep {
 
     Parcels BuildUpTo(double x, std::vector<bool>& needed);
     void GiveNumbers(double x, const std::vector<Parcel>& open, Parcels& made);
+    void NameSheets(std::vector<FreeEnd>& ends) const;
     std::vector<uint32_t> SheetsOf(const std::vector<uint32_t>& numbers) const;
 
     Take give;

@@ -39,7 +39,8 @@ struct FreeEnd {
     static constexpr double farthestGap = 10;  // m
 
     Point place;
-    double gap = 0;  // to the nearest other free end, m; infinite when that is farther than farthestGap
+    double gap = 0;       // to the nearest other free end, m; infinite when that is farther than farthestGap
+    uint32_t source = 0;  // of the boundary, where a sweep made it
 };
 
 struct Parcels {

@@ -22,6 +22,14 @@ std::string FormatName(const ConvertRequest& request) {
     return CPLGetExtension(request.output.c_str());
 }
 
+// GDAL itself passes over options that a driver does not have.
+bool IsOpenOption(const std::string& option) {
+    const char* list =
+        GetGDALDriverManager()->GetDriverByName("VKM")->GetMetadataItem(GDAL_DMD_OPENOPTIONLIST);
+    const CPLString name = CPLString(option.substr(0, option.find('='))).toupper();
+    return CPLString(list).find("<Option name='" + name + "'") != std::string::npos;
+}
+
 std::optional<Problem> Convert(const ConvertRequest& request, const ConvertReports& reports,
                                std::vector<SheetReport>& sheets) {
     Diagnostics diagnostics(reports.warn);
@@ -32,7 +40,12 @@ std::optional<Problem> Convert(const ConvertRequest& request, const ConvertRepor
     if (!request.schema.empty() && !EQUAL(format.driver->GetDescription(), "PostgreSQL"))
         return Problem{ConvertOutcome::badRequest, "--schema needs an output in PostgreSQL (PG:...)"};
     CPLStringList options;
-    for (const std::string& option : request.openOptions) options.AddString(option.c_str());
+    for (const std::string& option : request.openOptions) {
+        if (!IsOpenOption(option))
+            return Problem{ConvertOutcome::badRequest,
+                           "--open-option: the driver has no option '" + option + "'"};
+        options.AddString(option.c_str());
+    }
     OpenSettings settings;
     if (!ReadOpenOptions(options.List(), settings))
         return Problem{ConvertOutcome::badRequest, diagnostics.TakeFailure()};

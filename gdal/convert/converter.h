@@ -36,6 +36,13 @@ struct ConvertRequest {
     std::vector<double> box;      // four numbers: only features that touch it; empty: all
 };
 
+// Each parcel is counted with the first of its sheets.
+struct ParcelCounts {
+    uint64_t parcels = 0;
+    uint64_t withoutNumber = 0;
+    uint64_t freeEnds = 0;  // of boundaries
+};
+
 struct SheetReport {
     size_t input = 0;  // its number in the request
     bool made = false;
@@ -43,7 +50,7 @@ struct SheetReport {
     uint64_t lines = 0;
     uint64_t points = 0;
     uint64_t texts = 0;
-    uint64_t parcels = 0;
+    ParcelCounts parcels;
     double seconds = 0.0;
     std::string reason;  // why it was not made
 };

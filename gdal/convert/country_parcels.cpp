@@ -3,8 +3,10 @@
 #include <cpl_string.h>
 
 #include <algorithm>
+#include <tuple>
 
-#include "map/parcel_sweep.h"
+#include "sheet_table.h"
+#include "stored_sheet.h"
 
 namespace vemrado::gdal {
 
@@ -33,12 +35,22 @@ bool CountryParcels::Prepare() {
     return !output.WasThere(outputParcels) || output.Run("DELETE FROM " + output.Table("parcels"));
 }
 
+// Each is counted with the first of its sheets.
+void CountryParcels::Count(const map::Parcels& made) {
+    for (const map::Parcel& parcel : made.parcels) {
+        if (parcel.area.sources.empty()) continue;
+        ParcelCounts& counts = members[parcel.area.sources.front()].counts;
+        ++counts.parcels;
+        if (parcel.texts == 0) ++counts.withoutNumber;
+    }
+    for (const map::FreeEnd& end : made.freeEnds) ++members[end.source].counts.freeEnds;
+}
+
 bool CountryParcels::Write(const map::Parcel& parcel) {
     OGRFeature feature(definition.Get());
     if (parcel.texts > 0) feature.SetField(parcelNumber, parcel.number.c_str());
     feature.SetField(parcelTexts, parcel.texts);
     feature.SetField(parcelArea, parcel.area.size);
-    if (!parcel.area.sources.empty()) ++members[parcel.area.sources.front()].report->parcels;
     if (manySheets && !parcel.area.sources.empty()) {
         CPLStringList names;
         for (const uint32_t sheet : parcel.area.sources) names.AddString(members[sheet].name.c_str());
@@ -52,37 +64,44 @@ bool CountryParcels::Write(const map::Parcel& parcel) {
 }
 
 bool CountryParcels::TellCounts() {
+    for (const Counted& member : members) {
+        if (member.report != nullptr) member.report->parcels = member.counts;
+    }
     if (!output.Has(outputSheets)) return true;
-    const std::string table = output.Table("sheets");
-    return output.Run("CREATE INDEX IF NOT EXISTS \"sheets_source\" ON " + table + " (source)") &&
-           std::ranges::all_of(members, [&](const Member& member) {
-               return output.Run("UPDATE " + table +
-                                 " SET parcels = " + std::to_string(member.report->parcels) +
-                                 " WHERE source = " + OutputLayers::Quoted(member.name));
+    return IndexSources(output, outputSheets) && std::ranges::all_of(members, [&](const Counted& member) {
+               return SetParcelCounts(output, member.name, member.counts);
            });
+}
+
+bool CountryParcels::Read(const Counted& member, uint32_t number, map::ParcelSweep& sweep,
+                          const std::function<bool()>& stopRequested) {
+    const auto addBoundary = [&](std::span<const map::Point> stroke) { sweep.AddBoundary(stroke, number); };
+    const auto addNumber = [&](map::Point place, const char* text) { sweep.AddNumber(place, text, number); };
+    if (member.file.empty())
+        return !stopRequested() &&
+               ReadStoredSheet(output, member.name, settings.parcelLayers, addBoundary, addNumber);
+    Sheet sheet(member.file, member.name, settings, stopRequested);
+    return sheet.ReadAlone([&](const Batch& batch) {
+        ForParcels(batch, settings.parcelLayers, addBoundary, addNumber);
+        return true;
+    });
 }
 
 bool CountryParcels::Write(const std::string& shownName, const std::function<bool()>& stopRequested) {
     if (!Prepare()) return false;
-    std::ranges::stable_sort(members, {}, &Member::west);
+    std::ranges::sort(members, [](const Member& a, const Member& b) {
+        return std::tie(a.west, a.name) < std::tie(b.west, b.name);
+    });
     bool written = true;
     ParcelFindings findings;
     map::ParcelSweep sweep([&](map::Parcels&& made) {
         findings.Add(made);
+        Count(made);
         for (const map::Parcel& parcel : made.parcels) written = written && Write(parcel);
     });
     for (size_t i = 0; i < members.size() && written; ++i) {
-        const auto number = static_cast<uint32_t>(i);
-        members[i].report->parcels = 0;
         sweep.Advance(members[i].west);
-        Sheet sheet(members[i].file, members[i].name, settings, stopRequested);
-        written = written && sheet.ReadAlone([&](const Batch& batch) {
-            ForParcels(
-                batch, settings.parcelLayers,
-                [&](std::span<const map::Point> stroke) { sweep.AddBoundary(stroke, number); },
-                [&](map::Point place, const char* text) { sweep.AddNumber(place, text, number); });
-            return true;
-        });
+        written = written && Read(members[i], static_cast<uint32_t>(i), sweep, stopRequested);
     }
     if (!written || stopRequested()) return false;
     sweep.Finish();

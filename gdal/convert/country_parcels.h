@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "converter.h"
+#include "map/parcel_sweep.h"
 #include "output_layers.h"
 #include "parcels.h"
 #include "sheet.h"
@@ -16,15 +17,15 @@ namespace vemrado::gdal {
 class CountryParcels {
   public:
     struct Member {
-        std::string file;
+        std::string file;  // empty: its lines and texts are read from the output
         std::string name;
         double west;          // nothing of the sheet lies west of it
-        SheetReport* report;  // gets the number of parcels that begin with the sheet
+        SheetReport* report;  // of the run; null: it is none of the inputs
     };
 
     CountryParcels(const OpenSettings& settings, bool manySheets, OutputLayers& output);
 
-    void Add(const Member& member) { members.push_back(member); }
+    void Add(const Member& member) { members.push_back({member, {}}); }
     std::string FirstName() const { return members.empty() ? "" : members.front().name; }
 
     // Builds and writes them in place of those that are there, in memory that follows the sheets around the
@@ -32,15 +33,22 @@ class CountryParcels {
     bool Write(const std::string& shownName, const std::function<bool()>& stopRequested);
 
   private:
+    struct Counted : Member {
+        ParcelCounts counts;
+    };
+
     bool Prepare();
+    void Count(const map::Parcels& made);
     bool Write(const map::Parcel& parcel);
+    bool Read(const Counted& member, uint32_t number, map::ParcelSweep& sweep,
+              const std::function<bool()>& stopRequested);
     bool TellCounts();
 
     const OpenSettings& settings;
     bool manySheets;
     OutputLayers& output;
     Definition definition;
-    std::vector<Member> members;  // numbered as the sheets of the sweep
+    std::vector<Counted> members;  // numbered as the sheets of the sweep
 };
 
 }  // namespace vemrado::gdal

@@ -65,6 +65,10 @@ OGRLayer* OutputLayers::Find(const char* layer) {
     return found;
 }
 
+bool OutputLayers::IsThere(const char* layer) {
+    return isDatabase && Find(layer) != nullptr;
+}
+
 OGRLayer* OutputLayers::Make(GDALDataset& dataset, OGRFeatureDefn& definition, OGRwkbGeometryType type) {
     CPLStringList options;
     for (const char* option : LayerOptions(*settings.format.driver)) options.AddString(option);

@@ -41,6 +41,8 @@ class OutputLayers {
 
     // Makes the layer of features of the definition, or takes the one that is there.
     bool Add(OutputKind kind, OGRFeatureDefn& definition, OGRwkbGeometryType type);
+    // Whether a database has a layer of that name.
+    bool IsThere(const char* layer);
     bool Has(OutputKind kind) const { return places[kind].layer != nullptr; }
     OGRLayer* Layer(OutputKind kind) const { return places[kind].layer; }
     // Whether the layer was there before.
@@ -59,6 +61,8 @@ class OutputLayers {
     bool IsDatabase() const { return isDatabase; }
     bool IsPostgres() const { return isPostgres; }
     bool IsGeoPackage() const { return isGeoPackage; }
+    // Whether coordinates are written as they are, and all of them.
+    bool KeepsPlaces() const { return settings.target == nullptr && !limits.IsInit(); }
     // Whether features of one layer may follow those of another.
     bool TakesAnyOrder() const;
     // Of the output, or of its first file.

@@ -2,6 +2,7 @@
 
 #include <cpl_string.h>
 
+#include <algorithm>
 #include <utility>
 
 namespace vemrado::gdal {
@@ -18,6 +19,8 @@ enum SheetField : int {
     sheetPoints,
     sheetTexts,
     sheetParcels,
+    sheetWithoutNumber,
+    sheetFreeEnds,
     sheetSize,
     sheetModified,
     sheetHash
@@ -31,11 +34,14 @@ constexpr FieldSchema sheetFields[] = {
     {"lines", OFTInteger64, "Number of lines"},
     {"points", OFTInteger64, "Number of points"},
     {"texts", OFTInteger64, "Number of texts"},
-    {"parcels", OFTInteger64, "Number of parcels"},
+    {"parcels", OFTInteger64, "Number of parcels, each counted with the first of its sheets"},
+    {"without_number", OFTInteger64, "Number of these without a parcel number"},
+    {"free_ends", OFTInteger64, "Number of free ends of parcel boundaries"},
     {"size", OFTInteger64, "Bytes of the file"},
     {"modified", OFTInteger64, "Time of the file's last change, s since 1970"},
     {"hash", OFTString, "Hash of the file's bytes"}};
 constexpr const char* kindNames[] = {"lines", "points", "texts", "parcels", "sheets"};
+constexpr OutputKind kindsOfSheets[] = {outputLines, outputPoints, outputTexts, outputSheets};
 constexpr LayerSchema sheetSchema = {"sheets", wkbPolygon, sheetFields};
 
 OGRGeometry* Outline(const OGREnvelope& extent) {
@@ -82,7 +88,9 @@ void SheetTable::Load(OGRLayer& layer) {
         row.report.lines = CountOf(*feature, "lines");
         row.report.points = CountOf(*feature, "points");
         row.report.texts = CountOf(*feature, "texts");
-        row.report.parcels = CountOf(*feature, "parcels");
+        row.report.parcels = {CountOf(*feature, "parcels"), CountOf(*feature, "without_number"),
+                              CountOf(*feature, "free_ends")};
+        row.countsParcels = feature->IsFieldSetAndNotNull(feature->GetFieldIndex("parcels")) != FALSE;
         if (feature->GetGeometryRef() != nullptr) feature->GetGeometryRef()->getEnvelope(&row.extent);
         rows.insert_or_assign(TextOf(*feature, "source"), row);
     }
@@ -91,6 +99,10 @@ void SheetTable::Load(OGRLayer& layer) {
 const SheetTable::Row* SheetTable::Find(const std::string& name) const {
     const auto found = rows.find(name);
     return found != rows.end() ? &found->second : nullptr;
+}
+
+bool SheetTable::CountsParcels() const {
+    return std::ranges::all_of(rows, [](const auto& row) { return row.second.countsParcels; });
 }
 
 bool SheetTable::Put(OutputLayers& output, const std::string& name, const Row& row, double mapScale,
@@ -104,7 +116,6 @@ bool SheetTable::Put(OutputLayers& output, const std::string& name, const Row& r
     feature.SetField(sheetLines, static_cast<GIntBig>(row.report.lines));
     feature.SetField(sheetPoints, static_cast<GIntBig>(row.report.points));
     feature.SetField(sheetTexts, static_cast<GIntBig>(row.report.texts));
-    feature.SetField(sheetParcels, static_cast<GIntBig>(row.report.parcels));
     feature.SetField(sheetSize, static_cast<GIntBig>(row.stamp.size));
     feature.SetField(sheetModified, static_cast<GIntBig>(row.stamp.modified));
     feature.SetField(sheetHash, row.stamp.hash.c_str());
@@ -117,16 +128,31 @@ bool SheetTable::Put(OutputLayers& output, const std::string& name, const Row& r
     return output.Write(outputSheets, feature);
 }
 
+bool IndexSources(OutputLayers& output, OutputKind kind) {
+    const std::string table = output.Table(output.Layer(kind)->GetName());
+    const std::string index = "\"" + std::string(kindNames[kind]) + "_source\"";
+    return output.Run("CREATE INDEX IF NOT EXISTS " + index + " ON " + table + " (source)");
+}
+
 bool RemoveSheet(OutputLayers& output, const std::string& name) {
-    for (const OutputKind kind : {outputLines, outputPoints, outputTexts, outputSheets}) {
-        if (!output.WasThere(kind)) continue;
+    return std::ranges::all_of(kindsOfSheets, [&](OutputKind kind) {
+        if (!output.WasThere(kind)) return true;
         const std::string table = output.Table(output.Layer(kind)->GetName());
-        const std::string index = "\"" + std::string(kindNames[kind]) + "_source\"";
-        if (!output.Run("CREATE INDEX IF NOT EXISTS " + index + " ON " + table + " (source)")) return false;
-        if (!output.Run("DELETE FROM " + table + " WHERE source = " + OutputLayers::Quoted(name)))
-            return false;
-    }
-    return true;
+        return IndexSources(output, kind) &&
+               output.Run("DELETE FROM " + table + " WHERE source = " + OutputLayers::Quoted(name));
+    });
+}
+
+bool ForgetParcelCounts(OutputLayers& output) {
+    return output.Run("UPDATE " + output.Table("sheets") +
+                      " SET parcels = NULL, without_number = NULL, free_ends = NULL");
+}
+
+bool SetParcelCounts(OutputLayers& output, const std::string& name, const ParcelCounts& counts) {
+    return output.Run(
+        "UPDATE " + output.Table("sheets") + " SET parcels = " + std::to_string(counts.parcels) +
+        ", without_number = " + std::to_string(counts.withoutNumber) +
+        ", free_ends = " + std::to_string(counts.freeEnds) + " WHERE source = " + OutputLayers::Quoted(name));
 }
 
 }  // namespace vemrado::gdal

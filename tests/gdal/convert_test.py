@@ -301,12 +301,18 @@ class Convert(unittest.TestCase):
         rows += ["&U 2"] + [f"&T {10 * y + 5} {10 * x + 5} {4 * x + y}" for x in range(4) for y in range(4) if wanted(x + 0.5)]
         self.write(name, "\n".join(rows + ["&K", ""]).encode())
 
-    def test_parcels_over_many_sheets_are_those_of_one_file(self):
-        # The seams go through the squares, and one stands in two sheets.
-        self.write_net("one.vkm", lambda x: True)
+    def parcels_of(self, name):
+        return sorted((row[0], round(row[1], 6), row[2]) for row in values_of(self.path(name), "parcels", "number", "area", "sheets"))
+
+    def write_net_sheets(self):
+        """Seams go through the squares, and one stands in two sheets."""
+        os.makedirs(self.path("in"), exist_ok=True)
         for name, begin, end in (("in/b.vkm", 1, 2.5), ("in/a.vkm", 0, 1), ("in/c.vkm", 2.5, 4)):
-            os.makedirs(self.path("in"), exist_ok=True)
             self.write_net(name, lambda x, begin=begin, end=end: begin <= x <= end)
+
+    def test_parcels_over_many_sheets_are_those_of_one_file(self):
+        self.write_net("one.vkm", lambda x: True)
+        self.write_net_sheets()
         found = {}
         for source in ("one.vkm", "in"):
             self.convert(source, "-o", f"{source}.gpkg", "--parcels", "--report", "report.json")
@@ -315,6 +321,23 @@ class Convert(unittest.TestCase):
         self.assertEqual((16, found["one.vkm"]), (len(found["in"]), found["in"]))
         self.assertEqual(16, sum(row["parcels"] for row in self.report().values()))
         self.assertIn(("(2:in/a.vkm,in/b.vkm)",), set(values_of(self.path("in.gpkg"), "parcels", "sheets")))
+
+    def test_parcels_of_an_update_are_those_of_a_fresh_run(self):
+        self.write_net_sheets()
+        self.convert("in", "-o", "three.gpkg", "--parcels")
+        two = ["in/a.vkm", "in/b.vkm", "-o"]
+        self.convert(*two, "two.gpkg", "--parcels", "--report", "report.json")
+        faults = [(row["parcelsWithoutNumber"], row["freeEnds"]) for row in self.report().values()]
+        self.assertEqual([(0, 0), (0, 5)], faults)
+        self.convert(*two, "out.gpkg")
+        os.remove(self.path("in/a.vkm"))
+        # Of a sheet whose file is gone the output has what it takes.
+        self.convert("in/b.vkm", "in/c.vkm", "-o", "out.gpkg", "--update", "--parcels")
+        self.assertEqual(self.parcels_of("three.gpkg"), self.parcels_of("out.gpkg"))
+        self.write_net_sheets()
+        self.assertIn("--parcels", self.convert(*two, "out.gpkg", "--update", "--prune"))
+        self.convert(*two, "out.gpkg", "--update", "--parcels")
+        self.assertEqual(self.parcels_of("two.gpkg"), self.parcels_of("out.gpkg"))
 
     def test_index_and_collection(self):
         made = self.sheets("in/1.vkm", "in/deep/2.vkm")

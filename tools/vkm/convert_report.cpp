@@ -11,6 +11,8 @@ namespace {
 
 using Json = nlohmann::ordered_json;
 
+constexpr const char* parcelFaults[] = {"parcelsWithoutNumber", "freeEnds"};
+
 // What the rows of a report have beside their source.
 Json SheetJson(const gdal::SheetReport& sheet) {
     Json json;
@@ -19,9 +21,11 @@ Json SheetJson(const gdal::SheetReport& sheet) {
     json["lines"] = sheet.lines;
     json["points"] = sheet.points;
     json["texts"] = sheet.texts;
-    json["parcels"] = sheet.parcels;
+    json["parcels"] = sheet.parcels.parcels;
     json["seconds"] = sheet.seconds;
     json["reason"] = sheet.made ? Json(nullptr) : Json(sheet.reason);
+    json[parcelFaults[0]] = sheet.parcels.withoutNumber;
+    json[parcelFaults[1]] = sheet.parcels.freeEnds;
     return json;
 }
 
@@ -32,7 +36,7 @@ gdal::SheetReport SheetOf(const Json& json) {
     sheet.lines = json["lines"];
     sheet.points = json["points"];
     sheet.texts = json["texts"];
-    sheet.parcels = json["parcels"];
+    sheet.parcels = {json["parcels"], json[parcelFaults[0]], json[parcelFaults[1]]};
     sheet.seconds = json["seconds"];
     if (json["reason"].is_string()) sheet.reason = json["reason"];
     return sheet;
@@ -42,9 +46,11 @@ std::string Dumped(const Json& json, int indent = -1) {
     return json.dump(indent, ' ', false, Json::error_handler_t::replace);
 }
 
-Json RowJson(const ReportRow& row) {
+Json RowJson(const ReportRow& row, bool ofParcels) {
     Json json = {{"source", row.source}};
     json.update(SheetJson(row.sheet));
+    if (ofParcels) return json;
+    for (const char* name : parcelFaults) json.erase(name);
     return json;
 }
 
@@ -59,12 +65,16 @@ std::string Field(const Json& value) {
     return quoted + "\"";
 }
 
-std::string CsvOf(const std::vector<ReportRow>& rows) {
-    std::string text = "source,made,complete,lines,points,texts,parcels,seconds,reason\n";
-    for (const ReportRow& row : rows) {
+std::string CsvOf(const Json& list) {
+    std::string text;
+    for (const Json& json : list) {
+        std::string titles;
         std::string line;
-        const Json json = RowJson(row);
-        for (const auto& [name, value] : json.items()) line += (line.empty() ? "" : ",") + Field(value);
+        for (const auto& [name, value] : json.items()) {
+            titles += (titles.empty() ? "" : ",") + name;
+            line += (line.empty() ? "" : ",") + Field(value);
+        }
+        if (text.empty()) text = titles + "\n";
         text += line + "\n";
     }
     return text;
@@ -104,15 +114,10 @@ void CheckReportName(const std::string& file) {
                       "--report: " + client::SystemTextToUtf8(file) + ": a report is a .json or a .csv file");
 }
 
-void WriteReport(const std::string& file, const std::vector<ReportRow>& rows) {
-    std::string text;
-    if (IsJson(file)) {
-        Json list = Json::array();
-        for (const ReportRow& row : rows) list.push_back(RowJson(row));
-        text = Dumped(list, 2) + "\n";
-    } else {
-        text = CsvOf(rows);
-    }
+void WriteReport(const std::string& file, const std::vector<ReportRow>& rows, bool ofParcels) {
+    Json list = Json::array();
+    for (const ReportRow& row : rows) list.push_back(RowJson(row, ofParcels));
+    const std::string text = IsJson(file) ? Dumped(list, 2) + "\n" : CsvOf(list);
     try {
         client::AtomicOutput output(file);
         output.Write(text);

@@ -18,9 +18,9 @@ struct ReportRow {
     gdal::SheetReport sheet;
 };
 
-// Writes the rows as JSON or CSV, as the file's ending says. Throws Failure when that is neither (see
-// CheckReportName) or the file cannot be written.
-void WriteReport(const std::string& file, const std::vector<ReportRow>& rows);
+// Writes the rows as JSON or CSV, as the file's ending says; ofParcels: with what is wrong with them. Throws
+// Failure when that is neither (see CheckReportName) or the file cannot be written.
+void WriteReport(const std::string& file, const std::vector<ReportRow>& rows, bool ofParcels);
 void CheckReportName(const std::string& file);
 
 }  // namespace vemrado::tools

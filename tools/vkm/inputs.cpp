@@ -114,7 +114,11 @@ std::vector<Input> FindInputs(const InputOptions& options) {
     Finder finder(options.recursive);
     if (!options.list.empty()) finder.AddList(options.list);
     for (const std::string& name : options.names) finder.AddNamed(name, false);
-    if (finder.found.empty()) throw Failure(exitInput, Shown(options.list) + ": the list names no file");
+    if (finder.found.empty()) {
+        const bool isPipe = options.list == client::standardInputName;
+        throw Failure(exitInput,
+                      (isPipe ? "standard input" : Shown(options.list)) + ": the list names no file");
+    }
     return std::move(finder.found);
 }
 
