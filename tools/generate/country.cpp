@@ -36,6 +36,11 @@ Cell CellOfSheet(int64_t sheet) {
     return {static_cast<int>(2 * shell - rest), static_cast<int>(shell)};
 }
 
+int64_t SheetOfCell(Cell cell) {
+    const int64_t shell = std::max(cell.column, cell.row);
+    return shell * shell + (cell.row <= cell.column ? cell.row : 2 * shell - cell.column);
+}
+
 int Country::LatticeSize() const {
     return static_cast<int>(std::min(countryWidth / width, countryHeight / height));
 }

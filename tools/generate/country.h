@@ -22,6 +22,7 @@ struct Cell {
 // The cells in the order in which sheets are written: a square that grows by its east and south side, so that
 // any number of sheets is one coherent area and a smaller file is the beginning of a larger one.
 Cell CellOfSheet(int64_t sheet);
+int64_t SheetOfCell(Cell cell);
 
 class Country {
   public:

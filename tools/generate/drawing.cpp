@@ -18,25 +18,21 @@ int32_t GonHundredths(double gons) {
 }  // namespace
 
 void Drawing::Add(Layer layer, GridPoint at, char type, bool startsLine, int32_t code, double radius) {
+    std::vector<DrawnElement>& elements = Of(layer).elements;
+    if (type != 'P' && elements.back().at == at) return;  // too close for the decimals
     DrawnElement element;
     element.at = at;
     element.type = type;
     element.startsLine = startsLine;
     element.keys.code = code;
     element.keys.radiusHundredths = Hundredths(radius);
-    Of(layer).elements.push_back(element);
+    elements.push_back(element);
 }
 
 void Drawing::AddPath(Layer layer, const Path& path, int32_t code, char type) {
     if (path.size() < 2) return;
-    GridPoint last = grid.Snap(path[0]);
-    StartLine(layer, last, code);
-    for (std::size_t i = 1; i < path.size(); ++i) {
-        const GridPoint at = grid.Snap(path[i]);
-        if (at.east == last.east && at.north == last.north) continue;  // too close for the decimals
-        Element(layer, at, code, type);
-        last = at;
-    }
+    StartLine(layer, grid.Snap(path[0]), code);
+    for (std::size_t i = 1; i < path.size(); ++i) Element(layer, grid.Snap(path[i]), code, type);
 }
 
 void Drawing::AddRing(Layer layer, const Ring& ring, int32_t code) {
@@ -63,6 +59,9 @@ void Drawing::MarkLast(Layer layer, int32_t symbol, double gons) {
 }
 
 void Drawing::AddText(Layer layer, Point at, std::string_view text, int32_t code, double gons) {
+    const double clearance = TextClearance(layer) * paper;
+    for (const DrawnText& other : Of(layer).texts)
+        if (Length(grid.ToMetres(other.at) - at) < clearance) return;
     DrawnText drawn;
     drawn.at = grid.Snap(at);
     drawn.text = text;

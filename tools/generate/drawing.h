@@ -47,7 +47,8 @@ struct DrawnLayer {
 
 class Drawing {
   public:
-    explicit Drawing(Grid coordinates) : grid(coordinates) {
+    // millimetre: metres on the ground for one on paper.
+    Drawing(Grid coordinates, double millimetre) : grid(coordinates), paper(millimetre) {
         for (DrawnLayer& layer : layers) layer.elements.reserve(1024);
     }
 
@@ -66,13 +67,18 @@ class Drawing {
     void AddSymbol(Layer layer, Point at, int32_t symbol, double gons = 0, double scale = 1);
     // Gives the last element's point a symbol too.
     void MarkLast(Layer layer, int32_t symbol, double gons);
+    // A text that would cover another one of its layer is left out.
     void AddText(Layer layer, Point at, std::string_view text, int32_t code, double gons);
+    // How far texts of a layer keep from each other, in millimetres on paper: more than a quarter of the
+    // largest one's height aside and upwards.
+    static constexpr double TextClearance(Layer layer) { return layer == layerNames ? 3.1 : 0.62; }
 
   private:
     DrawnLayer& Of(Layer layer) { return layers[static_cast<std::size_t>(layer)]; }
     void Add(Layer layer, GridPoint at, char type, bool startsLine, int32_t code, double radius);
 
     Grid grid;
+    double paper;
     std::array<DrawnLayer, layerCount + 1> layers;
 };
 

@@ -5,6 +5,8 @@
 #include <cmath>
 #include <numbers>
 
+#include "clearance.h"
+
 namespace generate {
 
 namespace {
@@ -84,7 +86,7 @@ Point Furnisher::Inside() const {
         const Point middle = Middle(chord.ahead.at, chord.behind.at);
         if (IsFree(middle, 1)) return middle;
     }
-    return center;
+    return PointInside(site.ring);
 }
 
 Path Furnisher::Closed(const Ring& ring) const {
@@ -95,6 +97,7 @@ Path Furnisher::Closed(const Ring& ring) const {
 
 // True when a text's box lies inside the parcel and clear of its buildings.
 bool Furnisher::HasRoom(Point at, Point along, double halfWidth, double halfHeight) const {
+    if (!IsFree(at, numberClearance)) return false;
     for (const double x : {-1.0, -0.5, 0.0, 0.5, 1.0}) {
         for (const double y : {-1.0, 1.0}) {
             const Point corner = at + along * (x * halfWidth) + Left(along) * (y * halfHeight);
@@ -108,6 +111,8 @@ bool Furnisher::HasRoom(Point at, Point along, double halfWidth, double halfHeig
 }
 
 // The nearest of some places around the wanted one that has room, level when possible, else along the parcel.
+// Where none has the place is inside the parcel at least, half as far from its boundary as numbers must be
+// from each other.
 void Furnisher::PlaceNear(Point wanted, double halfWidth, Point& at, double& gons) const {
     constexpr std::array<double, 13> steps{0, 2, -2, 4, -4, 6.5, -6.5, 9, -9, 13, -13, 17, -17};
     const Point inwards = site.hasFront ? site.front.inwards : Point{0, 1};
@@ -123,13 +128,13 @@ void Furnisher::PlaceNear(Point wanted, double halfWidth, Point& at, double& gon
             }
         }
     }
-    at = wanted;
+    at = IsFree(wanted, numberClearance) ? wanted : PointInside(site.ring);
     gons = 0;
 }
 
 void Furnisher::Number(const Parcel& parcel, Point wanted) {
-    std::string text = std::to_string(parcel.stem);
-    if (parcel.sub > 0) text.append("/").append(std::to_string(parcel.sub));
+    std::string text = std::to_string(parcel.number.stem);
+    if (parcel.number.sub > 0) text.append("/").append(std::to_string(parcel.number.sub));
     const double width = static_cast<double>(text.size()) * letterWidth * numberHeight * paper;
     Point at;
     double gons = 0;

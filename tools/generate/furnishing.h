@@ -18,6 +18,7 @@ class Furnisher {
           random(numbers),
           builder(sheet, numbers),
           paper(millimetre),
+          numberClearance(Drawing::TextClearance(layerParcelNumbers) / 2 * millimetre),
           nextHouse(firstHouse) {}
 
     void Furnish(const BoundaryNet& net, Parcel& parcel);
@@ -43,6 +44,7 @@ class Furnisher {
     Random& random;
     Builder builder;
     double paper;
+    double numberClearance;  // from their parcel's boundary: half of that from each other
     int nextHouse;
     Site site;
 };

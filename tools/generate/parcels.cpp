@@ -117,7 +117,7 @@ void ParcelPlanner::Divide(const Block& block, std::vector<Parcel>& parcels) {
         case ParcelUse::cemetery:
         case ParcelUse::sports:
         case ParcelUse::pond:
-            parcels.push_back({face, use, nextStem++, 0, block.town});
+            parcels.push_back({face, use, numbers.Next(), block.town});
             return;
         case ParcelUse::works:
             return AddStrips(face, frame.along, 75, use, block.town, parcels);
@@ -187,18 +187,18 @@ void ParcelPlanner::DivideStrip(const BoundaryNet::Face& face, Point along, doub
 // A plot with a deep back land becomes a house's parcel and its garden.
 void ParcelPlanner::AddPlot(BoundaryNet::Face face, ParcelUse use, double town,
                             std::vector<Parcel>& parcels) {
-    const int stem = nextStem++;
+    const ParcelNumber number = numbers.Next();
     Ring ring;
     std::vector<Side> sides;
     net.Refine(face);
     net.Outline(face, ring, sides);
     Front front;
     if (use == ParcelUse::allotment) {
-        parcels.push_back({std::move(face), use, stem, 0, town});
+        parcels.push_back({std::move(face), use, number, town});
         return;
     }
     if (!FrontOf(ring, sides, front)) {
-        parcels.push_back({std::move(face), ParcelUse::garden, stem, 0, town});
+        parcels.push_back({std::move(face), ParcelUse::garden, number, town});
         return;
     }
     const double yard = use == ParcelUse::terrace ? random.Between(19, 24) : random.Between(21, 27);
@@ -207,24 +207,24 @@ void ParcelPlanner::AddPlot(BoundaryNet::Face face, ParcelUse use, double town,
     BoundaryNet::Face house;
     if (front.depth > yard + 11 && Contains(ring, through) &&
         net.Cut(face, through, front.along, 1.5, back, house)) {
-        parcels.push_back({std::move(house), use, stem, 1, town});
-        parcels.push_back({std::move(back), ParcelUse::garden, stem, 2, town});
+        parcels.push_back({std::move(house), use, {number.stem, number.sub + 1}, town});
+        parcels.push_back({std::move(back), ParcelUse::garden, {number.stem, number.sub + 2}, town});
         return;
     }
-    parcels.push_back({std::move(face), use, stem, 0, town});
+    parcels.push_back({std::move(face), use, number, town});
 }
 
 void ParcelPlanner::AddStrips(const BoundaryNet::Face& face, Point along, double target, ParcelUse use,
                               double town, std::vector<Parcel>& parcels) {
     std::vector<BoundaryNet::Face> strips;
     DivideStrip(face, along, target, strips);
-    const int stem = nextStem++;
-    int sub = strips.size() > 1 ? 1 : 0;
+    ParcelNumber number = numbers.Next();
+    if (strips.size() > 1) ++number.sub;
     for (BoundaryNet::Face& strip : strips) {
         // Some neighbours grow other things than the rest.
         const bool odd = strips.size() > 3 && use != ParcelUse::works && random.Chance(0.12);
-        parcels.push_back({std::move(strip), odd ? ParcelUse::meadow : use, stem, sub, town});
-        ++sub;
+        parcels.push_back({std::move(strip), odd ? ParcelUse::meadow : use, number, town});
+        if (++number.sub % ParcelNumbers::subsOfStem == 0) number = numbers.Next();
     }
 }
 

@@ -33,11 +33,36 @@ enum class ParcelUse : uint8_t {
     pond,
 };
 
+struct ParcelNumber {
+    int stem = 0;
+    int sub = 0;  // stem/sub; 0: the stem alone
+};
+
+// Gives out the parcel numbers of a sheet. Each sheet has numbers of its own, so that no two parcels of a map
+// share one. When a sheet has used up its numbers they are divided further, the first as 1/101.
+class ParcelNumbers {
+  public:
+    static constexpr int stemsOfSheet = 500;
+    static constexpr int subsOfStem = 100;
+
+    explicit ParcelNumbers(int64_t sheet) : first(1 + static_cast<int>(sheet) * stemsOfSheet) {}
+
+    // Another number; parts of the parcel add 1 to 99 to its sub.
+    ParcelNumber Next() {
+        const ParcelNumber number{first + given % stemsOfSheet, given / stemsOfSheet * subsOfStem};
+        ++given;
+        return number;
+    }
+
+  private:
+    int first;
+    int given = 0;
+};
+
 struct Parcel {
     BoundaryNet::Face face;
     ParcelUse use = ParcelUse::arable;
-    int stem = 0;  // parcel number stem/sub; sub 0: the stem alone
-    int sub = 0;
+    ParcelNumber number;
     double town = 0;
 };
 
@@ -54,8 +79,8 @@ bool FrontOf(const Ring& ring, const std::vector<Side>& sides, Front& front);
 
 class ParcelPlanner {
   public:
-    ParcelPlanner(const Country& land, BoundaryNet& boundaries, Random& numbers, int firstNumber)
-        : country(land), net(boundaries), random(numbers), nextStem(firstNumber) {}
+    ParcelPlanner(const Country& land, BoundaryNet& boundaries, Random& chances, int64_t sheet)
+        : country(land), net(boundaries), random(chances), numbers(sheet) {}
 
     void Divide(const Block& block, std::vector<Parcel>& parcels);
 
@@ -72,7 +97,7 @@ class ParcelPlanner {
     const Country& country;
     BoundaryNet& net;
     Random& random;
-    int nextStem;
+    ParcelNumbers numbers;
 };
 
 }  // namespace generate

@@ -6,6 +6,7 @@
 #include <numbers>
 #include <string>
 
+#include "clearance.h"
 #include "furnishing.h"
 #include "random.h"
 
@@ -13,13 +14,18 @@ namespace generate {
 
 namespace {
 
-constexpr int firstNumberStep = 500;
 constexpr int firstHouseStep = 130;
 
-// Position of a cell in its municipality, for numbers that do not repeat in it.
+// Position of a cell in its municipality, for house numbers that do not repeat in it.
 int PlaceInMunicipality(Cell cell) {
     constexpr int size = Country::municipalityCells;
     return cell.column % size + size * (cell.row % size);
+}
+
+// Position of a cell among all cells, municipality by municipality.
+int64_t PlaceInCountry(Cell cell) {
+    constexpr int size = Country::municipalityCells;
+    return SheetOfCell({cell.column / size, cell.row / size}) * size * size + PlaceInMunicipality(cell);
 }
 
 class SheetPainter {
@@ -29,7 +35,7 @@ class SheetPainter {
           names(allNames),
           cell(place),
           paper(scale / 1000.0),
-          drawing(grid),
+          drawing(grid, paper),
           net(grid),
           streetRandom(country.Seed(), Subject::streets, cell.column, cell.row),
           random(country.Seed(), Subject::parcels, cell.column, cell.row) {}
@@ -54,7 +60,7 @@ class SheetPainter {
     void PaintParcels(const StreetPlan& plan) {
         const int place = PlaceInMunicipality(cell);
         std::vector<Parcel> parcels;
-        ParcelPlanner planner(country, net, random, 1 + place * firstNumberStep);
+        ParcelPlanner planner(country, net, random, PlaceInCountry(cell));
         for (const Block& block : plan.blocks) planner.Divide(block, parcels);
         Furnisher furnisher(names, drawing, random, paper, 1 + place * firstHouseStep);
         for (Parcel& parcel : parcels) furnisher.Furnish(net, parcel);
@@ -181,10 +187,12 @@ class SheetPainter {
         return country.IsSouthOfStream(cell);
     }
 
-    // Lines across the stream at its ends close its parcel against the main roads.
+    // A line across the stream at one of its ends closes its parcel against the main road. The stream has no
+    // number, so a line joins two blocks, and those of both ends never the same two: it encloses nothing.
     void CloseStream(const StreetPlan& plan, Point end) {
         std::array<Point, 2> corners;
         std::array<double, 2> nearest{30, 30};
+        std::array<const Block*, 2> blocks{};
         for (const Block& block : plan.blocks) {
             const std::size_t count = block.outline.size();
             for (std::size_t i = 0; i < count; ++i) {
@@ -197,10 +205,17 @@ class SheetPainter {
                 if (distance >= nearest[side]) continue;
                 nearest[side] = distance;
                 corners[side] = block.outline[i];
+                blocks[side] = &block;
             }
         }
-        if (nearest[0] < 30 && nearest[1] < 30)
-            drawing.AddPath(layerBoundaries, {corners[0], corners[1]}, codeParcel);
+        std::sort(blocks.begin(), blocks.end());
+        if (!blocks[0] || blocks[0] == blocks[1] || blocks == closedBlocks) return;
+        const Grid& grid = drawing.GridOf();
+        if (!net.IsClear(grid.Snap(corners[0]), grid.Snap(corners[1])) ||
+            !IsClearOf({corners[0], corners[1]}, plan.land))
+            return;
+        drawing.AddPath(layerBoundaries, {corners[0], corners[1]}, codeParcel);
+        closedBlocks = blocks;
     }
 
     static double FlowGons(Point direction) {
@@ -265,6 +280,7 @@ class SheetPainter {
     const double paper;
     Drawing drawing;
     BoundaryNet net;
+    std::array<const Block*, 2> closedBlocks{};  // that a line across the stream joins
     Random streetRandom;
     Random random;
 };

@@ -99,8 +99,10 @@ std::string MapWriter::PlainLines(int64_t sheet) const {
         element.type = 'P';
         element.startsLine = true;
         writer.Element(element);
+        const GridPoint before = at;
         at.east += random.Below(40 * units) - 20 * units;
         at.north += random.Below(40 * units) - 20 * units;
+        if (at == before) ++at.east;  // no line without a length
         element.at = at;
         element.type = 'L';
         element.startsLine = false;

@@ -3,14 +3,21 @@
 #include <algorithm>
 #include <cmath>
 
+#include "clearance.h"
+
 namespace generate {
 
 namespace {
 
 constexpr double streamHalfWidth = 3.2;
+// Blocks keep this distance in metres from the centre lines around them.
+constexpr double blockClearance = 0.5;
 
 // Land between streets that may still be divided. Edge i has side and margin i: the margin is the distance
 // from the street's centre line to the boundary of the block.
+//
+// Tracts are simple rings and are divided into simple rings, so no two of them overlap. Each block lies
+// inside its tract, so no two blocks do.
 struct Tract {
     Ring ring;
     std::vector<Side> sides;
@@ -74,11 +81,9 @@ class Planner {
         AppendRoad(whole, east, false, Side::road, country.HalfWidthSouth({cell.column + 1, cell.row}));
         AppendRoad(whole, north, false, Side::road, country.HalfWidthEast(cell));
         AppendRoad(whole, west, true, Side::road, country.HalfWidthSouth(cell));
-        if (const auto stream = country.StreamThrough(cell)) {
-            DivideByStream(whole, *stream, east.size() - 1);
-        } else {
-            Divide(whole, 0);
-        }
+        plan.land = whole.ring;
+        const auto stream = country.StreamThrough(cell);
+        if (!stream || !DivideByStream(whole, *stream, east.size() - 1)) Divide(whole, 0);
         return std::move(plan);
     }
 
@@ -89,10 +94,9 @@ class Planner {
     }
 
     // The ring runs south, east (northwards), north (westwards), west (southwards), each road with its own
-    // number of edges; the stream's ends are points of the western and eastern road.
-    void DivideByStream(const Tract& whole, const Country::Stream& stream, std::size_t edgesOfRoad) {
-        plan.stream = stream.path;
-        plan.streamHalfWidth = streamHalfWidth;
+    // number of edges; the stream's ends are points of the western and eastern road. False when the stream
+    // leaves the ring.
+    bool DivideByStream(const Tract& whole, const Country::Stream& stream, std::size_t edgesOfRoad) {
         const std::size_t eastPoint = edgesOfRoad + (edgesOfRoad - stream.to);
         const std::size_t westPoint = 3 * edgesOfRoad + stream.from;
         Tract northern;
@@ -106,8 +110,12 @@ class Planner {
         }
         AppendRoad(northern, stream.path, true, Side::stream, streamHalfWidth);
         AppendRoad(southern, stream.path, false, Side::stream, streamHalfWidth);
+        if (!IsSimple(northern.ring, 0) || !IsSimple(southern.ring, 0)) return false;
+        plan.stream = stream.path;
+        plan.streamHalfWidth = streamHalfWidth;
         Divide(northern, 0);
         Divide(southern, 0);
+        return true;
     }
 
     void Divide(const Tract& tract, int depth) {
@@ -141,14 +149,23 @@ class Planner {
             offsets = {0.6 * bow + swing, 0.92 * bow + swing * 0.6, bow, 0.92 * bow - swing * 0.6,
                        0.6 * bow - swing};
         }
-        const Path path = Bent(chord.behind.at, chord.ahead.at, offsets);
-        const Path back(path.rbegin(), path.rend());
-        if (side == Side::road) plan.streets.push_back({path, halfWidth, false, random.Next()});
-        Divide(PartOf(tract, chord.ahead.edge, chord.behind.edge, path, side, halfWidth), depth + 1);
-        Divide(PartOf(tract, chord.behind.edge, chord.ahead.edge, back, side, halfWidth), depth + 1);
+        for (const std::vector<double>& bend : {offsets, {}}) {
+            const Path path = Bent(chord.behind.at, chord.ahead.at, bend);
+            const Path back(path.rbegin(), path.rend());
+            const Tract left = PartOf(tract, chord.ahead.edge, chord.behind.edge, path, side, halfWidth);
+            const Tract right = PartOf(tract, chord.behind.edge, chord.ahead.edge, back, side, halfWidth);
+            // A bent street may leave a bent tract; a straight one does not.
+            if (!IsSimple(left.ring, 0) || !IsSimple(right.ring, 0)) continue;
+            if (side == Side::road) plan.streets.push_back({path, halfWidth, false, random.Next()});
+            Divide(left, depth + 1);
+            Divide(right, depth + 1);
+            return;
+        }
+        Finish(tract, town);
     }
 
-    // Cuts the corners between roads, as sight lines ask for.
+    // Cuts the corners between roads, as sight lines ask for. Land whose margins leave no sound block is a
+    // part of the streets around it.
     void Finish(const Tract& tract, double town) {
         std::vector<std::size_t> kept;
         const Ring inner = Inset(tract.ring, tract.margins, kept);
@@ -175,6 +192,9 @@ class Planner {
                 block.sides.push_back(out);
             }
         }
+        if (IsThin(block.outline) || !IsSimple(block.outline) ||
+            !LiesInside(block.outline, tract.ring, blockClearance))
+            return;
         plan.blocks.push_back(std::move(block));
     }
 

@@ -29,6 +29,7 @@ struct Street {
 };
 
 struct StreetPlan {
+    Ring land;  // inside the centre lines of the main roads
     std::vector<Block> blocks;
     std::vector<Street> streets;
     Path stream;                 // centre line, empty when there is none
