@@ -11,6 +11,7 @@ export class FindField {
     private hits: Hit[] = [];
     private chosen = -1;
     private lastAsked = 0;
+    private listedText = ""; // that the hits are for
 
     constructor(
         private readonly input: HTMLInputElement,
@@ -39,6 +40,7 @@ export class FindField {
         if (text === "") return this.close();
         const found = await this.find(text, mostHits);
         if (asked !== this.lastAsked) return;
+        this.listedText = text;
         this.hits = found.hits;
         this.chosen = found.hits.length > 0 ? 0 : -1;
         const rows = found.hits.map((hit, i) => {
@@ -76,14 +78,19 @@ export class FindField {
         if (move !== undefined && this.hits.length > 0) {
             this.chosen = (this.chosen + move + this.hits.length) % this.hits.length;
             this.mark();
-        } else if (event.key === "Enter" && this.chosen >= 0) {
-            this.take(this.chosen);
+        } else if (event.key === "Enter") {
+            void this.enter();
         } else if (event.key === "Escape") {
             this.close();
         } else {
             return;
         }
         event.preventDefault();
+    }
+    // Those who type faster than texts are found mean what they have typed.
+    private async enter(): Promise<void> {
+        if (this.input.value.trim() !== this.listedText) await this.ask();
+        this.take(this.chosen);
     }
     private mark(): void {
         for (const [i, row] of [...this.list.children].entries()) {
@@ -100,6 +107,7 @@ export class FindField {
     }
     private close(): void {
         this.lastAsked++;
+        this.listedText = "";
         this.list.hidden = true;
         this.input.setAttribute("aria-expanded", "false");
         this.input.removeAttribute("aria-activedescendant");

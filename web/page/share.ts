@@ -6,6 +6,7 @@ import { byId, download, make } from "./dom.ts";
 import type { MapView, Point } from "./map_view.ts";
 import { say } from "./words.ts";
 
+const allSheets = -1;
 const metresPerPixel = 0.0254 / 96; // of a screen, as browsers count
 
 export function scaleNumber(pixelsPerMetre: number): number {
@@ -57,11 +58,9 @@ export async function savePng(client: Client, view: MapView, name: string): Prom
 }
 
 export async function saveSvg(client: Client, view: MapView, sheets: string[]): Promise<void> {
-    const box = view.box();
-    for (const [sheet, name] of sheets.entries()) {
-        const drawing = await client.call("svg", sheet, box, true, baseName(name));
-        download(`${baseName(name)}.svg`, new Blob([drawing], { type: "image/svg+xml" }));
-    }
+    const name = baseName(sheets[0] ?? "");
+    const drawing = await client.call("svg", allSheets, view.box(), true, name);
+    download(`${name}.svg`, new Blob([drawing], { type: "image/svg+xml" }));
 }
 
 // Prints what fits on a sheet of paper around the middle of the screen, at a map scale.

@@ -23,6 +23,7 @@ export const czech: Words = {
     parcels: "Parcely",
     tools: "Nástroje",
     element: "Prvek",
+    messages: "Zprávy",
     panels: "Panely",
     closePanel: "Zavřít panel",
     layer: "Vrstva",
@@ -79,7 +80,7 @@ export const czech: Words = {
     measureHint:
         "Klepejte bod po bodu, nebo mezerníkem přidejte střed obrazovky; dvojklik nebo Enter ukončí, Escape začne znovu. Body se chytají čar.",
     area: "Výměra",
-    perimeter: "Obvod",
+    perimeter: "obvod",
     link: "Kopírovat odkaz na toto místo",
     linkCopied: "Odkaz je zkopírován.",
     savePng: "Uložit obrázek (PNG)",

@@ -24,6 +24,7 @@ export const german: Words = {
     parcels: "Flurstücke",
     tools: "Werkzeuge",
     element: "Element",
+    messages: "Meldungen",
     panels: "Bereiche",
     closePanel: "Bereich schließen",
     layer: "Ebene",

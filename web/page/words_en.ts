@@ -21,6 +21,7 @@ export const english = {
     parcels: "Parcels",
     tools: "Tools",
     element: "Element",
+    messages: "Messages",
     panels: "Panels",
     closePanel: "Close panel",
     layer: "Layer",
@@ -77,7 +78,7 @@ export const english = {
     measureHint:
         "Click point after point, or press Space for the middle of the screen; double click or Enter ends, Escape starts over. Points snap to lines.",
     area: "Area",
-    perimeter: "Perimeter",
+    perimeter: "perimeter",
     link: "Copy a link to this place",
     linkCopied: "The link is copied.",
     savePng: "Save picture (PNG)",

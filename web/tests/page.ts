@@ -1,8 +1,8 @@
 // The page in a real Chromium, as the tests use it.
 
-import { mkdtempSync, writeFileSync } from "node:fs";
+import { mkdirSync, mkdtempSync, readFileSync, writeFileSync } from "node:fs";
 import { tmpdir } from "node:os";
-import { basename, join } from "node:path";
+import { join } from "node:path";
 import puppeteer, { type Browser, type Page } from "puppeteer-core";
 import { pageFile } from "./places.ts";
 
@@ -146,4 +146,58 @@ export async function mapPicture(page: Page): Promise<Buffer> {
     return Buffer.from(address.slice(address.indexOf(",") + 1), "base64");
 }
 
-export const nameOf = (path: string): string => basename(path);
+export async function openPanel(page: Page, name: string): Promise<string> {
+    const shown = await page.$eval(`button[data-panel="${name}"]`, (opener) => opener.ariaExpanded);
+    if (shown !== "true") await page.click(`button[data-panel="${name}"]`);
+    return panelText(page);
+}
+// What stands in the panel that is open, once there is something.
+export async function panelText(page: Page): Promise<string> {
+    await page.waitForFunction(() => document.getElementById("panel-body")!.childElementCount > 0, {
+        timeout: 30000,
+    });
+    return page.$eval("#panel-body", (body) => (body as HTMLElement).innerText);
+}
+
+// A button by its words.
+export async function press(page: Page, words: string): Promise<void> {
+    await page.click(`::-p-xpath(//button[normalize-space()="${words}"])`);
+}
+
+// Where a place of the ground is on the screen.
+export async function screenPoint(page: Page, [x, y]: [number, number]): Promise<[number, number]> {
+    return page.evaluate(
+        (gx, gy) => {
+            const place = new URLSearchParams(location.hash.slice(1));
+            const pixels = 1 / ((Number(place.get("scale")) * 0.0254) / 96);
+            const at = (name: string): number => -Number(place.get(name));
+            return [innerWidth / 2 + (gx - at("y")) * pixels, innerHeight / 2 - (gy - at("x")) * pixels];
+        },
+        x,
+        y,
+    ) as Promise<[number, number]>;
+}
+
+// The file that the browser saves when something is done.
+export async function saved(page: Page, name: string, act: () => Promise<void>): Promise<Buffer> {
+    const downloads = join(folder, "downloads");
+    mkdirSync(downloads, { recursive: true });
+    const session = await page.createCDPSession();
+    await session.send("Browser.setDownloadBehavior", {
+        behavior: "allow",
+        downloadPath: downloads,
+        eventsEnabled: true,
+    });
+    const done = new Promise<void>((resolve) => {
+        session.on("Browser.downloadProgress", ({ state }) => state === "completed" && resolve());
+    });
+    await act();
+    await done;
+    await session.detach();
+    return readFileSync(join(downloads, name));
+}
+
+// Waits until something of the page is so.
+export async function until(page: Page, condition: string): Promise<void> {
+    await page.waitForFunction(condition, { timeout: 30000 });
+}

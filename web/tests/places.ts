@@ -1,6 +1,7 @@
 // Where the build has put what the tests need.
 
 import { execFileSync } from "node:child_process";
+import { readFileSync } from "node:fs";
 import { resolve } from "node:path";
 import type { Element } from "../engine/types.ts";
 
@@ -9,6 +10,8 @@ export const moduleFolder = resolve(root, "build/web/module");
 export const pageFile = resolve(root, "build/web/vemrado.html");
 export const programs = resolve(root, process.env["VEMRADO_PROGRAMS"] ?? "build/release/bin");
 export const town = resolve(root, "data/sample-town.vkm");
+
+export const linesOf = (path: string): string[] => readFileSync(path, "latin1").split(/\r?\n/);
 
 // Numbers that JSON has no form for are written as their names.
 function parseElement(line: string): Element {

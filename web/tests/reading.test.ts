@@ -55,10 +55,13 @@ test("every file of the fuzz corpus and the samples", () => {
     for (const path of files) compare(path);
 });
 
-test("300 generated maps", () => {
+test("300 generated maps of all scales, in odd forms and with relative coordinates too", () => {
     const path = join(folder, "map.vkm");
     for (let seed = 1; seed <= 300; seed++) {
-        execFileSync(join(programs, "vkm-generate"), ["--seed", String(seed), "--size", "20000", "-o", path]);
+        const form = [[], ["--stress"], ["--relative"], ["--stress", "--relative"]][seed % 4]!;
+        const scale = ["--scale", ["500", "1000", "2000"][seed % 3]!];
+        const settings = ["--seed", String(seed), "--size", "20000", ...scale, ...form, "-o", path];
+        execFileSync(join(programs, "vkm-generate"), settings);
         compare(path);
     }
 });

@@ -6,7 +6,6 @@
 #include <new>
 
 #include "client/data_directory.h"
-#include "draw/map_sheet.h"
 #include "elements.h"
 #include "queries.h"
 
@@ -222,21 +221,10 @@ EMSCRIPTEN_KEEPALIVE const char* web_compare(int oldFile, int encoding, int most
                                     static_cast<size_t>(most)));
 }
 
-// The part of a sheet in a box as an SVG picture.
+// What lies in a box as an SVG drawing, of one sheet or, for a negative number, of all.
 EMSCRIPTEN_KEEPALIVE const char* web_svg(int sheet, double minX, double minY, double maxX, double maxY,
                                          int legend, const char* title) {
-    const Sheet& drawn = *ThePage().viewer.Sheets()[static_cast<size_t>(sheet)];
-    draw::SheetOptions options;
-    options.box = draw::Box{minX, minY, maxX, maxY};
-    options.legend = legend != 0;
-    options.title = title;
-    const draw::MapSheet mapSheet(drawn.Scene(), options);
-    std::string picture;
-    const auto canvas =
-        draw::MakeSvgCanvas(mapSheet.Page(), title, [&](std::string_view bytes) { picture += bytes; });
-    mapSheet.Draw(*canvas);
-    canvas->Finish();
-    return ThePage().Answer(std::move(picture));
+    return ThePage().Answer(DrawSvg(ThePage().viewer, sheet, {minX, minY, maxX, maxY}, legend != 0, title));
 }
 
 }  // extern "C"

@@ -26,6 +26,10 @@ std::string Pick(const Viewer& viewer, draw::Point place, double distance);
 // What the file says of a stroke (kind 0), symbol (1) or text (2); reads the file again up to it.
 std::string Inspect(const Sheet& sheet, int layer, int kind, uint32_t number);
 
+// What lies in a box as an SVG drawing; negative: of all sheets. Reads their files again.
+std::string DrawSvg(const Viewer& viewer, int sheetNumber, const draw::Box& box, bool legend,
+                    const std::string& title);
+
 // What is wrong with the file of a sheet: how many findings of each severity, and the first ones with their
 // places.
 std::string Check(const Sheet& sheet, size_t most);
