@@ -62,8 +62,10 @@ function(vemrado_component component package section summary description)
 endfunction()
 
 set(exactly_this "libvemrado1 (= ${PROJECT_VERSION})")
+# xdg-utils opens the browser for vkm view.
+set(recommends RECOMMENDS "xdg-utils")
 if(TARGET ogr_VKM)
-  set(recommends RECOMMENDS vemrado-gdal)
+  set(recommends RECOMMENDS "vemrado-gdal, xdg-utils")
 endif()
 vemrado_component(programs vemrado science
   "Command line for VKM cadastral map files"

@@ -88,7 +88,10 @@ const policy = [
     "base-uri 'none'",
 ].join("; ");
 
+// What the licences of the page's parts ask to be said.
+const notices = readFileSync(join(here, "page/notices.txt"), "utf8");
 const page = readFileSync(join(here, "page/page.html"), "utf8")
+    .replace("<!doctype html>", (doctype) => `${doctype}\n<!--\n${notices}-->`)
     .replace("%POLICY%", () => policy)
     .replace(/\s*%STYLE%\s*/, () => style)
     .replace(/\s*%SCRIPT%\s*/, () => script);
