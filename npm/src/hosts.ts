@@ -4,6 +4,7 @@ import createModule from "vkm_web";
 import workerScript from "vkm_worker";
 import { VkmError } from "../../web/engine/engine.ts";
 import { errorOf, failureOf, type Answer, type Request } from "./messages.ts";
+import { threads } from "./node.ts";
 import { unpackText } from "./program.ts";
 import { Service, type Calls } from "./service.ts";
 
@@ -71,10 +72,7 @@ async function startInBrowser(listener: Listener): Promise<Thread> {
 }
 
 async function startInNode(listener: Listener): Promise<Thread> {
-    const threads = "node:worker_threads"; // in a variable, so that bundlers for browsers do not look for it
-    const { Worker: NodeWorker } = (await import(
-        /* @vite-ignore */ threads
-    )) as typeof import("node:worker_threads");
+    const { Worker: NodeWorker } = await threads();
     const worker = new NodeWorker(await unpackText(workerScript), { eval: true });
     worker.on("message", (answer: Answer) => listener.message(answer));
     worker.on("error", (error) => listener.failed(error));

@@ -32,6 +32,19 @@ function requireView({ x, y, scale, width, height }: View): void {
         );
 }
 
+const isWhole = (value: number): boolean => Number.isInteger(value) && Math.abs(value) < 2 ** 31;
+
+function requireColumnOptions({
+    layers = [],
+    batchRows = 1,
+    parcelLayer = 1,
+    numberLayer = 1,
+}: ColumnOptions): void {
+    if (![...layers, parcelLayer, numberLayer].every(isWhole))
+        throw new RangeError("a layer is a whole number");
+    if (!isWhole(batchRows) || batchRows < 1) throw new RangeError("batchRows is a whole number from 1");
+}
+
 export class OpenedMap implements api.VkmMap {
     readonly complete: boolean;
     readonly scale: number;
@@ -61,6 +74,8 @@ export class OpenedMap implements api.VkmMap {
     }
     async *columns(table: Table, options: ColumnOptions = {}): AsyncGenerator<ColumnBatch> {
         if (!tables.includes(table)) throw new RangeError(`there is no table '${String(table)}'`);
+        requireColumnOptions(options);
+        if (options.layers?.length === 0) return;
         const passage = await this.ask("startColumns", table, options);
         yield* this.read(passage) as AsyncGenerator<ColumnBatch>;
     }

@@ -1,6 +1,7 @@
 // Where a map comes from, and its bytes as the module reads them: synchronously, a little at a time.
 
 import { VkmError, largestFile, type Source } from "../../web/engine/engine.ts";
+import { fileSystem, isNode } from "./node.ts";
 
 export type Input = Blob | ArrayBuffer | Uint8Array | URL | string;
 
@@ -17,12 +18,7 @@ export interface FileSource extends Source {
     close(): void;
 }
 
-const isNode = typeof process === "object" && typeof process.versions?.node === "string";
 const window4 = 4 << 20; // bytes that are asked of a file at once
-
-// In a variable, so that bundlers for browsers do not look for it.
-const fileSystem = "node:fs";
-const loadFileSystem = (): Promise<typeof import("node:fs")> => import(/* @vite-ignore */ fileSystem);
 
 function originOfText(text: string): Origin {
     const name = text.startsWith("data:") ? "map.vkm" : text.split(/[?#]/)[0]!.split(/[\\/]/).pop() || text;
@@ -36,7 +32,12 @@ export function originOf(input: Input, name?: string): Origin {
     if (input instanceof Blob)
         return { name: (input as Partial<File>).name ?? "map.vkm", blob: input, ...given };
     if (input instanceof ArrayBuffer) return { name: "map.vkm", bytes: new Uint8Array(input), ...given };
-    if (ArrayBuffer.isView(input)) return { name: "map.vkm", bytes: input, ...given };
+    if (ArrayBuffer.isView(input)) {
+        // A part of a larger block alone, for the whole block would go to the Worker.
+        const { buffer, byteOffset, byteLength } = input;
+        const part = new Uint8Array(buffer, byteOffset, byteLength);
+        return { name: "map.vkm", bytes: byteLength < buffer.byteLength ? part.slice() : part, ...given };
+    }
     return { ...originOfText(String(input)), ...given };
 }
 
@@ -132,7 +133,7 @@ async function fetched(address: string): Promise<Blob> {
 }
 
 async function pathSource(name: string, path: string): Promise<FileSource> {
-    const system = await loadFileSystem();
+    const system = await fileSystem();
     const place = path.startsWith("file:") ? new URL(path) : path;
     const file = system.openSync(place, "r");
     const source = new PathSource(name, system, file);

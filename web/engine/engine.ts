@@ -70,12 +70,18 @@ export class VkmError extends Error {
     constructor(
         message: string,
         readonly file: string,
-        readonly line: number, // that had been read; 0: none
+        readonly line: number, // of the file, from 1; 0: none
         readonly status: Status = "open",
     ) {
         super(message);
         this.name = "VkmError";
     }
+}
+
+// The line in a sentence of the C interface: "map.vkm, line 812: Input/output error".
+function lineIn(reason: string, file: string): number {
+    const start = `${file}, line `;
+    return reason.startsWith(start) ? parseInt(reason.slice(start.length)) : 0;
 }
 
 export class Engine {
@@ -229,7 +235,8 @@ export class Engine {
             complete: false,
             next: () => {
                 const reason = this.text(module._web_columns_next!(file));
-                if (reason !== "") throw new VkmError(reason, source.name, 0, "read");
+                if (reason !== "")
+                    throw new VkmError(reason, source.name, lineIn(reason, source.name), "read");
                 const batch = module._web_columns_batch!(file);
                 if (batch === 0) return null;
                 return packBatch(module.HEAPU8, batch, module._web_columns_schema!(file));

@@ -1,29 +1,14 @@
-// The package as npm packs it: in Node from an empty folder, and its samples in Chromium.
+// The package as npm packs it, in a user's project in Node.
 
 import assert from "node:assert/strict";
-import { execFileSync } from "node:child_process";
-import { copyFileSync, mkdirSync, readFileSync, readdirSync, writeFileSync } from "node:fs";
-import { createServer } from "node:http";
-import type { AddressInfo } from "node:net";
+import { readdirSync } from "node:fs";
 import { join } from "node:path";
-import { after, before, test } from "node:test";
-import { build } from "esbuild";
-import { closeBrowser, folder, openBlank } from "./page.ts";
-import { dumpOf, root, town } from "./places.ts";
+import { after, test } from "node:test";
+import { dumpOf, town } from "./places.ts";
+import { makeProject, tools } from "./project.ts";
 
-const project = join(folder, "project");
-after(closeBrowser);
-
-before(() => {
-    const pack = ["pack", "--silent", "--pack-destination", folder, join(root, "build/web/npm")];
-    const archive = execFileSync("npm", pack, { encoding: "utf8" }).trim();
-    mkdirSync(project);
-    writeFileSync(join(project, "package.json"), '{"private": true, "type": "module"}');
-    execFileSync("npm", ["install", "--offline", "--no-audit", "--no-fund", join(folder, archive)], {
-        cwd: project,
-    });
-    copyFileSync(town, join(project, "town.vkm"));
-});
+const project = makeProject();
+after(() => project.remove());
 
 // What a script of the project's writes.
 function run(script: string, ...options: string[]): unknown {
@@ -38,20 +23,16 @@ function run(script: string, ...options: string[]): unknown {
             await new Promise((listening) => server.listen(0, "127.0.0.1", listening));
             return { port: server.address().port, close: () => server.close() };
         }`;
-    writeFileSync(join(project, "script.js"), imports + script);
-    const output = execFileSync("node", [...options, "script.js"], {
-        cwd: project,
-        encoding: "utf8",
-        timeout: 60000,
-        maxBuffer: 1 << 28,
-    });
-    return JSON.parse(output);
+    project.write("script.js", imports + script);
+    return JSON.parse(project.run("node", ...options, "script.js"));
 }
 
 test("no dependency and nothing but what it needs", () => {
-    const installed = readdirSync(join(project, "node_modules")).filter((name) => !name.startsWith("."));
+    const installed = readdirSync(join(project.folder, "node_modules")).filter(
+        (name) => !name.startsWith("."),
+    );
     assert.deepEqual(installed, ["vemrado"]);
-    assert.deepEqual(readdirSync(join(project, "node_modules/vemrado")).sort(), [
+    assert.deepEqual(readdirSync(join(project.folder, "node_modules/vemrado")).sort(), [
         "README.md",
         "dist",
         "package.json",
@@ -117,6 +98,7 @@ test("failures are VkmErrors that name the file, the line and the kind", () => {
             await attempt(() => openMap("http://127.0.0.1:" + port + "/town.vkm", { worker }));
             const map = await openMap("town.vkm", { worker });
             await attempt(() => map.columns("streets").next());
+            await attempt(() => map.columns("lines", { batchRows: 0 }).next());
             await attempt(() => map.draw({}, { x: 0, y: 0, scale: 1, width: 1e9, height: 1e9 }));
             await attempt(async () => { for await (const element of map) map.close(); });
             await attempt(() => map.parcels());
@@ -134,6 +116,7 @@ test("failures are VkmErrors that name the file, the line and the kind", () => {
         ["VkmError", "given", 0, "open", "given: the packed file is damaged"],
         ["VkmError", "town.vkm", 0, "open", "town.vkm: the server answers 404 Not Found"],
         ["RangeError", null, null, null, "there is no table 'streets'"],
+        ["RangeError", null, null, null, "batchRows is a whole number from 1"],
         [
             "RangeError",
             null,
@@ -180,36 +163,52 @@ test("maps that nobody closes are freed by the collector, those in use are not",
     assert.equal(memory.findings, "number");
 });
 
-test("the canvas sample, bundled by esbuild, draws the map", async () => {
-    const sample = readFileSync(join(project, "node_modules/vemrado/samples/canvas.html"), "utf8");
-    const script = /<script type="module">([^]*)<\/script>/.exec(sample)![1]!;
-    const bundle = await build({
-        stdin: { contents: script, resolveDir: project },
-        bundle: true,
-        format: "esm",
-        write: false,
-    });
-    const page = sample.replace(script, () =>
-        bundle.outputFiles[0]!.text.replaceAll("</script", "<\\/script"),
+test("types hold in strict mode, with the types of browsers or of Node alone", () => {
+    project.write(
+        "user.ts",
+        `import { openMap, VkmError, type Element, type View } from "vemrado";
+        export async function use(view: View, context: Parameters<Awaited<ReturnType<typeof openMap>>["draw"]>[0]) {
+            const map = await openMap(new URL("file:///town.vkm"), { encoding: "cp852" });
+            const kinds: Element["kind"][] = [];
+            for await (const element of map) {
+                kinds.push(element.kind);
+                // @ts-expect-error: only texts have one.
+                element.text;
+            }
+            for await (const { memory, array, rows } of map.columns("parcels")) new DataView(memory, array, rows);
+            // @ts-expect-error: there is no such table.
+            map.columns("streets");
+            await map.draw(context, view);
+            const sizes: number[] = (await map.parcels()).map((parcel) => parcel.size);
+            return { kinds, sizes, line: new VkmError("", "", 0).line };
+        }`,
     );
-    const server = createServer((request, answer) => {
-        const isMap = request.url === "/town.vkm";
-        answer.setHeader("Content-Type", isMap ? "application/octet-stream" : "text/html; charset=utf-8");
-        answer.end(isMap ? readFileSync(town) : page);
-    });
-    server.unref();
-    await new Promise<void>((listening) => server.listen(0, "127.0.0.1", listening));
-    const opened = await openBlank(`http://127.0.0.1:${(server.address() as AddressInfo).port}/`);
-    await opened.page.waitForFunction(() => document.querySelector("canvas")!.title !== "", {
-        timeout: 30000,
-    });
-    const ink = await opened.page.evaluate(() => {
-        const canvas = document.querySelector("canvas")!;
-        const { data } = canvas.getContext("2d")!.getImageData(0, 0, canvas.width, canvas.height);
-        return data.filter((value, i) => i % 4 === 3 && value > 100).length;
-    });
-    assert.ok(ink > 5000, `${ink} pixels are drawn`);
-    assert.deepEqual(opened.errors, []);
-    await opened.page.close();
-    server.close();
+    project.write(
+        "page.ts",
+        `import { use } from "./user.js";
+        void use({ x: 0, y: 0, scale: 1, width: 1, height: 1 }, document.createElement("canvas").getContext("2d")!);`,
+    );
+    const strict = [
+        "--strict",
+        "--noEmit",
+        "--target",
+        "ES2022",
+        "--types",
+        "node",
+        "--typeRoots",
+        join(tools, "@types"),
+    ];
+    const tsc = join(tools, ".bin/tsc");
+    project.run(tsc, ...strict, "--module", "nodenext", "--lib", "ES2022,ESNext.Disposable", "user.ts");
+    project.run(
+        tsc,
+        ...strict,
+        "--module",
+        "esnext",
+        "--moduleResolution",
+        "bundler",
+        "--lib",
+        "ES2022,DOM,DOM.AsyncIterable",
+        "page.ts",
+    );
 });

@@ -93,3 +93,29 @@ test("numbers of every odd form", () => {
     writeFileSync(path, `&V S-JTSK 0 0\n&G 1 1\n${lines.join("\n")}\n&K\n`);
     compare(path);
 });
+
+test("a source that fails in its middle is told with the line", () => {
+    const path = join(folder, "large.vkm");
+    execFileSync(join(programs, "vkm-generate"), ["--size", "1M", "-o", path]);
+    const whole = sourceOf(path);
+    const source: Source = {
+        ...whole,
+        read: (offset, length) => {
+            if (offset > whole.size / 2) throw new Error("it is gone");
+            return whole.read(offset, length);
+        },
+    };
+    const sheet = engine.open(source);
+    while (engine.read(sheet, 1000));
+    const { state, failureLine, lines } = engine.summary().sheets[0]!;
+    assert.equal(state, "failed");
+    assert.ok(lines > 100 && failureLine > lines);
+    const failed = { name: "VkmError", file: path, status: "read", line: failureLine };
+    assert.throws(() => [...engine.elements(source)], failed);
+    const columns = engine.openColumns(source, "windows-1250", "texts", {});
+    assert.throws(() => {
+        while (columns.next());
+    }, failed);
+    columns.close();
+    engine.clear();
+});

@@ -201,8 +201,9 @@ EMSCRIPTEN_KEEPALIVE int web_elements_complete(int file) {
     return ThePage().elements.at(file).Complete() ? 1 : 0;
 }
 
+// Of the file, where reading stands.
 EMSCRIPTEN_KEEPALIVE int web_elements_line(int file) {
-    return ThePage().elements.at(file).LineCount();
+    return ThePage().elements.at(file).LineCount() + 1;
 }
 
 EMSCRIPTEN_KEEPALIVE void web_elements_close(int file) {
