@@ -7,12 +7,10 @@
 #include <charconv>
 #include <cstring>
 
-#include "archives/archive_files.h"
-#include "archives/map_files.h"
 #include "client/axis_orientation.h"
 #include "client/foreign_file.h"
-#include "client/system.h"
 #include "client/text_encoding.h"
+#include "map_collection.h"
 #include "sample_symbology.h"
 #include "vkm_dataset.h"
 
@@ -81,30 +79,13 @@ void SayWhatElseItIs(const GDALOpenInfo& info) {
                  client::ForeignFileMessage(info.pszFilename, kind).c_str());
 }
 
-// The maps of VKM:sheets/ or VKM:archive.zip; none when there is a problem, which is reported.
-std::vector<std::string> FilesOf(const std::string& collection) {
-    const bool isFolder = client::KindOfFile(collection) == client::FileKind::directory;
-    const std::vector<archives::MapFile> found =
-        isFolder                          ? archives::MapsInFolder(collection, true)
-        : archives::IsArchive(collection) ? archives::MapsInArchive(collection)
-                                          : std::vector<archives::MapFile>{{collection, "", 0, ""}};
-    std::vector<std::string> files;
-    for (const archives::MapFile& file : found) {
-        if (file.problem.empty()) {
-            files.push_back(file.name);
-        } else {
-            CPLError(found.size() == 1 ? CE_Failure : CE_Warning, CPLE_OpenFailed, "%s: %s",
-                     file.name.c_str(), file.problem.c_str());
-        }
-    }
-    return files;
-}
-
 GDALDataset* OpenCollection(const GDALOpenInfo& info, OpenSettings& settings) {
-    const std::vector<std::string> files = FilesOf(info.pszFilename + std::strlen(collectionPrefix));
-    if (files.empty()) return nullptr;
+    const std::string name = info.pszFilename + std::strlen(collectionPrefix);
+    const std::vector<CollectedMap> maps = MapsOf(name, settings);
+    if (maps.empty()) return nullptr;
+    if (maps.front().file == name) return VkmDataset::Open(name, settings).release();
     settings.withSourceField = CPLFetchBool(info.papszOpenOptions, "SOURCE_FIELD", true);
-    return VkmDataset::Open(files, settings).release();
+    return VkmDataset::OpenCollection(maps, settings).release();
 }
 
 GDALDataset* OnOpen(GDALOpenInfo* info) {
@@ -121,7 +102,7 @@ GDALDataset* OnOpen(GDALOpenInfo* info) {
     OpenSettings settings;
     if (!ReadOpenOptions(info->papszOpenOptions, settings)) return nullptr;
     if (IsCollection(*info)) return OpenCollection(*info, settings);
-    return VkmDataset::Open({info->pszFilename}, settings).release();
+    return VkmDataset::Open(info->pszFilename, settings).release();
 }
 
 bool IsNo(const char* value) {

@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "module_session.h"
+#include "virtual_files.h"
 
 namespace vemrado::gdal {
 
@@ -27,7 +28,7 @@ std::unique_ptr<ElementReader::OpenedFile> ElementReader::Open(ModuleSession& se
     try {
         made = std::make_unique<OpenedFile>(source);
     } catch (const std::bad_alloc&) {
-        session.Report(CE_Failure, CPLE_OutOfMemory, name + ": out of memory");
+        session.Report(source.Severity(), CPLE_OutOfMemory, name + ": out of memory");
         return nullptr;
     }
     map::OpenOptions options;
@@ -39,11 +40,11 @@ std::unique_ptr<ElementReader::OpenedFile> ElementReader::Open(ModuleSession& se
     try {
         if (made->importer.Open(options)) return made;
         // The module's box has said why.
-        if (!session.FailByLast()) failure = name + ": cannot be opened";
+        if (!session.RaiseLast(source.Severity())) failure = name + ": cannot be opened";
     } catch (const std::exception& error) {
         failure = Where(name, made->importer, error);
     }
-    if (!failure.empty()) session.Report(CE_Failure, CPLE_OpenFailed, failure);
+    if (!failure.empty()) session.Report(source.Severity(), CPLE_OpenFailed, failure);
     return nullptr;
 }
 
@@ -54,8 +55,10 @@ std::optional<Header> ReadHeader(const Source& source, size_t file) {
     return Header{opened->importer.Scale(), opened->importer.Relative()};
 }
 
-ElementReader::ElementReader(Source& readSource, Content wanted)
-    : source(readSource), writer(wanted, readSource.splitByCode, readSource.angleUnit) {}
+ElementReader::ElementReader(Source& readSource, Content wanted, Skips skipsFiles)
+    : source(readSource),
+      writer(wanted, readSource.splitByCode, readSource.angleUnit),
+      skips(std::move(skipsFiles)) {}
 
 ElementReader::~ElementReader() {
     if (opened == nullptr) return;
@@ -70,38 +73,44 @@ void ElementReader::Fill(Batch& batch) {
             state = ReadState::failed;
         if (state != ReadState::reading) return;
         ModuleSession session;
-        if (opened == nullptr && !OpenNext(session)) return;
+        if (opened == nullptr && !OpenNext(session)) continue;
         batch.source = nextFile - 1;
         try {
             ReadElements(session, batch);
         } catch (const std::exception& error) {
-            // What was copied before stays; the next call ends.
-            session.Report(CE_Failure, CPLE_FileIO,
-                           Where(source.names[batch.source], opened->importer, error));
+            // What was copied before stays; the next call ends, or goes on with the next file.
+            if (!std::exchange(source.states[batch.source].damageTold, source.keepGoing))
+                session.Report(source.Severity(), CPLE_FileIO,
+                               Where(source.names[batch.source], opened->importer, error));
             opened.reset();
-            Fail();
+            if (!source.keepGoing) state = ReadState::failed;
         }
     } while (batch.lines.empty() && batch.points.empty() && batch.texts.empty());
 }
 
 bool ElementReader::OpenNext(ModuleSession& session) {
+    const auto isPassedOver = [&](size_t file) {
+        return source.states[file].unusable || (skips && skips(file));
+    };
+    while (nextFile < source.files.size() && isPassedOver(nextFile)) ++nextFile;
     if (nextFile == source.files.size()) {
         state = ReadState::complete;
         return false;
     }
-    opened = Open(session, source, nextFile);
+    FileState& file = source.states[nextFile];
+    client::EncodingEvidence unused;
+    const bool isMap = std::exchange(file.checked, true) ||
+                       CheckMapFile(source.files[nextFile], source.names[nextFile], unused);
+    if (isMap) opened = Open(session, source, nextFile);
     ++nextFile;
-    if (opened == nullptr) {
-        Fail();
-    } else {
+    if (opened != nullptr) {
         mapScale = opened->importer.Scale();
+    } else if (source.keepGoing) {
+        file.unusable = true;
+    } else {
+        state = ReadState::failed;
     }
     return opened != nullptr;
-}
-
-void ElementReader::Fail() {
-    source.states[nextFile - 1].failed = true;
-    state = ReadState::failed;
 }
 
 void ElementReader::EndFile(ModuleSession& session) {

@@ -2,6 +2,8 @@
 
 #pragma once
 
+#include <cpl_error.h>
+
 #include <functional>
 #include <memory>
 #include <optional>
@@ -11,6 +13,7 @@
 #include "batch_writer.h"
 #include "client/text_encoding.h"
 #include "elements.h"
+#include "summary.h"
 
 namespace vemrado::gdal {
 
@@ -18,10 +21,13 @@ class ModuleSession;
 
 // What readers found in a file, so that it is reported once.
 struct FileState {
-    bool truncated = false;     // no closing record: its last element is lost
-    bool leftOut = false;       // points without a place were left out
-    bool encodingTold = false;  // that texts look like another encoding
-    bool failed = false;        // it could not be opened or read to its end
+    bool truncated = false;            // no closing record: its last element is lost
+    bool leftOut = false;              // points without a place were left out
+    bool encodingTold = false;         // that texts look like another encoding
+    bool checked = false;              // its start was looked at
+    bool unusable = false;             // it could not be opened, and the others are read all the same
+    bool damageTold = false;           // that it could not be read to its end, in the same case
+    std::optional<FileTotals> totals;  // once it was counted
 };
 
 // What the layers of a dataset read, and how.
@@ -34,6 +40,10 @@ struct Source {
     map::AngleUnit angleUnit = map::AngleUnit::gon;  // of rotations in the file
     bool splitByCode = true;                         // a line whose code changes becomes one for each code
     bool withSourceField = false;
+    bool keepGoing = false;  // files that cannot be read are left out, with a warning each
+
+    CPLErr Severity() const { return keepGoing ? CE_Warning : CE_Failure; }
+
     std::function<bool()> stopRequested;  // asked before each batch; true ends the reading as failed
 };
 
@@ -48,8 +58,11 @@ enum class ReadState { reading, complete, failed };
 
 class ElementReader {
   public:
+    // Tells by its number whether a file need not be read.
+    using Skips = std::function<bool(size_t)>;
+
     // The source must outlive the reader.
-    ElementReader(Source& source, Content content);
+    ElementReader(Source& source, Content content, Skips skips = {});
     ElementReader(const ElementReader&) = delete;
     ElementReader& operator=(const ElementReader&) = delete;
     ~ElementReader();
@@ -60,6 +73,9 @@ class ElementReader {
     void Fill(Batch& batch);
 
     ReadState State() const { return state; }
+    // Whether it passes over files at all, and over this one.
+    bool SkipsFiles() const { return static_cast<bool>(skips); }
+    bool IsSkipped(size_t file) const { return skips && skips(file); }
     // Of the file that was opened last.
     double MapScale() const { return mapScale; }
 
@@ -75,13 +91,13 @@ class ElementReader {
     friend std::optional<Header> ReadHeader(const Source& source, size_t file);
 
     bool OpenNext(ModuleSession& session);
-    void Fail();
     void EndFile(ModuleSession& session);
     void ReadElements(ModuleSession& session, Batch& batch);
     void LeaveOut(ModuleSession& session);
 
     Source& source;
     BatchWriter writer;
+    Skips skips;
     std::unique_ptr<OpenedFile> opened;  // null between files
     double mapScale = 1000.0;
     size_t nextFile = 0;

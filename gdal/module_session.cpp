@@ -37,9 +37,9 @@ void ModuleSession::Report(CPLErr severity, CPLErrorNum number, std::string text
     messages.push_back({severity, number, std::move(text)});
 }
 
-bool ModuleSession::FailByLast() {
+bool ModuleSession::RaiseLast(CPLErr severity) {
     if (messages.empty()) return false;
-    messages.back().severity = CE_Failure;
+    messages.back().severity = severity;
     return true;
 }
 

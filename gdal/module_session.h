@@ -26,8 +26,8 @@ class ModuleSession {
     // Keeps a report for the end of the session.
     void Report(CPLErr severity, CPLErrorNum number, std::string text);
 
-    // Makes the last report a failure; false when there was none.
-    bool FailByLast();
+    // Makes the last report so severe; false when there was none.
+    bool RaiseLast(CPLErr severity);
 
   private:
     struct Message {

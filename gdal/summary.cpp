@@ -40,21 +40,37 @@ OGREnvelope EnvelopeOf(const Batch&, const TextRecord& text) {
     return EnvelopeOfPoint(text.point);
 }
 
-Summary Summarise(Source& source) {
-    std::array<LayerTotals, layerKinds> counted;
-    ElementReader reader(source, Content::everything);
+OGREnvelope ExtentOf(const FileTotals& totals) {
+    OGREnvelope all;
+    for (const LayerTotals& layer : totals) {
+        if (layer.features > 0) all.Merge(layer.extent);
+    }
+    return all;
+}
+
+void Count(FileTotals& totals, const Batch& batch) {
+    for (const LineRecord& line : batch.lines) {
+        Count(totals[lineLayer], EnvelopeOf(batch, line));
+        if (line.strokes > 1) ++totals[lineLayer].multiLines;
+    }
+    for (const PointRecord& point : batch.points) Count(totals[pointLayer], EnvelopeOf(batch, point));
+    for (const TextRecord& text : batch.texts) Count(totals[textLayer], EnvelopeOf(batch, text));
+}
+
+bool Summarise(Source& source) {
+    std::vector<FileTotals> counted(source.files.size());
+    const auto isKnown = [&](size_t file) { return source.states[file].totals.has_value(); };
+    ElementReader reader(source, Content::everything, isKnown);
     Batch batch;
     while (reader.State() == ReadState::reading) {
         reader.Fill(batch);
-        for (const LineRecord& line : batch.lines) {
-            Count(counted[lineLayer], EnvelopeOf(batch, line));
-            if (line.strokes > 1) ++counted[lineLayer].multiLines;
-        }
-        for (const PointRecord& point : batch.points) Count(counted[pointLayer], EnvelopeOf(batch, point));
-        for (const TextRecord& text : batch.texts) Count(counted[textLayer], EnvelopeOf(batch, text));
+        Count(counted[batch.source], batch);
     }
-    if (reader.State() == ReadState::failed) return {};
-    return {counted[lineLayer], counted[pointLayer], counted[textLayer]};
+    if (reader.State() == ReadState::failed) return false;
+    for (size_t file = 0; file < counted.size(); ++file) {
+        if (!isKnown(file)) source.states[file].totals = counted[file];
+    }
+    return true;
 }
 
 }  // namespace vemrado::gdal

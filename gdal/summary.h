@@ -6,7 +6,6 @@
 
 #include <array>
 #include <cstddef>
-#include <optional>
 
 #include "elements.h"
 
@@ -20,17 +19,24 @@ struct LayerTotals {
     OGREnvelope extent;      // not initialised while there are no features
 };
 
-using Summary = std::array<std::optional<LayerTotals>, layerKinds>;
+// Of a file: its layers.
+using FileTotals = std::array<LayerTotals, layerKinds>;
+
+// Around everything; not initialised where there is nothing.
+OGREnvelope ExtentOf(const FileTotals& totals);
 
 struct Source;
 
-// One pass over the files for all three layers. Gives nothing when it fails, which is reported to GDAL.
-Summary Summarise(Source& source);
+// Reads the files of which it is not known what they hold, each once. False when that fails, which is
+// reported to GDAL.
+bool Summarise(Source& source);
 
 OGREnvelope EnvelopeOf(const Batch& batch, const LineRecord& line);
 OGREnvelope EnvelopeOf(const Batch& batch, const PointRecord& point);
 OGREnvelope EnvelopeOf(const Batch& batch, const TextRecord& text);
 
+// Adds all records of the batch.
+void Count(FileTotals& totals, const Batch& batch);
 // Adds a record to what is known of its layer.
 inline void Count(LayerTotals& summary, const OGREnvelope& envelope) {
     ++summary.features;

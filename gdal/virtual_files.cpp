@@ -19,8 +19,9 @@ namespace vemrado::gdal {
 namespace {
 
 struct VirtualFile {
-    VSILFILE* stream;
+    VSILFILE* stream = nullptr;
     void* archived = nullptr;  // in place of the stream: of the provider of archives
+    std::string ahead;         // of an archived file: bytes that were looked at and come first
     bool failed = false;
 };
 
@@ -40,25 +41,55 @@ void SkipMark(VSILFILE* stream) {
     if (client::ForeignKind(start).empty()) VSIFSeekL(stream, length, SEEK_SET);
 }
 
-void* OpenFile(void*, const char* path) {
-    std::string name = path;
-    std::replace(name.begin(), name.end(), '\\', '/');
-    if (!name.starts_with("/vsi")) {
-        const FrameworkFileProvider& archived = archives::ArchiveFiles();
-        if (void* file = archived.open(archived.context, name.c_str())) return new VirtualFile{nullptr, file};
-    }
-    VSILFILE* stream = VSIFOpenL(name.c_str(), "rb");
-    if (stream == nullptr) return nullptr;
-    SkipMark(stream);
-    return new VirtualFile{stream};
-}
-
 int64_t ReadArchived(VirtualFile& file, void* destination, size_t count) {
+    if (!file.ahead.empty()) {
+        const size_t given = file.ahead.copy(static_cast<char*>(destination), count);
+        file.ahead.erase(0, given);
+        return static_cast<int64_t>(given);
+    }
     const int64_t got = archives::ArchiveFiles().read(file.archived, destination, count);
     file.failed = got < 0;
     if (file.failed)
         CPLError(CE_Failure, CPLE_FileIO, "it cannot be unpacked: %s", archives::TakeLastProblem().c_str());
     return got;
+}
+
+std::string ReadArchived(VirtualFile& file, size_t most) {
+    std::string bytes(most, '\0');
+    size_t length = 0;
+    while (length < most && !file.failed) {
+        const int64_t got = ReadArchived(file, bytes.data() + length, most - length);
+        if (got <= 0) break;
+        length += static_cast<size_t>(got);
+    }
+    bytes.resize(length);
+    return bytes;
+}
+
+// In archives there are maps only, so a mark is always one.
+void* OpenArchived(void* opened, bool withMark) {
+    auto file = std::make_unique<VirtualFile>();
+    file->archived = opened;
+    const std::string start = ReadArchived(*file, client::byteOrderMark.size());
+    if (withMark || start != client::byteOrderMark) file->ahead = start;
+    return file.release();
+}
+
+void* Open(const char* path, bool withMark) {
+    std::string name = path;
+    std::replace(name.begin(), name.end(), '\\', '/');
+    if (!name.starts_with("/vsi")) {
+        const FrameworkFileProvider& archived = archives::ArchiveFiles();
+        if (void* file = archived.open(archived.context, name.c_str())) return OpenArchived(file, withMark);
+    }
+    VSILFILE* stream = VSIFOpenL(name.c_str(), "rb");
+    if (stream == nullptr) return nullptr;
+    if (!withMark) SkipMark(stream);
+    return new VirtualFile{stream, nullptr, {}};
+}
+
+void* OpenFile(void*, const char* path) {
+    return Open(path, false);
 }
 
 // Some virtual files report damage to GDAL's error handler and then look as if they ended there.
@@ -86,23 +117,11 @@ void CloseFile(void* opened) {
 
 // With the byte order mark. None when it cannot be opened.
 std::optional<std::string> StartOfFile(const std::string& name) {
-    const std::unique_ptr<void, decltype(&CloseFile)> opened(OpenFile(nullptr, name.c_str()), &CloseFile);
+    const std::unique_ptr<void, decltype(&CloseFile)> opened(Open(name.c_str(), true), &CloseFile);
     if (!opened) return std::nullopt;
     VirtualFile& file = *static_cast<VirtualFile*>(opened.get());
-    if (file.stream != nullptr) {
-        VSIRewindL(file.stream);
-        return StartOf(file.stream, client::lookedAtBytes);
-    }
-    std::string start(client::lookedAtBytes, '\0');
-    size_t length = 0;
-    while (length < start.size()) {
-        const int64_t got =
-            archives::ArchiveFiles().read(file.archived, start.data() + length, start.size() - length);
-        if (got <= 0) break;
-        length += static_cast<size_t>(got);
-    }
-    start.resize(length);
-    return start;
+    return file.stream != nullptr ? StartOf(file.stream, client::lookedAtBytes)
+                                  : ReadArchived(file, client::lookedAtBytes);
 }
 
 }  // namespace
@@ -120,6 +139,26 @@ bool CheckMapFile(const std::string& file, const std::string& shownName, client:
     if (start.starts_with(client::byteOrderMark))
         CPLError(CE_Warning, CPLE_AppDefined, "%s", client::SkippedMarkMessage(shownName).c_str());
     return true;
+}
+
+FileReading::FileReading(const std::string& name)
+    : file(virtualFiles.open(virtualFiles.context, name.c_str())) {}
+
+FileReading::~FileReading() {
+    if (file != nullptr) virtualFiles.close(file);
+}
+
+size_t FileReading::Read(char* to, size_t count) {
+    const int64_t got = file != nullptr ? virtualFiles.read(file, to, count) : 0;
+    return got > 0 ? static_cast<size_t>(got) : 0;
+}
+
+std::string FileReading::Start(size_t most) {
+    std::string start(most, '\0');
+    size_t length = 0;
+    while (const size_t got = Read(start.data() + length, start.size() - length)) length += got;
+    start.resize(length);
+    return start;
 }
 
 const FrameworkFileProvider virtualFiles = {nullptr, OpenFile, ReadFile, LengthUnknown, CloseFile};

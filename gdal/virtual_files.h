@@ -15,6 +15,23 @@ namespace vemrado::gdal {
 // process.
 extern const FrameworkFileProvider virtualFiles;
 
+// Reads a file that the provider above opens; one that it cannot open reads as empty.
+class FileReading {
+  public:
+    explicit FileReading(const std::string& name);
+    FileReading(const FileReading&) = delete;
+    FileReading& operator=(const FileReading&) = delete;
+    ~FileReading();
+
+    // As many bytes as come at once; 0 at the end.
+    size_t Read(char* to, size_t count);
+    // No more than so many from here on.
+    std::string Start(size_t most);
+
+  private:
+    void* file;
+};
+
 // Looks at a map file's start. What is no map is reported to GDAL as a failure, and the result is false then;
 // a byte order mark, which these files pass over, is a warning. What the start says of the encoding is added.
 bool CheckMapFile(const std::string& file, const std::string& shownName, client::EncodingEvidence& evidence);

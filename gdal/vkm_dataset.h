@@ -11,7 +11,9 @@
 #include <utility>
 #include <vector>
 
+#include "map_collection.h"
 #include "parcels.h"
+#include "sheet_header.h"
 #include "spooled_input.h"
 #include "vkm_layer.h"
 
@@ -33,33 +35,25 @@ struct OpenSettings {
 
 class VkmDataset : public GDALDataset {
   public:
-    // Null when a file cannot be used, which is reported to GDAL.
-    static std::unique_ptr<VkmDataset> Open(const std::vector<std::string>& files,
-                                            const OpenSettings& settings);
+    // Null when the file cannot be used, which is reported to GDAL.
+    static std::unique_ptr<VkmDataset> Open(const std::string& file, const OpenSettings& settings);
+    // Maps that cannot be used are left out, with a warning when they are met; null when there are no others.
+    static std::unique_ptr<VkmDataset> OpenCollection(const std::vector<CollectedMap>& maps,
+                                                      const OpenSettings& settings);
 
-    VkmDataset() = default;
     ~VkmDataset() override;
 
     int GetLayerCount() override { return static_cast<int>(layers.size()); }
     OGRLayer* GetLayer(int index) override;
     int TestCapability(const char*) override { return FALSE; }
 
-    // Where the symbology of the styles lies; empty: none.
-    const std::string& DataDirectory() const { return state.dataDirectory; }
-    // Of the first file.
-    double MapScale() const { return mapScale; }
-    int AxisOrientation() const { return state.source.axisOrientation; }
-    // What reading found in each file.
-    const std::vector<FileState>& FileStates() const { return state.source.states; }
-    // Asked between the batches of every reading; once it says true the reading ends as a failed one.
-    void StopWhen(std::function<bool()> requested) { state.source.stopRequested = std::move(requested); }
-
   private:
-    bool AddFile(const std::string& file, client::EncodingEvidence& evidence);
+    explicit VkmDataset(const OpenSettings& settings);
+    void AddLayers(const OpenSettings& settings);
+    void TellHeader(const Header& header, const SheetHeader& more);
 
     SharedState state;
     std::vector<std::unique_ptr<OGRLayer>> layers;
-    double mapScale = 1000.0;
     std::optional<SpooledInput> spooledInput;
 };
 

@@ -16,8 +16,25 @@ const LayerSchema& SchemaOf(LayerKind kind) {
 
 bool SharedState::Summarised() {
     const auto known = [](const auto& layer) { return layer.has_value(); };
-    if (!std::all_of(summary.begin(), summary.end(), known)) summary = Summarise(source);
-    return std::all_of(summary.begin(), summary.end(), known);
+    if (std::ranges::all_of(summary, known)) return true;
+    if (!Summarise(source)) return false;
+    AddUp();
+    return true;
+}
+
+bool SharedState::KnowsFiles() const {
+    return std::ranges::all_of(source.states, [](const FileState& file) { return file.totals.has_value(); });
+}
+
+void SharedState::AddUp() {
+    for (const LayerKind kind : {lineLayer, pointLayer, textLayer}) {
+        LayerTotals& all = summary[kind].emplace();
+        for (const FileState& file : source.states) {
+            const LayerTotals& own = (*file.totals)[kind];
+            all.features += own.features;
+            if (own.features > 0) all.extent.Merge(own.extent);
+        }
+    }
 }
 
 const Styles* SharedState::StylesInUse() {
@@ -31,8 +48,39 @@ VkmLayer::VkmLayer(SharedState& shared, LayerKind layerKind, const OGRSpatialRef
 
 VkmLayer::~VkmLayer() = default;
 
-std::unique_ptr<VkmLayer::Cursor> VkmLayer::StartCursor() const {
-    return std::make_unique<Cursor>(state.source, contents[kind]);
+std::unique_ptr<VkmLayer::Cursor> VkmLayer::StartCursor(ElementReader::Skips skips) const {
+    return std::make_unique<Cursor>(state.source, contents[kind], std::move(skips));
+}
+
+GIntBig VkmLayer::FeaturesOf(size_t file) const {
+    return (*state.source.states[file].totals)[kind].features;
+}
+
+// What the files hold is found out first, once; it is known from an index.
+std::unique_ptr<VkmLayer::Cursor> VkmLayer::StartReading() {
+    const bool isOne = state.source.files.size() == 1;
+    if (isOne || m_poFilterGeom == nullptr || !Summarise(state.source)) return StartCursor();
+    return StartCursor([this, box = m_sFilterEnvelope](size_t file) {
+        const OGREnvelope extent = ExtentOf(*state.source.states[file].totals);
+        return !extent.IsInit() || extent.Intersects(box) == 0;
+    });
+}
+
+size_t VkmLayer::FileOf(GIntBig identifier) const {
+    const size_t files = state.source.files.size();
+    size_t file = 0;
+    for (GIntBig before = 0; file < files && before + FeaturesOf(file) < identifier; ++file)
+        before += FeaturesOf(file);
+    return file;
+}
+
+std::unique_ptr<VkmLayer::Cursor> VkmLayer::StartLookup(GIntBig identifier) const {
+    if (state.source.files.size() == 1 || !state.KnowsFiles()) return StartCursor();
+    return StartCursor([wanted = FileOf(identifier)](size_t file) { return file != wanted; });
+}
+
+bool VkmLayer::IsInReachOf(const Cursor& cursor, GIntBig identifier) const {
+    return cursor.passed < identifier && (!cursor.reader.SkipsFiles() || cursor.file == FileOf(identifier));
 }
 
 void VkmLayer::ResetReading() {
@@ -50,8 +98,12 @@ bool VkmLayer::OnRecord(Cursor& cursor) {
         if (cursor.reader.State() != ReadState::reading) return false;
         cursor.reader.Fill(cursor.batch);
         cursor.next = 0;
+        for (; cursor.file < cursor.batch.source; ++cursor.file) {
+            if (cursor.reader.IsSkipped(cursor.file)) cursor.passed += FeaturesOf(cursor.file);
+        }
         // The end of a full pass tells what there is.
-        if (cursor.reader.State() == ReadState::complete) state.summary[kind] = cursor.counted;
+        if (cursor.reader.State() == ReadState::complete && !cursor.reader.SkipsFiles())
+            state.summary[kind] = cursor.counted;
     }
     return true;
 }
@@ -92,7 +144,7 @@ OGRFeature* VkmLayer::NextInRectangle(Cursor& cursor) {
 }
 
 OGRFeature* VkmLayer::GetNextFeature() {
-    if (reading == nullptr) reading = StartCursor();
+    if (reading == nullptr) reading = StartReading();
     while (OnRecord(*reading)) {
         std::unique_ptr<OGRFeature> feature(NextInRectangle(*reading));
         if (feature == nullptr || !Passes(*feature)) continue;
@@ -115,7 +167,7 @@ OGRErr VkmLayer::SetNextByIndex(GIntBig index) {
 
 OGRFeature* VkmLayer::GetFeature(GIntBig identifier) {
     if (identifier < 1) return nullptr;
-    if (lookup == nullptr || lookup->passed >= identifier) lookup = StartCursor();
+    if (lookup == nullptr || !IsInReachOf(*lookup, identifier)) lookup = StartLookup(identifier);
     while (OnRecord(*lookup)) {
         const size_t record = lookup->next;
         Pass(*lookup);
@@ -144,6 +196,7 @@ int VkmLayer::TestCapability(const char* capability) {
     const bool known = state.summary[kind].has_value();
     if (EQUAL(capability, OLCFastFeatureCount)) return known && Unfiltered();
     if (EQUAL(capability, OLCFastGetExtent)) return known;
+    if (EQUAL(capability, OLCFastSpatialFilter)) return state.source.files.size() > 1 && state.KnowsFiles();
     if (EQUAL(capability, OLCStringsAsUTF8)) return TRUE;
     if (EQUAL(capability, OLCIgnoreFields)) return TRUE;
     return FALSE;

@@ -2,7 +2,10 @@
 
 #pragma once
 
+#include <array>
 #include <memory>
+#include <optional>
+#include <utility>
 
 #include "element_reader.h"
 #include "map_layer.h"
@@ -14,12 +17,17 @@ namespace vemrado::gdal {
 // What the layers of one dataset share.
 struct SharedState {
     Source source;
-    Summary summary;
+    // Of the layers of all files, once known.
+    std::array<std::optional<LayerTotals>, layerKinds> summary;
     std::string dataDirectory;     // of the symbology; empty: features have no styles
     std::optional<Styles> styles;  // none until asked for
 
-    // Counts the file when it was not counted yet; false when that fails.
+    // Counts the files that were not counted yet; false when that fails.
     bool Summarised();
+    // Whether there is a count of every file.
+    bool KnowsFiles() const;
+    // What the counts of files come to.
+    void AddUp();
     // Null when features have none.
     const Styles* StylesInUse();
 };
@@ -38,17 +46,16 @@ class VkmLayer : public MapLayer {
     OGRErr GetExtent(OGREnvelope* extent, int force) override;
     int TestCapability(const char* capability) override;
 
-    // A line of several strokes is known to be in the layer.
-    bool HasMultiLines() const { return state.summary[kind] && state.summary[kind]->multiLines > 0; }
-
   private:
     // A place in the layer.
     struct Cursor {
-        Cursor(Source& source, Content content) : reader(source, content) {}
+        Cursor(Source& source, Content content, ElementReader::Skips skips)
+            : reader(source, content, std::move(skips)) {}
 
         ElementReader reader;
         Batch batch;
         size_t next = 0;     // record of the batch
+        size_t file = 0;     // that the batch is from
         GIntBig passed = 0;  // features before it: the identifier of the last one
         LayerTotals counted;
     };
@@ -61,7 +68,15 @@ class VkmLayer : public MapLayer {
     OGRFeature* Make(const Cursor& cursor, size_t record);
     // The feature that the cursor stands on, passed; null when the filter's rectangle excludes it.
     OGRFeature* NextInRectangle(Cursor& cursor);
-    std::unique_ptr<Cursor> StartCursor() const;
+    // Over all files, or without those of which skips says so, whose features are known.
+    std::unique_ptr<Cursor> StartCursor(ElementReader::Skips skips = {}) const;
+    // Over the files that the filter's rectangle touches.
+    std::unique_ptr<Cursor> StartReading();
+    std::unique_ptr<Cursor> StartLookup(GIntBig identifier) const;
+    GIntBig FeaturesOf(size_t file) const;
+    // The file that the feature is in, where the counts of all are known.
+    size_t FileOf(GIntBig identifier) const;
+    bool IsInReachOf(const Cursor& cursor, GIntBig identifier) const;
 
     SharedState& state;
     LayerKind kind;

@@ -90,13 +90,12 @@ bool Collection::IsUnchanged(size_t input, FileStamp& stamp) {
 
 bool Collection::WriteRow(size_t input, const Sheet& sheet, const FileStamp& known) {
     SheetTable::Row row;
-    const std::string& file = request.inputs[input];
+    const std::string& file = sheet.File();
     row.stamp = known.size > 0 || known.modified > 0 ? known : StampOf(file);
     if (row.stamp.hash.empty()) row.stamp.hash = HashOf(file);
     row.report = sheets[input];
     row.extent = sheet.Facts().Extent();
-    return table.Put(Layers(), sheet.Name(), row, sheet.Facts().mapScale,
-                     ReadSheetHeader(file, settings.encoding));
+    return table.Put(Layers(), sheet.Name(), row, sheet.Facts().mapScale, sheet.Header());
 }
 
 void Collection::LookAt(size_t input, const Sheet& sheet) {

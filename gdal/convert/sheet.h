@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "element_reader.h"
+#include "sheet_header.h"
 #include "summary.h"
 #include "vkm_dataset.h"
 
@@ -16,9 +17,9 @@ namespace vemrado::gdal {
 struct SheetFacts {
     double mapScale = 1000.0;
     bool complete = false;
-    std::array<LayerTotals, layerKinds> layers;
+    FileTotals layers;
 
-    OGREnvelope Extent() const;
+    OGREnvelope Extent() const { return ExtentOf(layers); }
 };
 
 // By which a changed file is told from one that stayed.
@@ -34,13 +35,6 @@ struct FileStamp {
 FileStamp StampOf(const std::string& file);
 std::string HashOf(const std::string& file);
 
-// The first records of a file.
-struct SheetHeader {
-    std::string date;   // second field of the D record
-    std::string title;  // the comments of the header, one a line, in UTF-8
-};
-SheetHeader ReadSheetHeader(const std::string& file, client::Encoding encoding);
-
 class Sheet {
   public:
     Sheet(const std::string& file, const std::string& name, const OpenSettings& settings,
@@ -52,6 +46,8 @@ class Sheet {
     const SheetFacts& Facts() const { return facts; }
     bool InMemory() const { return allKept; }
     const std::string& Name() const { return source.names.front(); }
+    const std::string& File() const { return source.files.front(); }
+    SheetHeader Header() const { return ReadSheetHeader(File(), source.encoding); }
 
     // Its elements, a batch at a time. False when visit says so or the sheet cannot be read again.
     bool ForEach(const std::function<bool(const Batch&)>& visit);
@@ -61,7 +57,6 @@ class Sheet {
   private:
     bool LookAtStart();
     bool ReadThrough(const std::function<bool(const Batch&)>& visit);
-    void Count(const Batch& batch);
 
     Source source;
     bool guessEncoding = false;

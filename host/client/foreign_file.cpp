@@ -160,6 +160,7 @@ bool IsCertainlyVkm(std::string_view start, bool namedVkm) {
     start = start.substr(0, start.find('\x1A'));  // the end of a file in text mode
     if (namedVkm) return HasRecord(start);
     if (!IsText(start)) return false;
+    start.remove_prefix(std::min(start.find_first_not_of("\f\r\n"), start.size()));  // of a printer's file
     bool first = true;
     while (!start.empty()) {
         const std::string_view line = NextLine(start);

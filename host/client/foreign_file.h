@@ -22,9 +22,9 @@ std::string_view ForeignKind(std::string_view start);
 // "NAME: not a VKM file (looks like gzip)".
 std::string ForeignFileMessage(const std::string& name, std::string_view kind);
 
-// Stricter, for programs that try many formats on a file: its first line that is not empty opens a record,
-// every whole line is text, and a record of header or element has the numbers that belong to it. A record of
-// any kind is enough where the file is named *.vkm.
+// Stricter, for programs that try many formats on a file: its first line that is not empty, but for form
+// feeds before it, opens a record, every whole line is text, and a record of header or element has the
+// numbers that belong to it. A record of any kind is enough where the file is named *.vkm.
 bool IsCertainlyVkm(std::string_view start, bool namedVkm);
 
 }  // namespace vemrado::client

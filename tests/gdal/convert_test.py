@@ -16,6 +16,7 @@ import xml.etree.ElementTree as xml
 from osgeo import gdal
 
 from made_map import MadeMap
+from messages import Messages
 
 gdal.UseExceptions()
 VKM = os.environ["VKM"]
@@ -340,12 +341,42 @@ class Convert(unittest.TestCase):
         self.assertEqual(self.parcels_of("two.gpkg"), self.parcels_of("out.gpkg"))
 
     def test_index_and_collection(self):
-        made = self.sheets("in/1.vkm", "in/deep/2.vkm")
-        subprocess.run([VKM, "index", "-r", "in", "-o", "index.gpkg"], cwd=self.folder, check=True)
-        wanted = [(name, len(one.lines), 1) for name, one in made.items()]
-        self.assertEqual(wanted, values_of(self.path("index.gpkg"), "sheets", "source", "lines", "complete"))
-        collection = values_of("VKM:" + self.path("in"), "lines", "source")
-        self.assertEqual({self.path(name): len(one.lines) for name, one in made.items()}, dict(collections.Counter(name for name, in collection)))
+        made = self.sheets("in/1.vkm", "in/deep/2.vkm", "in/deep/3.vkm")
+        self.write("in/bad.vkm", b"no map at all")
+        run = subprocess.run([VKM, "index", "-r", "in", "-o", "index.gpkg"], cwd=self.folder, stderr=subprocess.DEVNULL)
+        wanted = [(name, len(one.lines), 1, "made up") for name, one in made.items()]
+        self.assertEqual((4, wanted), (run.returncode, values_of(self.path("index.gpkg"), "sheets", "source", "lines", "complete", "title")))
+        both = ["VKM:" + self.path("in"), "VKM:" + self.path("index.gpkg")]
+        with Messages():
+            for name in both:
+                found = collections.Counter(name for name, in values_of(name, "lines", "source"))
+                self.assertEqual({self.path(name): len(one.lines) for name, one in made.items()}, dict(found))
+
+    def test_collection_reads_only_what_a_filter_touches(self):
+        made = {f"in/{number}.vkm": MadeMap(50 + number, east=4000 * number) for number in range(4)}
+        os.mkdir(self.path("in"))
+        for name, one in made.items():
+            self.write(name, one.bytes())
+        subprocess.run([VKM, "index", "in", "-o", "index.gpkg"], cwd=self.folder, check=True)
+        whole = gdal.OpenEx("VKM:" + self.path("in"))
+        everything = [(feature.GetFID(), feature["source"]) for feature in whole.GetLayer("texts")]
+        wanted = [(number, name) for number, name in everything if name.endswith("2.vkm")]
+        x, y = made["in/2.vkm"].texts[0]["place"]
+        for name in ("in", "index.gpkg"):
+            with self.subTest(name):
+                dataset = gdal.OpenEx("VKM:" + self.path(name))
+                layer = dataset.GetLayer("texts")
+                self.assertEqual(len(everything), layer.GetFeatureCount())
+                # What is not touched may have turned into anything meanwhile.
+                times = os.stat(self.path("in/3.vkm"))
+                self.write("in/3.vkm", b"x" * times.st_size)
+                os.utime(self.path("in/3.vkm"), ns=(times.st_atime_ns, times.st_mtime_ns))
+                layer.SetSpatialFilterRect(x - 1000, y - 1000, x + 1000, y + 1000)
+                with Messages() as messages:
+                    found = [(feature.GetFID(), feature["source"]) for feature in layer]
+                    self.assertEqual((wanted, []), (found, messages.list))
+                    self.assertEqual(wanted[3], (layer.GetFeature(wanted[3][0]).GetFID(), wanted[3][1]))
+                self.write("in/3.vkm", made["in/3.vkm"].bytes())
 
     def test_coordinates(self):
         self.convert("map.vkm", "-o", "out.gpkg", "--layers", "texts", "--t-srs", "EPSG:4326")

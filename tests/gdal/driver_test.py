@@ -12,6 +12,7 @@ import zipfile
 from osgeo import gdal, ogr
 
 from made_map import MadeMap
+from messages import Messages
 
 gdal.UseExceptions()
 ogr.UseExceptions()
@@ -19,21 +20,6 @@ WORK = os.path.join(os.environ.get("VKM_TEST_FOLDER", "."), "driver_test")
 os.makedirs(WORK, exist_ok=True)
 MAP = MadeMap(1)
 HEAD = b"&V X 0 0\n&R 0 0 0 0 1000 A\n"
-
-
-class Messages:
-    """What the driver reports to GDAL while the block runs."""
-
-    def __enter__(self):
-        self.list = []
-        gdal.PushErrorHandler(lambda severity, number, text: self.list.append((severity, text)))
-        return self
-
-    def __exit__(self, *_):
-        gdal.PopErrorHandler()
-
-    def texts(self, severity):
-        return [text for kind, text in self.list if kind == severity]
 
 
 def memory_file(name, content):
@@ -371,7 +357,7 @@ class Files(unittest.TestCase):
         refused = (b"", b"&", b"&V\n", b"& 1 2\n&V X 1 2\n", b"&v X 1 2\n", b"&L 1 2\n", b"&namelist\n x=1\n/\n",
                    b"&V X 1 2\n\x00\x01\n", b"\x00&V X 1 2\n", b"text\n&V X 1 2\n",
                    b"&T a b\n", b"&* only a comment\n", b'{"a": "&V X 1 2"}', b"&X 1 2\n&V X 1 2\n", b"<a>&V</a>")
-        taken = (b"&V X 1 2\n", b"\xef\xbb\xbf&V X 1 2\n", b"\r\n\n&R 0 0 0 0 1000\r\n", b"&* a\n&L P 1 2\n", b" \t&T 1 2 'x'\n", b"&U 1\n&T 1 -2\n")
+        taken = (b"&V X 1 2\n", b"\xef\xbb\xbf&V X 1 2\n", b"\r\n\n&R 0 0 0 0 1000\r\n", b"&* a\n&L P 1 2\n", b"\f\r\n&V X 1 2\n", b" \t&T 1 2 'x'\n", b"&U 1\n&T 1 -2\n")
         driver = gdal.GetDriverByName("VKM")
         for content in refused:
             self.assertIsNone(gdal.IdentifyDriverEx(memory_file("plain", content), gdal.OF_VECTOR, ["VKM"]), content)
@@ -382,6 +368,22 @@ class Files(unittest.TestCase):
             self.assertIsNotNone(gdal.IdentifyDriverEx(memory_file("long.vkm", content), gdal.OF_VECTOR, ["VKM"]))
         with self.assertRaisesRegex(RuntimeError, r"looks like gzip"):
             gdal.OpenEx(memory_file("packed.vkm", b"\x1f\x8b\x08"), gdal.OF_VECTOR | gdal.OF_VERBOSE_ERROR, ["VKM"])
+
+    def test_header_is_told(self):
+        dataset = open_bytes(b"&* One\r\n&V X 0 0\n &D 1.2.2026 S=1\n&*\tD\xedl 2\n&R 0 0 0 0 2000 R\n&U 1\n&* no header\n&K\n")
+        self.assertEqual({"MAP_SCALE": "2000", "RELATIVE_COORDINATES": "YES", "DATE": "1.2.2026", "TITLE": "One\nDíl 2"}, dataset.GetMetadata())
+
+    def test_prefix_forces_the_driver_and_archives_may_have_marks(self):
+        path = os.path.join(WORK, "page.txt")
+        with open(path, "wb") as file:
+            file.write(b"a title\n" + MAP.bytes())
+        with zipfile.ZipFile(path + ".zip", "w") as archive:
+            archive.writestr("page.txt", b"\xef\xbb\xbf" + MAP.bytes())
+        with Messages() as messages:
+            for name, scale in (("VKM:" + path, "1000"), (f"VKM:{path}.zip", "2000"), (f"VKM:/vsizip/{path}.zip/page.txt", "2000")):
+                dataset = open_path(name)
+                self.assertEqual((scale, len(MAP.texts)), (dataset.GetMetadata()["MAP_SCALE"], dataset.GetLayer("texts").GetFeatureCount()), name)
+        self.assertEqual(2, len([text for text in messages.texts(gdal.CE_Warning) if "byte order mark" in text]), messages.list)
 
     def test_update_is_refused(self):
         with self.assertRaises(RuntimeError):

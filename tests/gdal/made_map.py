@@ -6,7 +6,8 @@ import random
 class MadeMap:
     """Random lines, symbols and texts. Coordinates of the features are east and north."""
 
-    def __init__(self, seed, elements=400):
+    def __init__(self, seed, elements=400, east=0):
+        self.east = east
         self.random = random.Random(seed)
         self.rows = ["&V X 0 0", "&R 0 0 0 0 2000 A", "&* made up"]
         self.whole_lines, self.points, self.texts = [], [], []
@@ -23,7 +24,7 @@ class MadeMap:
         return ("\r\n".join(self.rows) + "\r\n").encode("cp1250")
 
     def place(self):
-        return self.random.randint(74000000, 74100000) / 100, self.random.randint(104000000, 104100000) / 100
+        return (self.random.randint(74000000, 74100000) - 100 * self.east) / 100, self.random.randint(104000000, 104100000) / 100
 
     def add_line(self):
         strokes, codes, types = [], [], []
