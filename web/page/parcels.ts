@@ -1,15 +1,16 @@
 // Parcels as areas: the list, the choice of one, and what is wrong with the boundaries.
 
-import type { Box, ParcelList, ParcelRings } from "../engine/types.ts";
+import type { Box, ParcelRings } from "../engine/types.ts";
 import type { Client } from "./client.ts";
 import { button, make } from "./dom.ts";
 import type { MapView, Point } from "./map_view.ts";
+import type { Marked, MarkedPlace, ParcelReport } from "./parcel_report.ts";
 import { say, sayArea, sayNumber } from "./words.ts";
 
-const mostListed = 500;
+const mostListed = 300;
 
 export class Parcels {
-    private list: ParcelList | null = null; // once it was asked for
+    private list: ParcelReport | null = null; // once it was asked for
     private chosen: ParcelRings | null = null;
     private chosenNumber = -1;
 
@@ -28,14 +29,14 @@ export class Parcels {
     // True when there was a parcel at the place.
     async chooseAt(place: Point): Promise<boolean> {
         const parcel = await this.client.call("parcelAt", place.x, place.y);
-        await this.choose(parcel, false);
+        await this.choose(parcel);
         return parcel >= 0;
     }
 
-    async choose(parcel: number, show: boolean): Promise<void> {
+    private async choose(parcel: number, box?: Box): Promise<void> {
         this.chosenNumber = parcel;
         this.chosen = parcel < 0 ? null : await this.client.call("parcelRings", parcel);
-        if (show && parcel >= 0) this.view.show(this.list!.parcels[parcel]!.box, 0.3);
+        if (box) this.view.show(box, 0.3);
         this.view.redraw();
         this.changed();
     }
@@ -60,10 +61,8 @@ export class Parcels {
         if (!this.list) return;
         context.strokeStyle = "rgb(196 60 20)";
         context.lineWidth = 2;
-        for (const end of this.list.freeEnds) this.drawMark(context, end);
-        for (let i = 0; i < this.list.crossings.length; i += 2) {
-            this.drawMark(context, { x: this.list.crossings[i]!, y: this.list.crossings[i + 1]! });
-        }
+        const { marks } = this.list;
+        for (let i = 0; i < marks.length; i += 2) this.drawMark(context, { x: marks[i]!, y: marks[i + 1]! });
     }
     private drawMark(context: CanvasRenderingContext2D, place: Point): void {
         const at = this.view.toScreen(place);
@@ -74,12 +73,11 @@ export class Parcels {
     }
 
     async panel(): Promise<Node[]> {
-        this.list ??= await this.client.call("parcels");
+        this.list ??= await this.client.call("parcels", mostListed);
         this.view.redraw();
         const { list } = this;
         if (list.tooManyCrossings) return [make("p", {}, say("tooManyCrossings"))];
-        if (list.parcels.length === 0) return [make("p", {}, say("noParcels")), ...this.problems(list)];
-        const area = list.parcels.reduce((sum, parcel) => sum + parcel.size, 0);
+        if (list.count === 0) return [make("p", {}, say("noParcels")), ...this.problems(list)];
         const nodes: Node[] = [make("p", { class: "quiet" }, say("parcelsHint"))];
         if (this.chosen) {
             const name = this.chosen.number || say("withoutNumber");
@@ -92,61 +90,58 @@ export class Parcels {
                 ),
             );
         }
-        nodes.push(make("p", {}, say("parcelCount", { count: list.parcels.length, area: sayArea(area) })));
+        nodes.push(make("p", {}, say("parcelCount", { count: list.count, area: sayArea(list.area) })));
         nodes.push(...this.problems(list), this.listOfParcels(list));
         return nodes;
     }
 
-    private listOfParcels(list: ParcelList): Node {
-        const order = list.parcels.map((_, i) => i);
-        const collator = new Intl.Collator(undefined, { numeric: true });
-        order.sort((a, b) => collator.compare(list.parcels[a]!.number, list.parcels[b]!.number));
-        const rows = order.slice(0, mostListed).map((i) => {
-            const parcel = list.parcels[i]!;
-            const row = button("", () => void this.choose(i, true));
-            if (i === this.chosenNumber) row.setAttribute("aria-current", "true");
+    private listOfParcels(list: ParcelReport): Node {
+        const rows = list.rows.map((parcel) => {
+            const row = button("", () => void this.choose(parcel.index, parcel.box));
+            if (parcel.index === this.chosenNumber) row.setAttribute("aria-current", "true");
             row.append(
                 make("span", {}, parcel.number || say("withoutNumber")),
                 make("span", { class: "number" }, sayArea(parcel.size)),
             );
             return make("li", {}, row);
         });
-        if (order.length > mostListed) {
-            rows.push(make("li", { class: "quiet" }, say("moreFound", { count: order.length - mostListed })));
-        }
+        const left = list.count - rows.length;
+        if (left > 0) rows.push(make("li", { class: "quiet" }, say("moreFound", { count: left })));
         return make("ul", { class: "rows list" }, ...rows);
     }
 
-    private problems(list: ParcelList): Node[] {
-        const crossings: Point[] = [];
-        for (let i = 0; i < list.crossings.length; i += 2)
-            crossings.push({ x: list.crossings[i]!, y: list.crossings[i + 1]! });
-        const several = list.parcels.filter((parcel) => parcel.texts > 1);
-        const gap = (end: { gap: number | null }): string =>
-            end.gap === null ? "" : `${sayNumber(end.gap, 2)} m`;
+    private problems(list: ParcelReport): Node[] {
+        const gap = ({ gap: metres }: MarkedPlace): string =>
+            metres === null ? "" : `${sayNumber(metres, 2)} m`;
         return [
             this.places(
-                say("freeEnds", { count: list.freeEnds.length }),
+                say("freeEnds", { count: list.freeEnds.count }),
                 list.freeEnds,
                 (end) => `${say("freeEnd")} ${gap(end)}`,
             ),
-            this.places(say("crossings", { count: crossings.length }), crossings, () => say("crossing")),
-            this.places(say("numbersOutside", { count: list.outside.length }), list.outside, (n) => n.number),
+            this.places(say("crossings", { count: list.crossings.count }), list.crossings, () =>
+                say("crossing"),
+            ),
             this.places(
-                say("severalNumbers", { count: several.length }),
-                several.map((parcel) => ({ ...middle(parcel.box), number: parcel.number })),
-                (parcel) => parcel.number,
+                say("numbersOutside", { count: list.outside.count }),
+                list.outside,
+                ({ name }) => name,
+            ),
+            this.places(
+                say("severalNumbers", { count: list.several.count }),
+                list.several,
+                ({ name }) => name,
             ),
         ].filter((node): node is HTMLDetailsElement => node !== null);
     }
     // A list that opens, each row of which leads to a place.
-    private places<P extends Point>(
+    private places(
         title: string,
-        places: P[],
-        name: (place: P) => string,
+        marked: Marked,
+        name: (place: MarkedPlace) => string,
     ): HTMLDetailsElement | null {
-        if (places.length === 0) return null;
-        const rows = places.slice(0, mostListed).map((place) =>
+        if (marked.count === 0) return null;
+        const rows = marked.places.map((place) =>
             make(
                 "li",
                 {},
@@ -160,8 +155,4 @@ export class Parcels {
             make("ul", { class: "rows" }, ...rows),
         );
     }
-}
-
-function middle(box: Box): Point {
-    return { x: (box[0] + box[2]) / 2, y: (box[1] + box[3]) / 2 };
 }

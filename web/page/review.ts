@@ -7,7 +7,7 @@ import type { MapFile } from "./files.ts";
 import type { MapView, Point } from "./map_view.ts";
 import { say, type Words } from "./words.ts";
 
-const mostListed = 1000;
+const mostListed = 300;
 const colours = {
     added: "rgb(20 130 60)",
     removed: "rgb(200 40 40)",

@@ -4,6 +4,7 @@
 import createModule from "vkm_web";
 import { Engine, type Encoding, type Source } from "../engine/engine.ts";
 import { replay } from "../engine/replay.ts";
+import { reportParcels } from "./parcel_report.ts";
 import type { Box, Comparison, Picked, Summary, View } from "../engine/types.ts";
 
 export interface Font {
@@ -190,7 +191,7 @@ const methods = {
     find: (text: string, most: number) => engine.find(text, most),
     pick: (x: number, y: number, distance: number) => engine.pick(x, y, distance),
     inspect: (picked: Picked) => engine.inspect(picked),
-    parcels: () => engine.parcels(),
+    parcels: (most: number) => reportParcels(engine.parcels(), most),
     parcelAt: (x: number, y: number) => engine.parcelAt(x, y),
     parcelRings: (parcel: number) => engine.parcelRings(parcel),
 };
