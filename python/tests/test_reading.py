@@ -4,8 +4,10 @@ from __future__ import annotations
 
 import gzip
 import io
+import os
 import pickle
 import threading
+import time
 import zipfile
 from pathlib import Path
 
@@ -42,18 +44,23 @@ def test_header_and_elements() -> None:
         assert small.line_style(123456) is None and small.symbol(123456) is None
 
 
-@pytest.mark.parametrize("kind", ["path", "bytes", "file", "gzip", "member"])
+@pytest.mark.parametrize("kind", ["path", "bytes", "file", "gzip", "member", "inside", "pipe"])
 def test_every_source_gives_the_same(kind: str, tmp_path: Path) -> None:
     path = tmp_path / "žluťoučký.vkm"
     path.write_bytes(SMALL)
     (tmp_path / "map.vkm.gz").write_bytes(gzip.compress(SMALL))
     with zipfile.ZipFile(tmp_path / "maps.zip", "w") as archive:
         archive.writestr("sheets/one.vkm", SMALL)
+    if kind == "pipe":
+        os.mkfifo(tmp_path / "pipe")
+        threading.Thread(target=(tmp_path / "pipe").write_bytes, args=[SMALL]).start()
     source = {
         "path": path,
         "bytes": SMALL,
         "file": io.BytesIO(SMALL),
         "gzip": tmp_path / "map.vkm.gz",
+        "pipe": str(tmp_path / "pipe"),
+        "inside": tmp_path / "maps.zip" / "sheets" / "one.vkm",
         "member": zipfile.Path(tmp_path / "maps.zip", "sheets/one.vkm"),
     }[kind]
     with vemrado.open(source) as opened:
@@ -67,15 +74,22 @@ def test_failures_are_told(tmp_path: Path) -> None:
         vemrado.open(tmp_path / "nothing.vkm")
     assert str(caught.value.filename).endswith("nothing.vkm")
     assert pickle.loads(pickle.dumps(caught.value)).reason == caught.value.reason
+    zipfile.ZipFile(tmp_path / "maps.zip", "w").close()
     (tmp_path / "broken.vkm.gz").write_bytes(gzip.compress(SMALL)[:-20])
     for call in (
         lambda: vemrado.open(tmp_path),
         lambda: vemrado.open(tmp_path / "broken.vkm.gz"),
+        lambda: vemrado.open(tmp_path / "maps.zip" / "none.vkm"),
     ):
         with pytest.raises(OSError):
             call()
-    with pytest.raises(ValueError, match="kilo"):
-        vemrado.open(SMALL, encoding="kilo")
+    for options, reason in (
+        ({"encoding": "kilo"}, "kilo"),
+        ({"layer": 2**32 + 1}, "range"),
+        ({"layer": []}, "no layer"),
+    ):
+        with pytest.raises(ValueError, match=reason):
+            vemrado.open(SMALL, **options)  # type: ignore[arg-type]
     with pytest.raises(TypeError):
         vemrado.open(io.StringIO("text"))  # type: ignore[arg-type]
 
@@ -87,10 +101,10 @@ def test_an_incomplete_map_is_a_warning_or_an_error() -> None:
             assert len(opened.texts) == 1
         assert not opened.complete
     with vemrado.open(cut, strict=True) as opened:
-        with pytest.raises(vemrado.ReadError):
-            opened.texts
-        with pytest.warns(vemrado.IncompleteMapWarning), pytest.raises(vemrado.ReadError):
-            list(opened)
+        for read in (lambda: opened.texts, lambda: list(opened)):
+            with pytest.raises(vemrado.ReadError, match="closing record") as caught:
+                read()
+            assert caught.value.line == 13
     with vemrado.open(SMALL.replace(b"\xe8", b"\x81")) as opened:
         with pytest.warns(vemrado.MapWarning):
             assert opened.texts["text"][1] == "\ufffdást"
@@ -106,6 +120,30 @@ def test_a_closed_map_and_what_outlives_it() -> None:
     for call in (lambda: opened.texts, lambda: opened.bounds, lambda: next(elements), lambda: list(opened)):
         with pytest.raises(ValueError, match="closed"):
             call()
+
+
+def test_others_run_while_the_library_reads(town: Path) -> None:
+    """Python's lock is free in the middle of one call of the library."""
+    text = town.read_bytes()
+    body = text[text.index(b"&U") : text.index(b"&K")]
+    ticks = 0
+    gone = threading.Event()
+
+    def tick() -> None:
+        nonlocal ticks
+        while not gone.is_set():
+            ticks += 1
+            time.sleep(0)
+
+    other = threading.Thread(target=tick)
+    with vemrado.open(text[: text.index(b"&U")] + body * 20 + b"&K\n") as large:
+        other.start()
+        before = ticks
+        large.bounds  # one call of the library
+        counted = ticks - before
+    gone.set()
+    other.join()
+    assert counted > 20
 
 
 def test_threads_share_a_map_and_read_many_sheets(town: Path, town_folder: Path) -> None:

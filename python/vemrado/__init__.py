@@ -6,6 +6,10 @@
 >>> parcels = vemrado.read_geopandas("town.vkm", layer="parcels")  # doctest: +SKIP
 """
 
+from ._exit import refuse_subinterpreters as _refuse_subinterpreters
+
+_refuse_subinterpreters()
+
 from ._library import lib as _lib
 from .checks import Change, Finding, Records, check, diff
 from .elements import Line, Stroke, Text

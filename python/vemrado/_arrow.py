@@ -11,6 +11,8 @@ from typing import Any, Callable, Optional
 import numpy as np
 import numpy.typing as npt
 
+from ._exit import calls
+
 
 class ArrowSchema(Structure):
     pass
@@ -267,7 +269,8 @@ def _drop_capsule(capsule: int) -> None:
         return
     stream = _exported.pop(_pointer_of(capsule, _STREAM_NAME), None)
     if stream is not None:
-        release(stream)
+        with calls:
+            release(stream)
 
 
 # A destructor runs while its object goes: it takes the plain address, for a reference would bring it back to life.

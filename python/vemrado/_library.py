@@ -30,6 +30,7 @@ TABLES = {"lines": 0, "points": 1, "texts": 2, "parcels": 3}
 SEVERITIES = ("note", "warning", "error")
 
 OnWarning = CFUNCTYPE(None, c_void_p, c_void_p)
+no_warning: Any = ctypes.cast(0, OnWarning)
 OnProgress = CFUNCTYPE(c_int32, c_void_p, c_double)
 Release = CFUNCTYPE(None, c_void_p)
 Write = CFUNCTYPE(c_int32, c_void_p, c_void_p, c_size_t)

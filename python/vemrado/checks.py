@@ -6,13 +6,13 @@ import json
 from collections import Counter
 from ctypes import byref, c_char_p, sizeof
 from dataclasses import asdict, dataclass, fields
-from typing import TYPE_CHECKING, Any, Callable, Generic, Iterable, Optional, TypeVar
+from typing import TYPE_CHECKING, Any, Callable, Generic, Iterable, Optional, TypeVar, Union
 
 from . import _library
 from ._library import lib
 from ._source import Source
 from .errors import Call, _text
-from .map import Map
+from .map import Map, opened_map
 
 if TYPE_CHECKING:
     import pandas
@@ -118,7 +118,7 @@ def _strings(values: Iterable[str]) -> Any:
 
 
 def check(
-    source: Source,
+    source: Union[Source, Map],
     *,
     only: Optional[Iterable[str]] = None,
     ignore: Optional[Iterable[str]] = None,
@@ -128,7 +128,7 @@ def check(
 
     Parameters
     ----------
-    source : path, bytes or file object
+    source : path, bytes, file object or Map
     only, ignore : iterable of str, optional
         Names of the rules to look for, or to leave out.
     **options
@@ -158,18 +158,20 @@ def check(
             )
         )
 
-    with Map(source, **options) as opened, opened._using() as reader, Call() as call:
+    with opened_map(source, **options) as opened, opened._using() as reader, Call() as call:
         callback = _library.OnFinding(_guarded(call, take))
         call.check(lib.vkm_check(reader, byref(wanted), callback, None, call.error))
     return findings
 
 
-def diff(old: Source, new: Source, *, tolerance: float = 0.05, **options: Any) -> Records[Change]:
+def diff(
+    old: Union[Source, Map], new: Union[Source, Map], *, tolerance: float = 0.05, **options: Any
+) -> Records[Change]:
     """Compares two states of a map, as the command ``vkm diff`` does.
 
     Parameters
     ----------
-    old, new : path, bytes or file object
+    old, new : path, bytes, file object or Map
     tolerance : float
         Metres by which a text may have moved and still be the same.
     **options
@@ -193,7 +195,7 @@ def diff(old: Source, new: Source, *, tolerance: float = 0.05, **options: Any) -
             )
         )
 
-    with Map(old, **options) as before, Map(new, **options) as after:
+    with opened_map(old, **options) as before, opened_map(new, **options) as after:
         with before._using() as one, after._using() as other, Call() as call:
             callback = _library.OnChange(_guarded(call, take))
             call.check(lib.vkm_diff(one, other, byref(wanted), callback, None, call.error))

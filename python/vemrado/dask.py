@@ -11,7 +11,7 @@ from typing import Any, Callable, Iterable, Optional, Sequence, TypeVar, Union
 
 from ._source import Layers
 from .errors import MapError
-from .map import Map
+from .map import Map, open
 
 Path = Union[str, "os.PathLike[str]"]
 Result = TypeVar("Result")
@@ -28,7 +28,7 @@ def _apply(
     name: str, work: Callable[[Map], Result], options: dict[str, Any]
 ) -> tuple[str, Optional[Result], str]:
     try:
-        with Map(name, **options) as sheet:
+        with open(name, **options) as sheet:
             return name, work(sheet), ""
     except MapError as error:
         return name, None, str(error)
@@ -57,7 +57,7 @@ def bag(paths: Iterable[Path], work: Callable[[Map], Any], **options: Any) -> An
 
 
 def _read_frame(name: str, layer: str, columns: Sequence[str], options: dict[str, Any]) -> Any:
-    with Map(name, **options) as sheet:
+    with open(name, **options) as sheet:
         table = sheet.table(layer)
         frame = table.to_pandas()
         frame["wkb"] = table.geometry.to_wkb()
@@ -88,7 +88,7 @@ def dataframe(paths: Iterable[Path], layer: str = "lines", where_layer: Layers =
 
     names = _names(paths)
     options = dict(options, layer=where_layer)
-    with Map(b"&K\n", **options) as empty:
+    with open(b"&K\n", **options) as empty:
         table = empty.table(layer)
         meta = table.to_pandas()
     meta["wkb"] = meta["source"] = ""

@@ -67,6 +67,11 @@ class Line:
     u_values: npt.NDArray[np.float64]
     strokes: tuple[Stroke, ...]
 
+    @property
+    def values(self) -> npt.NDArray[np.float64]:
+        """M, R and U of each vertex, shape (n, 3)."""
+        return np.column_stack((self.m_values, self.r_values, self.u_values))
+
 
 @dataclass(frozen=True, eq=False)
 class Text:

@@ -9,6 +9,7 @@ from ctypes import byref, c_void_p
 from typing import Any, Optional
 
 from . import _library
+from ._exit import calls
 from ._library import lib
 
 
@@ -54,7 +55,19 @@ class UnsupportedError(NotImplementedError):
 
 
 class MapWarning(UserWarning):
-    """Something is wrong with a map or its symbology but stops nothing."""
+    """Something is wrong with a map or its symbology but stops nothing.
+
+    Attributes
+    ----------
+    filename, line, reason
+        As those of `MapError`.
+    """
+
+    def __init__(self, reason: str, filename: str = "", line: Optional[int] = None) -> None:
+        super().__init__(reason)
+        self.reason = reason
+        self.filename = filename
+        self.line = line
 
 
 class IncompleteMapWarning(MapWarning):
@@ -87,12 +100,19 @@ def _text(value: Optional[bytes]) -> str:
 class Call:
     """One call of the library: its error becomes an exception, its warnings are told after it.
 
+    Parameters
+    ----------
+    incomplete : str
+        What a missing closing record is: ``"warn"``, ``"error"`` (a `ReadError`) or ``"ignore"``.
+
     >>> with Call() as call:  # doctest: +SKIP
     ...     call.check(lib.vkm_get_header(reader, byref(header), call.error))
     """
 
-    def __init__(self) -> None:
+    def __init__(self, incomplete: str = "warn") -> None:
         self._error = c_void_p()
+        self._incomplete = incomplete
+        self.warnings: list[MapWarning] = []
         self.raised: Optional[BaseException] = None  # by a callback of ours
 
     @property
@@ -100,11 +120,21 @@ class Call:
         return byref(self._error)
 
     def __enter__(self) -> Call:
-        _collected.append([])
+        calls.begin()
+        _collected.stack.append(self.warnings)
         return self
 
-    def __exit__(self, *_: object) -> None:
-        for warning in _collected.pop():
+    def __exit__(self, failed: object, *_: object) -> None:
+        _collected.stack.pop()
+        calls.end()
+        if failed is not None:
+            return
+        for warning in self.warnings:
+            if isinstance(warning, IncompleteMapWarning):
+                if self._incomplete == "ignore":
+                    continue
+                if self._incomplete == "error":
+                    raise ReadError(warning.reason, warning.filename, warning.line)
             warnings.warn(warning, stacklevel=4)
 
     def check(self, status: int) -> int:
@@ -140,12 +170,6 @@ class _Collected(threading.local):
     def __init__(self) -> None:
         self.stack: list[list[MapWarning]] = []
 
-    def append(self, collected: list[MapWarning]) -> None:
-        self.stack.append(collected)
-
-    def pop(self) -> list[MapWarning]:
-        return self.stack.pop()
-
 
 _collected = _Collected()
 
@@ -155,7 +179,8 @@ def _on_warning(_: Any, warning: Any) -> None:
         return  # a stream that somebody else reads
     text = _text(lib.vkm_error_text(warning))
     kind = IncompleteMapWarning if "closing record" in text else MapWarning
-    _collected.stack[-1].append(kind(text))
+    file, line = _text(lib.vkm_error_file(warning)), lib.vkm_error_line(warning) or None
+    _collected.stack[-1].append(kind(text, file, line))
 
 
 #: Lives as long as the interpreter: streams may outlive the maps that they come from.

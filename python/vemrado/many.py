@@ -8,7 +8,7 @@ from typing import Any, Iterable, Iterator, Optional, TypeVar, Union
 
 from ._source import Layers
 from .errors import MapError, MapWarning
-from .map import Map
+from .map import open
 from .table import Table
 
 Item = TypeVar("Item")
@@ -70,7 +70,7 @@ def read_many(
 
     def read(name: str) -> Union[Table, MapError]:
         try:
-            with Map(name, layer=where_layer, **options) as sheet:
+            with open(name, layer=where_layer, **options) as sheet:
                 return sheet.table(layer)
         except MapError as error:
             if on_error == "raise":

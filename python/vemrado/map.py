@@ -4,7 +4,6 @@ from __future__ import annotations
 
 import os
 import threading
-import warnings
 from contextlib import contextmanager
 from ctypes import POINTER, addressof, byref, c_double, sizeof
 from dataclasses import dataclass
@@ -12,7 +11,7 @@ from typing import TYPE_CHECKING, Any, Iterator, Optional, Sequence, Union
 
 from . import _arrow, _library
 from ._library import lib
-from ._source import Layers, OpenedSource, Source, make_options
+from ._source import Layers, OpenedSource, Source, close_reader, int32, make_options
 from .elements import Line, Text, copy_element
 from .errors import Call, IncompleteMapWarning, ReadError, UnsupportedError, _text
 from .table import Table
@@ -21,6 +20,7 @@ if TYPE_CHECKING:
     import matplotlib.axes
 
 Element = Union[Line, Text]
+_CELL_WIDTH = 900  # pixels of a map in a notebook
 
 
 @dataclass(frozen=True)
@@ -64,26 +64,26 @@ class Map:
     """An opened map. Use `open` to make one; it is a context manager.
 
     Iterating gives `Line` and `Text` objects in the order of the file. Every method may be called from any thread.
+
+    Attributes
+    ----------
+    scale : float
+        Map scale number: 1000 for 1:1000.
+    relative : bool
+        Whether the file's coordinates are relative to an origin; the points here are absolute.
+    crs : str or None
+        Reference system of the points, such as ``"EPSG:5514"``.
+    metadata : dict
+        Of the header: ``name``, ``date``, ``comments`` (a list) and ``origin``.
     """
 
-    def __init__(
-        self,
-        source: Source,
-        *,
-        layer: Layers = None,
-        encoding: str = "windows-1250",
-        orientation: str = "-y,-x",
-        symbology: Union[None, str, "os.PathLike[str]"] = None,
-        parcels: bool = False,
-        strict: bool = False,
-        **more: int,
-    ) -> None:
+    def __init__(self, source: OpenedSource, options: _library.Options, strict: bool) -> None:
         self._reader: Optional[int] = None
         self._lock = threading.RLock()
         self._tables: dict[str, Table] = {}
-        self._strict = strict
-        self._source = OpenedSource(source)
-        self._options = make_options(layer, encoding, orientation, symbology, **more)
+        self._incomplete = "error" if strict else "warn"
+        self._source = source
+        self._options = options
         self._reader = self._source.open(self._options)
         self._complete: Optional[bool] = None
         header = _library.Header(size=sizeof(_library.Header))
@@ -98,8 +98,6 @@ class Map:
             "comments": _text(header.comments).splitlines(),
             "origin": (header.origin[0], header.origin[1]),
         }
-        if parcels:
-            self.table("parcels")
 
     # --- Life ---
 
@@ -117,7 +115,7 @@ class Map:
         with self._lock:
             reader, self._reader = self._reader, None
         if reader:
-            lib.vkm_close(reader)
+            close_reader(reader)
 
     def __enter__(self) -> Map:
         return self
@@ -130,7 +128,7 @@ class Map:
             self.close()
 
     def __repr__(self) -> str:
-        return f"<vemrado.Map {self.name}>"
+        return f"<vemrado.Map {self.name}{', closed' if self.closed else ''}>"
 
     @contextmanager
     def _using(self) -> Iterator[int]:
@@ -146,25 +144,23 @@ class Map:
 
     # --- Elements ---
 
+    def _next(self, reader: int, element: Any, incomplete: str) -> bool:
+        with Call(incomplete) as call:
+            if call.check(lib.vkm_next(reader, byref(element), call.error)) == _library.OK:
+                return True
+            self._complete = bool(lib.vkm_complete(reader))
+        return False
+
     def __iter__(self) -> Iterator[Element]:
         reader = self._open_another()
         element = POINTER(_library.Element)()
         try:
-            while True:
+            while self._next(reader, element, self._incomplete):
+                yield copy_element(element.contents)
                 if self._reader is None:
                     raise ValueError(f"{self.name}: the map is closed")
-                with Call() as call:
-                    if call.check(lib.vkm_next(reader, byref(element), call.error)) != _library.OK:
-                        break
-                yield copy_element(element.contents)
-            self._note_end(bool(lib.vkm_complete(reader)))
         finally:
-            lib.vkm_close(reader)
-
-    def _note_end(self, complete: bool) -> None:
-        self._complete = complete
-        if not complete and self._strict:
-            raise ReadError(f"{self.name}: the file ends without its closing record", self.name)
+            close_reader(reader)
 
     @property
     def complete(self) -> bool:
@@ -173,14 +169,11 @@ class Map:
             reader = self._open_another()
             element = POINTER(_library.Element)()
             try:
-                with warnings.catch_warnings():
-                    warnings.simplefilter("ignore", IncompleteMapWarning)
-                    with Call() as call:
-                        while call.check(lib.vkm_next(reader, byref(element), call.error)) == _library.OK:
-                            pass
-                self._complete = bool(lib.vkm_complete(reader))
+                while self._next(reader, element, "ignore"):
+                    pass
             finally:
-                lib.vkm_close(reader)
+                close_reader(reader)
+        assert self._complete is not None
         return self._complete
 
     @property
@@ -196,9 +189,10 @@ class Map:
 
     def line_style(self, code: int) -> Optional[LineStyle]:
         """How lines of a code are drawn; None for a code that the symbology lacks."""
+        number = int32(code, "a code")
         style = _library.LineStyle(size=sizeof(_library.LineStyle))
         with self._using() as reader, Call() as call:
-            if call.check(lib.vkm_get_line_style(reader, code, byref(style), call.error)) != _library.OK:
+            if call.check(lib.vkm_get_line_style(reader, number, byref(style), call.error)) != _library.OK:
                 return None
             return LineStyle(
                 _text(style.name),
@@ -210,9 +204,10 @@ class Map:
 
     def symbol(self, code: int) -> Optional[Symbol]:
         """The drawing of a symbol code; None for a code that the symbology lacks."""
+        number = int32(code, "a code")
         drawing = _library.Symbol(size=sizeof(_library.Symbol))
         with self._using() as reader, Call() as call:
-            if call.check(lib.vkm_get_symbol(reader, code, byref(drawing), call.error)) != _library.OK:
+            if call.check(lib.vkm_get_symbol(reader, number, byref(drawing), call.error)) != _library.OK:
                 return None
             points = [(drawing.points[2 * i], drawing.points[2 * i + 1]) for i in range(drawing.point_count)]
             begins = [*drawing.strokes[: drawing.stroke_count], drawing.point_count]
@@ -232,14 +227,18 @@ class Map:
                 try:
                     status = lib.vkm_stream(reader, _library.TABLES[table], addressof(stream), call.error)
                 finally:
-                    lib.vkm_close(reader)
+                    close_reader(reader)
             call.check(status)
         return stream
 
     def _export(self, table: str) -> _arrow.ArrowArrayStream:
-        """A stream in batches, in constant memory, for whoever takes the table through a capsule."""
+        """A stream in batches, in constant memory, for whoever takes the table through a capsule.
+
+        What there is to warn of has been told when the table was read.
+        """
         batched = _library.Options.from_buffer_copy(self._options)
         batched.batch_rows = 65536
+        batched.on_warning = _library.no_warning
         return self._stream(table, batched)
 
     def table(self, name: str) -> Table:
@@ -256,13 +255,12 @@ class Map:
             if name not in self._tables:
                 stream = self._stream(name)
                 try:
-                    with warnings.catch_warnings():
-                        if self._strict:
-                            warnings.simplefilter("error", IncompleteMapWarning)
-                        with Call():
-                            kind, batches = _arrow.read_stream(stream)
-                except IncompleteMapWarning as warning:
-                    raise ReadError(str(warning), self.name) from None
+                    with Call(self._incomplete) as call:
+                        kind, batches = _arrow.read_stream(stream)
+                        lost = any(isinstance(one, IncompleteMapWarning) for one in call.warnings)
+                        self._complete = not lost
+                except ReadError:
+                    raise
                 except OSError as error:
                     raise ReadError(error.strerror or str(error), self.name) from None
                 self._tables[name] = Table(name, kind, batches, lambda: self._export(name))
@@ -303,18 +301,18 @@ class Map:
 
     def render(self, out: Union[str, "os.PathLike[str]", None] = None, **options: Any) -> Optional[bytes]:
         """Draws the map as the command ``vkm render`` does; see `vemrado.render`."""
-        from .picture import render_map
+        from .picture import render
 
-        return render_map(self, out, **options)
+        return render(self, out, **options)
 
     def _repr_png_(self) -> Optional[bytes]:
         try:
-            return self.render(format="png", width=900)
+            return None if self.closed else self.render(format="png", width=_CELL_WIDTH)
         except UnsupportedError:
             return None
 
     def _repr_svg_(self) -> Optional[str]:
-        picture = self.render(format="svg", width=900)
+        picture = None if self.closed else self.render(format="svg", width=_CELL_WIDTH)
         return picture.decode() if picture else None
 
 
@@ -356,20 +354,28 @@ def open(
     OpenError
         When the source cannot be opened; it names file and reason.
     """
-    return Map(
-        source,
-        layer=layer,
-        encoding=encoding,
-        orientation=orientation,
-        symbology=symbology,
-        parcels=parcels,
-        strict=strict,
-    )
+    options = make_options(layer, encoding, orientation, symbology)
+    opened = Map(OpenedSource(source), options, strict)
+    if parcels:
+        opened.table("parcels")
+    return opened
+
+
+@contextmanager
+def opened_map(source: Union[Source, Map], **options: Any) -> Iterator[Map]:
+    """A map that is open already, or one that is opened for a while."""
+    if isinstance(source, Map):
+        if options:
+            raise TypeError("an opened map has its options: " + ", ".join(options))
+        yield source
+        return
+    with open(source, **options) as opened:
+        yield opened
 
 
 def read_geopandas(
     path: Source,
-    layer: str = "lines",
+    layer: str = "parcels",
     bbox: Optional[Sequence[float]] = None,
     where_layer: Layers = None,
     **options: Any,
@@ -384,10 +390,10 @@ def read_geopandas(
     bbox : sequence of four float, optional
         Only rows whose bounds meet the box: min x, min y, max x, max y.
     where_layer : int or iterable of int, optional
-        Only rows of these layers of the file.
+        Only rows of these layers of the file; of parcels those that are made of these.
     **options
         As for `open`.
     """
-    with Map(path, layer=where_layer, **options) as opened:
+    with open(path, layer=where_layer, **options) as opened:
         table = opened.table(layer)
         return table.to_geopandas(None if bbox is None else table.rows_in(bbox))

@@ -9,52 +9,13 @@ from typing import Any, Optional, Sequence, Union
 
 from . import _library
 from ._library import lib
-from ._source import Source, _encoded
+from ._source import Source, encoded, four_numbers, int32, path_text
 from .errors import Call
-from .map import Map
-
-
-def render_map(
-    opened: Map,
-    out: Union[str, "os.PathLike[str]", None] = None,
-    *,
-    format: Optional[str] = None,
-    width: int = 0,
-    dpi: float = 150,
-    legend: bool = False,
-    title: Optional[str] = None,
-    bbox: Optional[Sequence[float]] = None,
-    symbols: bool = True,
-) -> Optional[bytes]:
-    picture = _library.Picture(size=sizeof(_library.Picture))
-    lib.vkm_picture_init(byref(picture))
-    picture.format = format.encode() if format else None
-    picture.width = width
-    picture.dpi = dpi
-    picture.legend = legend
-    picture.title = title.encode() if title is not None else None
-    if bbox is not None:
-        picture.box = (c_double * 4)(*bbox)
-    picture.symbols = symbols
-    if out is not None:
-        with opened._using() as reader, Call() as call:
-            call.check(lib.vkm_render(reader, byref(picture), _encoded(os.fspath(out)), call.error))
-        return None
-    if format is None:
-        raise ValueError("a picture in memory needs a format: png, svg or pdf")
-    parts: list[bytes] = []
-
-    def write(_: Any, data: int, length: int) -> int:
-        parts.append(ctypes.string_at(data, length))
-        return 0
-
-    with opened._using() as reader, Call() as call:
-        call.check(lib.vkm_render_to(reader, byref(picture), _library.Write(write), None, call.error))
-    return b"".join(parts)
+from .map import Map, opened_map
 
 
 def render(
-    source: Source,
+    source: Union[Source, Map],
     out: Union[str, "os.PathLike[str]", None] = None,
     *,
     format: Optional[str] = None,
@@ -70,7 +31,7 @@ def render(
 
     Parameters
     ----------
-    source : path, bytes or file object
+    source : path, bytes, file object or Map
     out : path, optional
         The picture, whose ending says its format. It appears whole or not at all. None: the picture is returned.
     format : str, optional
@@ -96,15 +57,33 @@ def render(
     UnsupportedError
         When the library was built without what the format needs.
     """
-    with Map(source, **options) as opened:
-        return render_map(
-            opened,
-            out,
-            format=format,
-            width=width,
-            dpi=dpi,
-            legend=legend,
-            title=title,
-            bbox=bbox,
-            symbols=symbols,
-        )
+    picture = _library.Picture(size=sizeof(_library.Picture))
+    lib.vkm_picture_init(byref(picture))
+    picture.format = format.encode() if format else None
+    picture.width = int32(width, "the width")
+    picture.dpi = dpi
+    picture.legend = bool(legend)
+    picture.title = title.encode() if title is not None else None
+    if bbox is not None:
+        picture.box = (c_double * 4)(*four_numbers(bbox))
+    picture.symbols = bool(symbols)
+    with opened_map(source, **options) as opened:
+        if out is not None:
+            with opened._using() as reader, Call() as call:
+                call.check(lib.vkm_render(reader, byref(picture), encoded(path_text(out)), call.error))
+            return None
+        if format is None:
+            raise ValueError("a picture in memory needs a format: png, svg or pdf")
+        return _in_memory(opened, picture)
+
+
+def _in_memory(opened: Map, picture: _library.Picture) -> bytes:
+    parts: list[bytes] = []
+
+    def write(_: Any, data: int, length: int) -> int:
+        parts.append(ctypes.string_at(data, length))
+        return 0
+
+    with opened._using() as reader, Call() as call:
+        call.check(lib.vkm_render_to(reader, byref(picture), _library.Write(write), None, call.error))
+    return b"".join(parts)

@@ -13,6 +13,7 @@ import numpy.typing as npt
 
 from . import _arrow
 from ._arrow import Array
+from ._source import four_numbers
 from .geometry import Geometry
 
 if TYPE_CHECKING:
@@ -136,7 +137,7 @@ class Table:
 
     def rows_in(self, bbox: Sequence[float]) -> npt.NDArray[Any]:
         """Numbers of the rows whose bounds meet a box (min x, min y, max x, max y)."""
-        low_x, low_y, high_x, high_y = bbox
+        low_x, low_y, high_x, high_y = four_numbers(bbox)
         box = self.geometry.bounds()
         with np.errstate(invalid="ignore"):
             meets = (
