@@ -85,7 +85,10 @@ class CairoCanvas : public Canvas {
 
   protected:
     void Start(cairo_surface_t* made, double unitsPerMillimetre);
+    void SetUp(double unitsPerMillimetre);
     void StrokePath();
+    // A white edge of letters that begin at this point, in the turned plane of the text.
+    virtual void Halo(const std::string& text, Point start, const TextStyle& style);
     void CheckStatus(cairo_status_t status) const;
 
     Output output;
@@ -111,9 +114,15 @@ void CairoCanvas::Start(cairo_surface_t* made, double unitsPerMillimetre) {
     CheckStatus(cairo_surface_status(surface.get()));
     cairo.reset(cairo_create(surface.get()));
     CheckStatus(cairo_status(cairo.get()));
-    cairo_scale(cairo.get(), unitsPerMillimetre, unitsPerMillimetre);
     cairo_set_line_join(cairo.get(), CAIRO_LINE_JOIN_ROUND);
     SetFontOptions(cairo.get());
+    SetUp(unitsPerMillimetre);
+}
+
+void CairoCanvas::SetUp(double unitsPerMillimetre) {
+    cairo_identity_matrix(cairo.get());
+    cairo_scale(cairo.get(), unitsPerMillimetre, unitsPerMillimetre);
+    faceSet = false;
 }
 
 void CairoCanvas::CheckStatus(cairo_status_t status) const {
@@ -214,25 +223,28 @@ void CairoCanvas::Text(const std::string& text, Point at, const TextStyle& style
     const double down = style.upright == Upright::baseline ? 0
                         : style.upright == Upright::middle ? style.height / 2
                                                            : style.height;
-    SetColour(style.colour);
     cairo_save(cairo.get());
     cairo_translate(cairo.get(), at.x, at.y);
     cairo_rotate(cairo.get(), -Radians(style.rotation));
     cairo_set_font_size(cairo.get(), style.height / capitalsPerEm);
     // In small letters a halo is grey and costs more than the letters.
     if (style.halo && style.height > 6 * resolution) {
-        cairo_move_to(cairo.get(), left, down);
-        cairo_text_path(cairo.get(), text.c_str());
         cairo_set_source_rgb(cairo.get(), 1, 1, 1);
-        cairo_set_line_width(cairo.get(), 2 * haloWidth * style.height / capitalsPerEm);
         cairo_set_dash(cairo.get(), nullptr, 0, 0);
-        cairo_stroke(cairo.get());
-        SetColour(style.colour);
+        Halo(text, {left, down}, style);
     }
+    SetColour(style.colour);
     cairo_move_to(cairo.get(), left, down);
     cairo_show_text(cairo.get(), text.c_str());
     cairo_restore(cairo.get());
     cairo_new_path(cairo.get());
+}
+
+void CairoCanvas::Halo(const std::string& text, Point start, const TextStyle& style) {
+    cairo_move_to(cairo.get(), start.x, start.y);
+    cairo_text_path(cairo.get(), text.c_str());
+    cairo_set_line_width(cairo.get(), 2 * haloWidth * style.height / capitalsPerEm);
+    cairo_stroke(cairo.get());
 }
 
 void CairoCanvas::Fill(std::span<const Point> outline, uint32_t colour) {
@@ -267,22 +279,56 @@ class PdfCanvas : public CairoCanvas {
   public:
     PdfCanvas(const PageSize& page, const std::string& title, ByteSink sink)
         : CairoCanvas(std::move(sink), 0) {
-        const double unit = pointsPerMillimetre * page.zoom;
-        Start(cairo_pdf_surface_create_for_stream(Output::Write, &output, page.width * unit,
-                                                  page.height * unit),
-              unit);
+        Start(cairo_pdf_surface_create_for_stream(Output::Write, &output, Points(page.width * page.zoom),
+                                                  Points(page.height * page.zoom)),
+              Points(page.zoom));
         cairo_pdf_surface_set_metadata(surface.get(), CAIRO_PDF_METADATA_TITLE, title.c_str());
         cairo_pdf_surface_set_metadata(surface.get(), CAIRO_PDF_METADATA_CREATOR, "vkm");
     }
     ~PdfCanvas() override {
+        if (finished) return;
         output.sink = [](std::string_view) {};  // a page given up halfway writes nothing more
+        // The library would still work on all that the page holds, which may take minutes.
+        cairo_reset_clip(cairo.get());
+        cairo_set_operator(cairo.get(), CAIRO_OPERATOR_CLEAR);
+        cairo_paint(cairo.get());
+    }
+
+    void NewPage(const PageSize& page, double smallest) override {
+        StrokePath();
+        if (begun) cairo_show_page(cairo.get());
+        begun = true;
+        CheckStatus(cairo_status(cairo.get()));
+        cairo_pdf_surface_set_size(surface.get(), Points(page.width * page.zoom),
+                                   Points(page.height * page.zoom));
+        SetUp(Points(page.zoom));
+        resolution = smallest;
     }
     void Finish() override {
         StrokePath();
         CheckStatus(cairo_status(cairo.get()));
+        finished = true;
         cairo_surface_finish(surface.get());
         CheckStatus(cairo_surface_status(surface.get()));
     }
+
+  protected:
+    // The outlines of letters would make a file four times as large; a band behind them does the same.
+    void Halo(const std::string& text, Point start, const TextStyle& style) override {
+        const double edge = haloWidth * style.height / capitalsPerEm;
+        const double middle = start.y - style.height / 2;
+        cairo_set_line_width(cairo.get(), style.height + 2 * edge);
+        cairo_set_line_cap(cairo.get(), CAIRO_LINE_CAP_BUTT);
+        cairo_move_to(cairo.get(), start.x - edge, middle);
+        cairo_line_to(cairo.get(), start.x + TextWidth(text, style.face, style.height) + edge, middle);
+        cairo_stroke(cairo.get());
+    }
+
+  private:
+    static double Points(double millimetres) { return pointsPerMillimetre * millimetres; }
+
+    bool begun = false;  // a page by NewPage
+    bool finished = false;
 };
 
 }  // namespace

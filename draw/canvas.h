@@ -17,6 +17,12 @@ namespace vemrado::draw {
 // Takes the bytes of a picture in order; throws when they cannot be written.
 using ByteSink = std::function<void(std::string_view)>;
 
+struct PageSize {
+    double width = 0;   // mm
+    double height = 0;  // mm
+    double zoom = 1;    // sizes of the finished picture to sizes on paper at the map's own scale
+};
+
 // The order of calls: DefinePen and DefineSymbol for everything that is drawn, then the drawing, then Finish.
 class Canvas {
   public:
@@ -24,6 +30,10 @@ class Canvas {
 
     virtual void DefinePen(const Pen&) {}
     virtual void DefineSymbol(const SymbolShape&) {}
+
+    // Begins a page, of which a PDF file may have many; things smaller than this, mm, are not worth drawing
+    // on it. A picture of one page need not call it.
+    virtual void NewPage(const PageSize&, double /*smallest*/) {}
 
     // A part of the picture under a name of its own: "layer-4", "legend". Groups nest.
     virtual void BeginGroup(const std::string& /*id*/, const std::string& /*label*/) {}
@@ -57,12 +67,6 @@ class TooLarge : public std::runtime_error {
 class Unsupported : public std::runtime_error {
   public:
     using std::runtime_error::runtime_error;
-};
-
-struct PageSize {
-    double width = 0;   // mm
-    double height = 0;  // mm
-    double zoom = 1;    // sizes of the finished picture to sizes on paper at the map's own scale
 };
 
 enum class Format : uint8_t { png, svg, pdf };

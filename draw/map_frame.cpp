@@ -146,8 +146,12 @@ void DrawGrid(Canvas& canvas, const Box& area, const Box& ground, double size, d
     canvas.EndGroup();
 }
 
-void DrawTitle(Canvas& canvas, Point corner, double width, const std::string& title, double mapScale,
-               double size) {
+std::string ScaleText(double mapScale) {
+    return HostWords().scale + Formatted(" 1 : %.10g", mapScale);
+}
+
+void DrawTitle(Canvas& canvas, Point corner, double width, const std::string& title,
+               const std::string& subtitle, double size) {
     TextStyle style;
     style.height = titleHeight * size;
     style.face.bold = true;
@@ -155,7 +159,7 @@ void DrawTitle(Canvas& canvas, Point corner, double width, const std::string& ti
     canvas.Text(Fitted(title, style, width - arrowRoom * size), corner, style);
     style.height = subtitleHeight * size;
     style.face.bold = false;
-    canvas.Text(std::string(HostWords().scale) + Formatted(" 1 : %.10g", mapScale),
+    canvas.Text(Fitted(subtitle, style, width - arrowRoom * size),
                 {corner.x, corner.y + 1.7 * titleHeight * size}, style);
 }
 

@@ -19,9 +19,12 @@ void DrawFrame(Canvas& canvas, const Box& area);
 // more than can be told apart on the sheet.
 void DrawGrid(Canvas& canvas, const Box& area, const Box& ground, double size, double enlargement);
 
+// "Scale 1 : 1000"
+std::string ScaleText(double mapScale);
+
 // The corner is the upper left one.
-void DrawTitle(Canvas& canvas, Point corner, double width, const std::string& title, double mapScale,
-               double size);
+void DrawTitle(Canvas& canvas, Point corner, double width, const std::string& title,
+               const std::string& subtitle, double size);
 
 // The corner is the upper right one. North is the direction on the ground, a unit vector.
 void DrawNorthArrow(Canvas& canvas, Point corner, Point north, double size);

@@ -3,13 +3,12 @@
 
 #pragma once
 
-#include <map>
 #include <optional>
 #include <string>
-#include <vector>
 
 #include "canvas.h"
 #include "legend.h"
+#include "map_view.h"
 #include "scene.h"
 
 namespace vemrado::draw {
@@ -20,38 +19,35 @@ struct SheetOptions {
     std::string title;
     double pixels =
         0;  // width of the picture in pixels, for which the legend stays readable; 0: as large as on paper
+    double mapScale = 0;  // to which all is enlarged or reduced, as 500 for 1 : 500; 0: the scene's own
 };
+
+// What a map shows that is asked for without a box: all of it and a margin, mm.
+Box GroundOf(const Scene& scene, double margin);
 
 class MapSheet {
   public:
     // The scene lives longer than the sheet. It is not empty, or a box is given.
     MapSheet(const Scene& scene, const SheetOptions& options);
 
-    // At the scale of the map.
     PageSize Page() const { return page; }
     void Draw(Canvas& canvas) const;
     // Strokes, symbols and texts of the map.
-    uint64_t Count() const;
+    uint64_t Count() const { return view.Count(); }
 
   private:
     void LayOut();
     void LayOutAround(double width, double height, double wantedSize);
-    Point OnPaper(Point ground) const;
-    void DefineStyles(Canvas& canvas) const;
-    void DrawMap(Canvas& canvas) const;
-    void DrawLayer(Canvas& canvas, const Layer& layer) const;
-    void DrawStrokes(Canvas& canvas, const Layer& layer) const;
 
     const Scene& scene;
     SheetOptions options;
-    Box ground;  // what the map shows
+    MapView view;
+    MapWindow window;
     Legend legend;
-    Box area;  // where on the page
     Point legendCorner;
     PageSize page;
-    double size = 1;                     // of what stands around the map
-    double enlargement = 1;              // of samples and crosses, where the picture is smaller than on paper
-    std::map<uint32_t, Pen> symbolPens;  // by colour
+    double size = 1;         // of what stands around the map
+    double enlargement = 1;  // of samples and crosses, where the picture is smaller than on paper
 };
 
 }  // namespace vemrado::draw

@@ -42,6 +42,11 @@ double Median(std::vector<Point>& points, double Point::*axis) {
     return (*middle).*axis;
 }
 
+double DistanceTo(const Box& box, Point point) {
+    return std::hypot(std::max({box.minX - point.x, 0.0, point.x - box.maxX}),
+                      std::max({box.minY - point.y, 0.0, point.y - box.maxY}));
+}
+
 }  // namespace
 
 std::optional<StrayPoints> FindStrayPoints(const Scene& scene) {
@@ -57,16 +62,17 @@ std::optional<StrayPoints> FindStrayPoints(const Scene& scene) {
     const double reach = farOff * std::max(distance(*lastOfRest), smallestReach);
 
     StrayPoints stray;
-    double farthest = 0;
     ForEachPoint(scene, [&](Point point) {
-        if (distance(point) <= reach) {
-            stray.rest.Add(point);
-        } else {
-            ++stray.count;
-            farthest = std::max(farthest, std::hypot(point.x - middle.x, point.y - middle.y));
-        }
+        if (distance(point) <= reach) stray.rest.Add(point);
     });
-    stray.distance = farthest;
+    ForEachPoint(scene, [&](Point point) {
+        if (distance(point) <= reach) return;
+        ++stray.count;
+        const double away = DistanceTo(stray.rest, point);
+        if (away <= stray.distance) return;
+        stray.distance = away;
+        stray.farthest = point;
+    });
     return stray.count > 0 ? std::optional(stray) : std::nullopt;
 }
 

@@ -12,7 +12,8 @@ namespace vemrado::draw {
 
 struct StrayPoints {
     uint64_t count = 0;
-    double distance = 0;  // m; of the farthest from the rest
+    Point farthest;
+    double distance = 0;  // m; of the farthest from the box of the rest
     Box rest;             // of all others
 };
 

@@ -23,6 +23,7 @@ struct Box {
     bool IsEmpty() const { return !(minX <= maxX && minY <= maxY); }
     double Width() const { return maxX - minX; }
     double Height() const { return maxY - minY; }
+    Point Middle() const { return {(minX + maxX) / 2, (minY + maxY) / 2}; }
     bool Contains(Point p) const { return p.x >= minX && p.x <= maxX && p.y >= minY && p.y <= maxY; }
     bool Meets(const Box& other) const {
         return minX <= other.maxX && maxX >= other.minX && minY <= other.maxY && maxY >= other.minY;

@@ -44,6 +44,10 @@ void AtomicOutput::Commit() {
     temporary.clear();
 }
 
+void AtomicOutput::Abandon() const {
+    if (!temporary.empty()) std::remove(temporary.c_str());
+}
+
 // The destructor of a finished object removes the temporary file; in the constructor there is none yet.
 void AtomicOutput::Fail(int error) {
     throw OutputError(

@@ -31,6 +31,9 @@ class AtomicOutput {
     // Puts the file in place. Nothing can be written afterwards.
     void Commit();
 
+    // Removes what is not in place, for a process that is about to end while another thread writes.
+    void Abandon() const;
+
   private:
     [[noreturn]] void Fail(int error);
 

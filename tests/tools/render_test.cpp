@@ -79,6 +79,16 @@ TEST(Render, RefusesAndLeavesTheOldPicture) {
         {{map, "-o", folder.Path("nowhere/map.png")}, 3, "nowhere"},
         {{map, "-o", folder.Path("map.html"), "--layers", "1"}, 2, "--layers: does not apply to a page"},
         {{map, map, "-o", folder.Path("map.html")}, 2, "a page for the browser holds one map"},
+        {{map, "-o", picture, "--page", "a4"}, 2, "--page: pages are made as PDF"},
+        {{map, "-o", folder.Path("p.pdf"), "--page", "a9"}, 2, "there is no paper 'a9'"},
+        {{map, "-o", folder.Path("p.pdf"), "--page", "20x300"}, 2, "100 to 5080 mm"},
+        {{map, "-o", folder.Path("p.pdf"), "--page", "a4", "--width", "9"}, 2, "exclude each other"},
+        {{map, "-o", folder.Path("p.pdf"), "--landscape"}, 2, "--landscape needs --page"},
+        {{map, "-o", picture, "--scale", "fit"}, 2, "--scale fit needs --page"},
+        {{map, "-o", picture, "--scale", "0.5"}, 2, "'0.5' is no scale"},
+        {{map, "-o", folder.Path("p.pdf"), "--page", "a6", "--scale", "1"},
+         2,
+         "more than 400 pages at 1 : 1;"},
     };
     for (const auto& test : cases) {
         std::vector<std::string> arguments = test.arguments;
@@ -98,6 +108,46 @@ TEST(Render, RefusesAndLeavesTheOldPicture) {
     EXPECT_EQ(FileBytes(picture).substr(1, 3), "PNG");
 }
 
+// 100 m by 30 m of ground, with a text over the edge between two pages and a number on each.
+TEST(Render, SpreadsAMapOverPagesWithAnOverview) {
+    const TestFolder folder;
+    const std::string map = folder.Add("map.vkm",
+                                       "&R 0 0 0 0 1000\n&U 1\n&L P 0 0 K=21900\nL 0 30\nL 100 30\nL 100 0\n"
+                                       "&T 50 10 '2109/1' H=2 D=5\n&T 5 10 '17' H=2\n&K\n");
+    const struct {
+        std::vector<std::string> options;
+        const char* pages;               // of pdfinfo, without what separates them
+        int numbers;                     // 2109/1 on the overview and on one page, not cut on both
+        std::vector<const char*> texts;  // of the whole, each page's before the next
+    } cases[] = {
+        {{"--page", "a4"}, "1 595.276 x 841.89 pts (A4)", 1, {"Scale 1 : 1000", "page 1 / 1"}},
+        {{"--page", "A5", "--landscape", "--scale", "500"},
+         "3 595.276 x 419.528 pts",
+         2,
+         {"Parts: 2, Scale 1 : 500", "page 1 / 3", "2109/1", "page 3", "page 2 / 3", "page 2", "page 3 / 3"}},
+        {{"--page", "100x120", "--scale", "fit", "--legend"},
+         "2 283.465 x 340.157 pts",
+         1,
+         {"Scale 1 : 2000", "page 1 / 2", "parcel boundary", "page 2 / 2"}},
+    };
+    for (const auto& test : cases) {
+        std::vector<std::string> arguments = {"render", map, "-o", folder.Path("map.pdf")};
+        arguments.insert(arguments.end(), test.options.begin(), test.options.end());
+        const RunResult run = RunVkm(arguments);
+        EXPECT_EQ(run.exitCode, 0) << run.errors;
+        const std::string command = "cd " + folder.Path("") +
+                                    " && pdftotext map.pdf && pdfinfo map.pdf | sed -n " +
+                                    "'s/^Pages: *//p; s/^Page size: *//p' | tr '\\n' ' ' > info.txt";
+        ASSERT_EQ(system(command.c_str()), 0);
+        EXPECT_EQ(FileBytes(folder.Path("info.txt")), std::string(test.pages) + " ");
+        const std::string texts = FileBytes(folder.Path("map.txt"));
+        for (const char* text : test.texts) EXPECT_TRUE(Holds(texts, text)) << text << "\n" << texts;
+        int numbers = 0;
+        for (size_t at = 0; (at = texts.find("2109/1", at)) != std::string::npos; ++at) ++numbers;
+        EXPECT_EQ(numbers, test.numbers) << texts;
+    }
+}
+
 // One wrong point must not cost more than the rest of the map, and a text at the edge must not read as
 // another one.
 TEST(Render, StaysSmallWhereAPointIsFarAway) {
@@ -111,6 +161,7 @@ TEST(Render, StaysSmallWhereAPointIsFarAway) {
         EXPECT_EQ(run.exitCode, 0);
         EXPECT_TRUE(Holds(run.errors, "one point lies 1281 km from the rest; --bbox=-1043060,-743060,"))
             << run.errors;
+        EXPECT_TRUE(Holds(run.errors, "leaves it out (it is at 0.00 0.00)")) << run.errors;
         EXPECT_LT(FileBytes(folder.Path(name)).size(), 100'000U) << name;
     }
     EXPECT_TRUE(Holds(FileBytes(folder.Path("far.svg")), ">-600000</text>"));

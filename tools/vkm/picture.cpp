@@ -1,6 +1,7 @@
 #include "picture.h"
 
 #include <algorithm>
+#include <cstdlib>
 
 #include "client/atomic_output.h"
 #include "client/standard_input.h"
@@ -8,6 +9,7 @@
 #include "client/system.h"
 #include "program.h"
 #include "progress_bar.h"
+#include "stop_watch.h"
 #include "translations.h"
 #include "watched_canvas.h"
 
@@ -17,7 +19,9 @@ namespace {
 constexpr double millimetresPerInch = 25.4;
 constexpr double pixelsPerInch = 96;  // of SVG and PDF pictures on screens
 
-draw::Format FormatOfFile(const PictureOptions& options) {
+}  // namespace
+
+draw::Format FormatOf(const PictureOptions& options) {
     draw::Format format = draw::Format::png;
     if (!options.format.empty()) {
         if (draw::FormatOf("." + options.format, format)) return format;
@@ -36,8 +40,6 @@ draw::Format FormatOfFile(const PictureOptions& options) {
     }
     return format;
 }
-
-}  // namespace
 
 void AddPictureOptions(Program& program, CLI::App& command, PictureOptions& options, bool required) {
     CLI::Option* output = command.add_option(
@@ -78,7 +80,7 @@ void AddAngleUnitOption(Program& program, CLI::App& command, draw::AngleUnit& un
 
 void CheckPicture(const PictureOptions& options) {
     try {
-        draw::CheckSupport(FormatOfFile(options));
+        draw::CheckSupport(FormatOf(options));
     } catch (const draw::Unsupported& error) {
         throw Failure(exitUsage, client::SystemTextToUtf8(options.file) + ": " + error.what());
     }
@@ -95,8 +97,10 @@ double Resize(const PictureOptions& options, draw::Format format, draw::PageSize
     return options.dotsPerInch;
 }
 
-void DrawTo(const draw::ByteSink& sink, const PictureOptions& options, const Picture& picture) {
-    const draw::Format format = FormatOfFile(options);
+// The function ends the process.
+void DrawTo(const draw::ByteSink& sink, const PictureOptions& options, const Picture& picture,
+            const std::function<void()>& end) {
+    const draw::Format format = FormatOf(options);
     draw::PageSize page = picture.page;
     const double dotsPerInch = Resize(options, format, page);
     const auto things = static_cast<double>(std::max<uint64_t>(picture.things, 1));
@@ -110,7 +114,15 @@ void DrawTo(const draw::ByteSink& sink, const PictureOptions& options, const Pic
         return bar.Draw(std::min(1.0, static_cast<double>(drawn) / things));
     });
     picture.draw(watched);
+    // Of a large PDF page the drawing library makes bytes only after a long time that nothing interrupts.
+    const StopWatch watch(end);
     watched.Finish();
+}
+
+std::string StoppedText(bool streams, const std::string& name) {
+    return Filled(streams ? "{}: stopped on request; the picture is partial"
+                          : "{}: stopped on request; no picture was made",
+                  {name});
 }
 
 }  // namespace
@@ -119,19 +131,23 @@ void MakePicture(const PictureOptions& options, const Picture& picture, Environm
     const bool streams = options.file == client::standardInputName;
     const std::string name = streams ? "standard output" : client::SystemTextToUtf8(options.file);
     try {
+        const auto end = [&](const client::AtomicOutput* output) {
+            if (output != nullptr) output->Abandon();
+            environment.Error(StoppedText(streams, name));
+            std::_Exit(exitInput);
+        };
         if (streams) {
-            DrawTo([&](std::string_view bytes) { environment.output.Write(bytes); }, options, picture);
+            DrawTo([&](std::string_view bytes) { environment.output.Write(bytes); }, options, picture,
+                   [&] { end(nullptr); });
             return;
         }
         client::AtomicOutput output(options.file);
-        DrawTo([&](std::string_view bytes) { output.Write(bytes); }, options, picture);
+        DrawTo([&](std::string_view bytes) { output.Write(bytes); }, options, picture, [&] { end(&output); });
         output.Commit();
     } catch (const client::OutputError& error) {
         throw Failure(exitInternal, error.what());
     } catch (const DrawingStopped&) {
-        throw Failure(exitInput, Filled(streams ? "{}: stopped on request; the picture is partial"
-                                                : "{}: stopped on request; no picture was made",
-                                        {name}));
+        throw Failure(exitInput, StoppedText(streams, name));
     } catch (const draw::TooLarge& error) {
         throw Failure(exitUsage, name + ": " + error.what());
     } catch (const draw::Unsupported& error) {

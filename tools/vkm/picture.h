@@ -28,6 +28,7 @@ void AddPictureOptions(Program& program, CLI::App& command, PictureOptions& opti
 void AddAngleUnitOption(Program& program, CLI::App& command, draw::AngleUnit& unit);
 
 // Throws Failure when neither the format nor the file's name says a kind of picture.
+draw::Format FormatOf(const PictureOptions& options);
 void CheckPicture(const PictureOptions& options);
 
 // A picture to be made.

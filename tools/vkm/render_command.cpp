@@ -23,6 +23,7 @@
 #include "map/diff.h"
 #include "map_page.h"
 #include "map_states.h"
+#include "paper.h"
 #include "picture.h"
 #include "program.h"
 #include "reading.h"
@@ -36,6 +37,8 @@ struct RenderOptions {
     PictureOptions picture;
     draw::SceneOptions scene;
     draw::SheetOptions sheet;
+    PaperOptions paper;
+    draw::PageOptions pages;  // as paper says
     EncodingChoice encoding;
     std::vector<std::string> layers;
     std::vector<double> box;
@@ -101,6 +104,12 @@ std::string BoxText(const draw::Box& box) {
     return text;
 }
 
+std::string PlaceText(draw::Point point) {
+    char text[160];
+    std::snprintf(text, sizeof text, "%.2f %.2f", point.x + 0.0, point.y + 0.0);  // 0 for -0
+    return text;
+}
+
 void WarnOfStrayPoints(const draw::Scene& scene, const std::string& name, Environment& environment) {
     const auto stray = draw::FindStrayPoints(scene);
     if (!stray) return;
@@ -108,12 +117,15 @@ void WarnOfStrayPoints(const draw::Scene& scene, const std::string& name, Enviro
     char distance[40];
     std::snprintf(distance, sizeof distance, kilometres < 10 ? "%.1f" : "%.0f", kilometres);
     const std::string box = BoxText(stray->rest);
+    const std::string place = PlaceText(stray->farthest);
     if (stray->count == 1) {
         environment.Warn(
-            Filled("{}: one point lies {} km from the rest; --bbox={} leaves it out", {name, distance, box}));
+            Filled("{}: one point lies {} km from the rest; --bbox={} leaves it out (it is at {})",
+                   {name, distance, box, place}));
     } else {
-        environment.Warn(Filled("{}: {} points lie up to {} km from the rest; --bbox={} leaves them out",
-                                {name, std::to_string(stray->count), distance, box}));
+        environment.Warn(Filled(
+            "{}: {} points lie up to {} km from the rest; --bbox={} leaves them out (the farthest is at {})",
+            {name, std::to_string(stray->count), distance, box, place}));
     }
 }
 
@@ -129,6 +141,8 @@ void CheckRenderOptions(RenderOptions& options, const std::vector<Input>& inputs
     options.scene.layers = LayersOf(options.layers);
     options.scene.symbols = !options.noSymbols;
     options.sheet.pixels = options.picture.width;
+    options.pages = ReadPaper(options.paper, options.picture);
+    options.sheet.mapScale = options.pages.mapScale;
     CheckPicture(options.picture);
     for (const Input& input : inputs) RefuseInputAsOutput(input.name, options.picture.file);
     std::string& title = options.sheet.title;
@@ -260,6 +274,32 @@ int MakePage(const RenderOptions& options, const std::vector<Input>& inputs, Env
     return complete ? exitDone : exitInput;
 }
 
+void DrawPages(const draw::Scene& scene, const RenderOptions& options, const std::string& name,
+               Environment& environment) {
+    draw::PageOptions wanted = options.pages;
+    wanted.box = options.sheet.box;
+    wanted.legend = options.sheet.legend;
+    wanted.title = options.sheet.title;
+    const draw::MapPages pages(scene, wanted);
+    if (pages.TooMany()) {
+        throw Failure(exitUsage,
+                      Filled("{}: takes more than {} pages at 1 : {}; take larger paper, another --scale, or "
+                             "a part by --bbox",
+                             {name, std::to_string(draw::MapPages::mostParts),
+                              std::to_string(std::llround(pages.MapScale()))}));
+    }
+    const Picture picture{pages.FirstPage(), wanted.title, pages.Count(),
+                          [&](draw::Canvas& canvas) { pages.Draw(canvas); }};
+    MakePicture(options.picture, picture, environment);
+}
+
+void DrawSheet(const draw::Scene& scene, const RenderOptions& options, Environment& environment) {
+    const draw::MapSheet sheet(scene, options.sheet);
+    const Picture picture{sheet.Page(), options.sheet.title, sheet.Count(),
+                          [&](draw::Canvas& canvas) { sheet.Draw(canvas); }};
+    MakePicture(options.picture, picture, environment);
+}
+
 int RunRender(RenderOptions options, Environment& environment) {
     const std::vector<Input> inputs = FindInputs(options.inputs);
     if (WantsPage(options.picture)) return MakePage(options, inputs, environment);
@@ -284,10 +324,11 @@ int RunRender(RenderOptions options, Environment& environment) {
     const std::string name = ShownName(inputs.front());
     CheckScene(scene, options, name, environment);
     if (options.sheet.title.empty()) options.sheet.title = client::Printable(TitleOf(name));
-    const draw::MapSheet sheet(scene, options.sheet);
-    const Picture picture{sheet.Page(), options.sheet.title, sheet.Count(),
-                          [&](draw::Canvas& canvas) { sheet.Draw(canvas); }};
-    MakePicture(options.picture, picture, environment);
+    if (options.paper.Wanted()) {
+        DrawPages(scene, options, name, environment);
+    } else {
+        DrawSheet(scene, options, environment);
+    }
     return outcome == ReadOutcome::complete ? exitDone : exitInput;
 }
 
@@ -311,6 +352,7 @@ It takes one map, --encoding and --data; the rest is chosen in the page.)",
         {{"vkm render town.vkm -o town.png --legend", "a map sheet with frame, title and legend"},
          {"vkm render town.vkm -o town.svg --layers 1,4", "boundaries and buildings to go on drawing with"},
          {"vkm render town.vkm -o part.pdf --bbox=-742900,-1043100,-742700,-1043000", "a part, to scale"},
+         {"vkm render town.vkm -o town.pdf --page a3 --landscape", "pages to print, with an overview"},
          {"vkm render new.vkm --changes old.vkm -o diff.png", "what is new, over the map in grey"},
          {"vkm render sheets/ -o country.png --width 2000", "many sheets at a glance"},
          {"vkm render town.vkm -o town.html", "a page with the map inside"}}};
@@ -326,6 +368,7 @@ It takes one map, --encoding and --data; the rest is chosen in the page.)",
     CLI::Option& format = *command.get_option("--format");
     program.SetChoices(*format.description("Kind of the picture: png, svg, pdf or html"),
                        {"png", "svg", "pdf", std::string(pageFormat)});
+    AddPaperOptions(program, command, options->paper);
     command
         .add_option(
             "--changes", options->oldFile,

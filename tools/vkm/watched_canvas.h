@@ -20,6 +20,7 @@ class WatchedCanvas : public draw::Canvas {
 
     void DefinePen(const draw::Pen& pen) override { target.DefinePen(pen); }
     void DefineSymbol(const draw::SymbolShape& shape) override { target.DefineSymbol(shape); }
+    void NewPage(const draw::PageSize& page, double smallest) override { target.NewPage(page, smallest); }
     void BeginGroup(const std::string& id, const std::string& label) override {
         target.BeginGroup(id, label);
     }
