@@ -47,8 +47,9 @@ bool AddStyle(GDALDataset& geoPackage, OGRLayer& layer, const std::string& qml, 
     return table->CreateFeature(&row) == OGRERR_NONE;
 }
 
-LayerStyles::LayerStyles(const std::string& dataDirectory, double mapScale, int axisOrientation)
-    : symbology(Symbology::Of(dataDirectory)), look{*symbology, mapScale, axisOrientation} {}
+LayerStyles::LayerStyles(const std::string& dataDirectory, double mapScale, bool scaleOfFeatures,
+                         int axisOrientation)
+    : symbology(Symbology::Of(dataDirectory)), look{*symbology, mapScale, scaleOfFeatures, axisOrientation} {}
 
 std::string LayerStyles::QmlOf(std::string_view layer) const {
     if (layer == "lines") return LinesQml(look);

@@ -21,7 +21,8 @@ bool AddStyle(GDALDataset& geoPackage, OGRLayer& layer, const std::string& qml, 
 
 class LayerStyles {
   public:
-    LayerStyles(const std::string& dataDirectory, double mapScale, int axisOrientation);
+    // scaleOfFeatures: lengths follow the field map_scale, and mapScale where there is none.
+    LayerStyles(const std::string& dataDirectory, double mapScale, bool scaleOfFeatures, int axisOrientation);
 
     // The style document of a layer of that name.
     std::string QmlOf(std::string_view layer) const;

@@ -59,9 +59,13 @@ std::string PenColour(const Symbology& symbology) {
     return expression + " ELSE '#000000' END";
 }
 
-std::string TextIsDrawable(double mapScale) {
-    return CPLString().Printf("\"height\" > 0 AND \"height\" <= %g AND \"rotation\" IS NOT NULL",
-                              map::tallestText * mapScale / 1000.0);
+std::string TextIsDrawable(const std::string& groundPerMillimetre) {
+    return CPLString().Printf("\"height\" > 0 AND \"height\" <= %g * %s AND \"rotation\" IS NOT NULL",
+                              map::tallestText, groundPerMillimetre.c_str());
+}
+
+std::string OnGround(const std::string& millimetres) {
+    return millimetres + " * if(\"map_scale\" > 0, \"map_scale\", 1000) / 1000";
 }
 
 std::string TextAcross() {

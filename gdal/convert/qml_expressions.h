@@ -12,6 +12,9 @@ namespace vemrado::gdal {
 // The U value in the field "rotation" as QGIS turns things.
 std::string ClockwiseAngle(int axisOrientation);
 
+// Metres on the ground of a length on paper, by the field "map_scale".
+std::string OnGround(const std::string& millimetres);
+
 // A symbol's size on the ground by its scale; 0, which is not drawn, where scale or rotation are no such
 // thing.
 std::string SymbolSize(const std::string& sizeOfScale1);
@@ -20,7 +23,7 @@ std::string SymbolSize(const std::string& sizeOfScale1);
 std::string PenColour(const Symbology& symbology);
 
 // Of texts, from "height", "d_value" and "f_value".
-std::string TextIsDrawable(double mapScale);
+std::string TextIsDrawable(const std::string& groundPerMillimetre);
 std::string TextAcross();
 std::string TextUpright(bool mirrored);
 std::string TextFamily();

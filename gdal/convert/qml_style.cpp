@@ -110,6 +110,19 @@ double GroundPerMillimetre(const MapLook& look) {
     return map::UsableScale(look.mapScale) / 1000.0;
 }
 
+// The lengths of a pen by the map scale of each feature.
+std::vector<Dynamic> LineDynamics(const map::Pen& pen, const MapLook& look) {
+    if (!look.scaleOfFeatures) return {};
+    std::string dashes;
+    for (const double length : pen.dashes)
+        dashes += (dashes.empty() ? "" : " || ';' || ") + OnGround(Number(length));
+    std::vector<Dynamic> expressions = {{"outlineWidth", OnGround(Number(pen.width))}};
+    if (pen.dashes.empty()) return expressions;
+    expressions.push_back({"customDash", dashes});
+    expressions.push_back({"dashPatternOffset", OnGround(Number(pen.dashOffset))});
+    return expressions;
+}
+
 std::vector<Property> LineProperties(const map::Pen& pen, double ground) {
     std::string dashes;
     for (const double length : pen.dashes) dashes += (dashes.empty() ? "" : ";") + Number(length * ground);
@@ -184,8 +197,9 @@ std::string LinesQml(const MapLook& look) {
             const XmlText::Element symbols(xml, "symbols");
             size_t number = 0;
             for (const auto& [code, named] : pens)
-                AddSymbol(xml, "line", number++, "SimpleLine", LineProperties(named.pen, ground));
-            AddSymbol(xml, "line", number, "SimpleLine", LineProperties({}, ground));
+                AddSymbol(xml, "line", number++, "SimpleLine", LineProperties(named.pen, ground),
+                          LineDynamics(named.pen, look));
+            AddSymbol(xml, "line", number, "SimpleLine", LineProperties({}, ground), LineDynamics({}, look));
         }
         AddDrawingOrder(xml);
     };
@@ -206,18 +220,22 @@ std::string PointsQml(const MapLook& look) {
         const XmlText::Element elements(xml, "symbols");
         size_t number = 0;
         for (const auto& [code, named] : symbols) {
-            const std::string size = Number(2.0 * PictureReach(named.drawing) * ground);
+            const std::string size = Number(2.0 * PictureReach(named.drawing));
+            const std::string scaled = Number(2.0 * PictureReach(named.drawing) * ground);
+            std::vector<Dynamic> expressions = {
+                {"size", SymbolSize(look.scaleOfFeatures ? OnGround(size) : scaled)},
+                {"angle", ClockwiseAngle(look.axisOrientation)},
+                {"outlineColor", PenColour(look.symbology)}};
+            if (look.scaleOfFeatures) expressions.push_back({"outlineWidth", OnGround(Number(symbolWidth))});
             AddSymbol(xml, "marker", number++, "SvgMarker",
                       {{"name", Picture(named.drawing, mirrored)},
-                       {"size", size},
+                       {"size", scaled},
                        {"size_unit", mapUnit},
                        {"angle", "0"},
                        {"outline_color", "0,0,0,255"},
                        {"outline_width", Number(symbolWidth * ground)},
                        {"outline_width_unit", mapUnit}},
-                      {{"size", SymbolSize(size)},
-                       {"angle", ClockwiseAngle(look.axisOrientation)},
-                       {"outlineColor", PenColour(look.symbology)}});
+                      expressions);
         }
     };
     return Document({{"type", "categorizedSymbol"}, {"attr", "symbol"}}, false, fill, nothing);
@@ -239,7 +257,8 @@ std::string TextsQml(const MapLook& look) {
         xml.Leaf("rendering", {{"displayAll", "1"}, {"obstacle", "0"}});
         AddDynamic(xml, "dd_properties",
                    {{"Size", "\"height\" / 0.729"},  // of the em; the height is that of a capital letter
-                    {"Show", TextIsDrawable(map::UsableScale(look.mapScale))},
+                    {"Show", TextIsDrawable(look.scaleOfFeatures ? OnGround("1")
+                                                                 : Number(GroundPerMillimetre(look)))},
                     {"PositionX", "$x"},
                     {"PositionY", "$y"},
                     {"LabelRotation", ClockwiseAngle(look.axisOrientation)},

@@ -12,6 +12,7 @@ namespace vemrado::gdal {
 struct MapLook {
     const Symbology& symbology;
     double mapScale = 1000.0;
+    bool scaleOfFeatures = false;  // each has its own in the field map_scale
     int axisOrientation = 128;
 };
 

@@ -102,6 +102,9 @@ class Convert(unittest.TestCase):
         self.convert("map.vkm", "other.vkm", "-o", "out.gpkg")
         wanted = [(name, text["text"]) for name, made in (("map.vkm", MAP), ("other.vkm", other)) for text in made.texts]
         self.assertEqual(wanted, values_of(self.path("out.gpkg"), "texts", "source", "text"))
+        # Every sheet is drawn at its own scale.
+        for layer, style in values_of(self.path("out.gpkg"), "layer_styles", "f_table_name", "styleQML"):
+            self.assertIn("map_scale", style, layer)
 
     def test_many_inputs_become_an_output_each(self):
         for number in range(7):
@@ -163,6 +166,7 @@ class Convert(unittest.TestCase):
                                       (["map.vkm", "-o", "x.nothing"], 2, "nothing"),
                                       (["map.vkm", "-o", "x.gpkg", "--layers", "roads"], 2, "roads"),
                                       (["map.vkm", "-o", "x.gpkg", "--srs", "nowhere"], 2, "nowhere"),
+                                      (["map.vkm", "-o", "x.gpkg", "--open-option", "SPLIT=NO"], 2, "SPLIT"),
                                       (["map.vkm", "-o", "map.vkm", "--format", "gpkg"], 2, "map.vkm"),
                                       (["-", "-", "-o", "x.gpkg"], 2, "only once"),
                                       (["map.vkm", "-o", "/dev/null", "--format", "gpkg"], 2, "/dev/null"),

@@ -1,23 +1,29 @@
-"""Draws a VKM file and a GeoPackage made from it with QGIS, without a display, and checks what comes out.
+"""Draws a VKM file, and a GeoPackage and a database made from it, with QGIS, without a display, and checks what comes out.
 
-qgis_render.py MAP.vkm MAP.gpkg REFERENCE.png FOLDER XMIN,YMIN,XMAX,YMAX
+qgis_render.py VKM MAP.vkm FOLDER XMIN,YMIN,XMAX,YMAX
 
-GDAL_DRIVER_PATH names the plugin's folder. REFERENCE is the same part of the map as `vkm render` draws it; the pictures
-of QGIS have its size and come to stand in FOLDER.
+VKM is the program, GDAL_DRIVER_PATH names the plugin's folder. Every picture of QGIS is compared with the same part of the
+map as `vkm render` draws it; all of them come to stand in FOLDER.
 """
 
 import collections
 import os
+import re
+import subprocess
 import sys
 
 os.environ.setdefault("QT_QPA_PLATFORM", "offscreen")
 
-from qgis.core import QgsApplication, QgsMapRendererSequentialJob, QgsMapSettings, QgsRectangle, QgsVectorLayer
+from qgis.core import QgsApplication, QgsDataSourceUri, QgsMapRendererSequentialJob, QgsMapSettings, QgsRectangle, QgsVectorLayer
 from qgis.PyQt.QtCore import QSize
 from qgis.PyQt.QtGui import QColor, QImage
 
-VKM, GPKG, REFERENCE, FOLDER, BOX = sys.argv[1:]
-LAYERS = ("lines", "points", "texts")
+from postgis_server import Server
+
+PROGRAM, MAP, FOLDER = sys.argv[1:4]
+BOX = [float(number) for number in sys.argv[4].split(",")]
+EMBEDDED = dict.fromkeys(("lines", "points", "texts"), "embeddedSymbol")
+STYLED = {"lines": "categorizedSymbol", "points": "categorizedSymbol", "texts": "nullSymbol"}
 faults = []
 
 
@@ -27,21 +33,49 @@ def check(good, text):
         faults.append(text)
 
 
-def open_layers(path, kinds):
-    layers = []
-    for name in LAYERS:
-        layer = QgsVectorLayer(f"{path}|layername={name}", name, "ogr")
-        check(layer.isValid() and layer.featureCount() > 0, f"{path}: layer {name} is valid and has features")
-        check(layer.crs().authid() == "EPSG:5514", f"{path}: layer {name} is in EPSG:5514")
-        check(layer.renderer().type() == kinds[name], f"{path}: layer {name} is drawn by {layer.renderer().type()}")
-        layers.append(layer)
+def path(name):
+    return os.path.join(FOLDER, name)
+
+
+def vkm(command, *arguments):
+    subprocess.run([PROGRAM, command, "--quiet", *arguments], check=True)
+
+
+def reference_of(map_file, name, box):
+    vkm("render", map_file, "-o", path(name), "--bbox=" + ",".join(map(str, box)), "--width", "1200")
+    image = QImage(path(name)).convertToFormat(QImage.Format_RGB32)
+    check(image.width() > 0, f"{name} can be read")
+    return image
+
+
+def checked(layers, kinds, shown):
+    for layer in layers:
+        name = layer.name()
+        check(layer.isValid() and layer.featureCount() > 0, f"{shown}: layer {name} is valid and has features")
+        check(layer.crs().authid() == "EPSG:5514", f"{shown}: layer {name} is in EPSG:5514")
+        check(layer.renderer().type() == kinds[name], f"{shown}: layer {name} is drawn by {layer.renderer().type()}")
+    check(kinds is EMBEDDED or layers[2].labelsEnabled(), f"{shown}: texts are labels")
     return layers
 
 
-def draw(layers, name, reference):
+def open_file(name, kinds):
+    return checked([QgsVectorLayer(f"{name}|layername={layer}", layer, "ogr") for layer in kinds], kinds, name)
+
+
+def open_tables(server, schema, kinds):
+    layers = []
+    for name in kinds:
+        uri = QgsDataSourceUri()
+        uri.setConnection(server.folder, "5432", "postgres", "test", "")
+        uri.setDataSource(schema, name, "geom", "", "id")
+        layers.append(QgsVectorLayer(uri.uri(False), name, "postgres"))
+    return checked(layers, kinds, schema)
+
+
+def draw(layers, name, reference, box):
     settings = QgsMapSettings()
     settings.setLayers(layers[::-1])  # the first is on top
-    settings.setExtent(QgsRectangle(*map(float, BOX.split(","))))
+    settings.setExtent(QgsRectangle(*box))
     settings.setOutputSize(QSize(reference.width(), reference.height()))
     # So many pixels to the inch that the map has its scale of 1:1000, for widths in millimetres.
     settings.setOutputDpi(reference.width() * 25.4 / settings.extent().width())
@@ -52,7 +86,7 @@ def draw(layers, name, reference):
     job.waitForFinished()
     check(not job.errors(), f"{name}: drawn without errors")
     image = job.renderedImage().convertToFormat(QImage.Format_RGB32)
-    check(image.save(os.path.join(FOLDER, name)), f"{name}: written")
+    check(image.save(path(name)), f"{name}: written")
     return image
 
 
@@ -90,19 +124,43 @@ def saturated(colour):
     return max(parts) - min(parts) > 60 or max(parts) < 20
 
 
+def write_at_2000(name, shift):
+    """The map again, at 1:2000 and so far to the west."""
+    with open(MAP, "rb") as file:
+        content = file.read()
+    content = re.sub(rb"(?m)^(&R .*) 1000 ", rb"\1 2000 ", content)
+    content = re.sub(rb"\b(74\d{4})\.(\d\d) (10\d{5}\.)", lambda found: b"%d.%s %s" % (int(found[1]) + shift, found[2], found[3]), content)
+    with open(path(name), "wb") as file:
+        file.write(content)
+
+
 def main():
     application = QgsApplication([], False)
     application.initQgis()
-    reference = QImage(REFERENCE).convertToFormat(QImage.Format_RGB32)
-    check(reference.width() > 0, f"{REFERENCE} can be read")
-    embedded = dict.fromkeys(LAYERS, "embeddedSymbol")
-    styled = {"lines": "categorizedSymbol", "points": "categorizedSymbol", "texts": "nullSymbol"}
-    from_map = open_layers(VKM, embedded)
-    from_package = open_layers(GPKG, styled)
-    check(from_package[2].labelsEnabled(), f"{GPKG}: texts are labels")
+    reference = reference_of(MAP, "vkm-render.png", BOX)
     # QGIS draws neither dashes nor labels of feature styles.
-    compare("qgis-vkm.png", draw(from_map[:2], "qgis-vkm.png", reference), reference, (0.6, 1.2), 0.1)
-    compare("qgis-gpkg.png", draw(from_package, "qgis-gpkg.png", reference), reference, (0.9, 1.1), 0.03)
+    compare("qgis-vkm.png", draw(open_file(MAP, EMBEDDED)[:2], "qgis-vkm.png", reference, BOX), reference, (0.6, 1.2), 0.1)
+    vkm("convert", MAP, "-o", path("town.gpkg"))
+    compare("qgis-gpkg.png", draw(open_file(path("town.gpkg"), STYLED), "qgis-gpkg.png", reference, BOX), reference, (0.9, 1.1), 0.03)
+
+    # Sheets of two scales in one output, each drawn as by itself.
+    shift = 5000
+    there = [BOX[0] - shift, BOX[1], BOX[2] - shift, BOX[3]]
+    write_at_2000("town-2000.vkm", shift)
+    larger = reference_of(path("town-2000.vkm"), "vkm-render-2000.png", there)
+    vkm("convert", MAP, path("town-2000.vkm"), "-o", path("scales.gpkg"))
+    both = open_file(path("scales.gpkg"), STYLED)
+    compare("qgis-scales-1000.png", draw(both, "qgis-scales-1000.png", reference, BOX), reference, (0.9, 1.1), 0.03)
+    compare("qgis-scales-2000.png", draw(both, "qgis-scales-2000.png", larger, there), larger, (0.9, 1.1), 0.03)
+
+    server = Server()
+    try:
+        vkm("convert", MAP, "-o", "PG:" + server.connection, "--schema", "gis")
+        tables = open_tables(server, "gis", STYLED)
+        compare("qgis-postgis.png", draw(tables, "qgis-postgis.png", reference, BOX), reference, (0.9, 1.1), 0.03)
+        del tables
+    finally:
+        server.stop()
     print(f"{len(faults)} faults")
     sys.exit(1 if faults else 0)
 
