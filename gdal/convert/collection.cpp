@@ -250,10 +250,10 @@ bool Collection::AddStyles() {
         if (Layers().Has(kind) && !Layers().WasThere(kind)) styled.push_back(Layers().Layer(kind));
     }
     if (styled.empty()) return true;
-    const LayerStyles styles(settings.dataDirectory, firstScale, request.manySheets,
-                             settings.axisOrientation);
-    if (Layers().IsGeoPackage()) return styles.AddTo(Layers().Dataset(), styled);
-    return AddPostgisStyles(Layers(), styles, request.schema, styled);
+    const auto styles =
+        LayerStyles::Of(settings.dataDirectory, firstScale, request.manySheets, settings.axisOrientation);
+    if (Layers().IsGeoPackage()) return styles->AddTo(Layers().Dataset(), styled);
+    return AddPostgisStyles(Layers(), *styles, request.schema, styled);
 }
 
 void Collection::WarnOfScales() const {

@@ -103,8 +103,9 @@ std::optional<Problem> Destination::OpenFile() {
     std::string reason;
     if (!staged->Make(reason)) return CannotWrite(reason);
     if (format.layout == Layout::separate) return std::nullopt;
-    // Until it is put in its place nobody minds what a crash of the machine leaves of it.
-    const CPLConfigOptionSetter careless("OGR_SQLITE_SYNCHRONOUS", "OFF", false);
+    // Until it is put in its place nobody minds what a crash leaves of it.
+    const CPLConfigOptionSetter unsynchronised("OGR_SQLITE_SYNCHRONOUS", "OFF", false);
+    const CPLConfigOptionSetter withoutJournalFile("OGR_SQLITE_JOURNAL", "MEMORY", false);
     if (!layers->Create(staged->PathOf(CPLGetFilename(path.c_str()))) || !layers->Begin()) return Failed();
     return std::nullopt;
 }

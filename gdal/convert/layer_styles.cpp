@@ -2,7 +2,8 @@
 
 #include <cpl_string.h>
 
-#include <string_view>
+#include <tuple>
+#include <utility>
 
 #include "qml_style.h"
 
@@ -51,11 +52,25 @@ LayerStyles::LayerStyles(const std::string& dataDirectory, double mapScale, bool
                          int axisOrientation)
     : symbology(Symbology::Of(dataDirectory)), look{*symbology, mapScale, scaleOfFeatures, axisOrientation} {}
 
-std::string LayerStyles::QmlOf(std::string_view layer) const {
-    if (layer == "lines") return LinesQml(look);
-    if (layer == "points") return PointsQml(look);
-    if (layer == "texts") return TextsQml(look);
-    return ParcelsQml(look);
+const std::string& LayerStyles::QmlOf(const std::string& layer) const {
+    std::string& document = documents[layer];
+    if (!document.empty()) return document;
+    if (layer == "lines") return document = LinesQml(look);
+    if (layer == "points") return document = PointsQml(look);
+    if (layer == "texts") return document = TextsQml(look);
+    return document = ParcelsQml(look);
+}
+
+// Thousands of outputs have the same styles.
+std::shared_ptr<const LayerStyles> LayerStyles::Of(const std::string& dataDirectory, double mapScale,
+                                                   bool scaleOfFeatures, int axisOrientation) {
+    using Key = std::tuple<std::string, double, bool, int>;
+    static std::pair<Key, std::shared_ptr<const LayerStyles>> last;
+    const Key key(dataDirectory, mapScale, scaleOfFeatures, axisOrientation);
+    if (last.second == nullptr || last.first != key)
+        last = {key,
+                std::make_shared<LayerStyles>(dataDirectory, mapScale, scaleOfFeatures, axisOrientation)};
+    return last.second;
 }
 
 bool LayerStyles::AddTo(GDALDataset& geoPackage, const std::vector<OGRLayer*>& layers) const {

@@ -5,9 +5,9 @@
 #include <gdal_priv.h>
 #include <ogrsf_frmts.h>
 
+#include <map>
 #include <memory>
 #include <string>
-#include <string_view>
 #include <vector>
 
 #include "qml_style.h"
@@ -24,8 +24,12 @@ class LayerStyles {
     // scaleOfFeatures: lengths follow the field map_scale, and mapScale where there is none.
     LayerStyles(const std::string& dataDirectory, double mapScale, bool scaleOfFeatures, int axisOrientation);
 
+    // The same from what was made last. One thread at a time.
+    static std::shared_ptr<const LayerStyles> Of(const std::string& dataDirectory, double mapScale,
+                                                 bool scaleOfFeatures, int axisOrientation);
+
     // The style document of a layer of that name.
-    std::string QmlOf(std::string_view layer) const;
+    const std::string& QmlOf(const std::string& layer) const;
     // Adds the table layer_styles to a GeoPackage, or to the one that is there, with a default style for each
     // layer. False when the table cannot be written, which is reported to GDAL.
     bool AddTo(GDALDataset& geoPackage, const std::vector<OGRLayer*>& layers) const;
@@ -33,6 +37,7 @@ class LayerStyles {
   private:
     std::shared_ptr<const Symbology> symbology;
     MapLook look;
+    mutable std::map<std::string, std::string> documents;  // made so far
 };
 
 }  // namespace vemrado::gdal

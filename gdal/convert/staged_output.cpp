@@ -9,6 +9,7 @@
 #include <cerrno>
 #include <cstdlib>
 #include <cstring>
+#include <set>
 
 #include "client/system.h"
 #include "converter.h"
@@ -24,8 +25,10 @@ StagedOutput::~StagedOutput() {
     VSIRmdirRecursive(folder.c_str());
 }
 
-// Processes that were killed leave theirs.
+// Processes that were killed leave theirs. A folder with thousands of outputs is looked at once.
 void StagedOutput::RemoveForsaken() const {
+    static std::set<std::string> lookedAt;
+    if (!lookedAt.insert(target).second) return;
     const CPLStringList names(VSIReadDir(target.c_str()));
     const std::string start = stagingFolderStart;
     for (int i = 0; i < names.Count(); ++i) {
