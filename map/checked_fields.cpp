@@ -46,9 +46,9 @@ void CheckedReading::TakeKey(const KeyField& found) {
     const uint32_t bit = uint32_t{1} << (found.key - 'A');
     const Field value = found.value;
     if (value.size() > 1 && IsLetter(value[0]) && value[1] == '=' && IsBlankBefore(value.data())) {
-        Report(Rule::keyWithoutValue,
-               {found.field.data(), static_cast<size_t>(value.data() - found.field.data() - 1)},
-               std::string(value));
+        Field upToEquals(found.field.data(), static_cast<size_t>(value.data() - found.field.data()));
+        while (IsBlank(upToEquals.back())) upToEquals.remove_suffix(1);
+        Report(Rule::keyWithoutValue, upToEquals, std::string(value));
         quiet = true;
     } else if ((keysSeen & bit) != 0) {
         Report(Rule::repeatedKey, found.field);

@@ -158,10 +158,11 @@ class LineComparison {
 
     // Where the segments of a run stood, which may have been in the other direction.
     int64_t OldLine(uint32_t first, uint32_t last) const {
-        int64_t line = INT64_MAX;
-        for (uint32_t i = first; i <= last; ++i)
-            line = std::min<int64_t>(line, Side(old, pairs.partner[i], pairs.partner[i]).fileLine);
-        return line;
+        const auto begin = pairs.partner.begin();
+        const auto [lowest, highest] = std::minmax_element(begin + first, begin + last + 1);
+        if (*highest - *lowest == last - first) return Side(old, *lowest, *highest).fileLine;
+        // From several strokes; the first of the file.
+        return old.vertices[*lowest].line;
     }
 
     void Write(const Change& change) { sink.Take(change); }

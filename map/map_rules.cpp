@@ -67,7 +67,12 @@ void MapRules::Text(const CheckedText& text, const CheckedLayer& layer) {
                      text.place, layer.number});
 }
 
+// What the map of a file that ends too early lacks is no fault of its own.
 void MapRules::Finish(FindingSink& sink) {
+    if (!reading->Complete()) {
+        for (const Rule rule : {Rule::freeEnd, Rule::parcelWithoutNumber})
+            rules.reset(static_cast<size_t>(rule));
+    }
     if (Wants(Rule::farFromRest)) FindFarPoints();
     if (Wants(Rule::equalPoints)) FindEqualPoints();
     if (Wants(Rule::doubledSegment)) FindDoubledSegments();

@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "map/box_tree.h"
 #include "map/checked_reading.h"
 #include "map/findings.h"
 
@@ -62,6 +63,14 @@ class MapRules : public ElementSink {
     void CheckCrossings(const std::vector<Point>& crossings);
     void CheckNumbers(const struct Parcels& parcels);
     void CheckAreas(const struct Parcels& parcels);
+    // Boundary segments through a place, by the vertices where they end; 0: none.
+    struct SegmentsAt {
+        uint32_t first = 0;
+        uint32_t last = 0;
+    };
+    SegmentsAt BoundaryThrough(Point point);
+    void IndexBoundarySegments();
+    Place PlaceOfCorner(Point point);
     const Vertex* BoundaryVertexAt(Point point) const;
     void SortBoundary();
 
@@ -73,7 +82,9 @@ class MapRules : public ElementSink {
     const CheckedReading* reading = nullptr;
     std::vector<Vertex> vertices;
     std::vector<PlacedText> texts;
-    std::vector<SegmentKey> boundary;  // vertices of the boundaries by their places
+    std::vector<SegmentKey> boundary;    // vertices of the boundaries by their places
+    std::vector<uint32_t> boundaryEnds;  // vertices at the ends of boundary segments
+    BoxTree boundaryTree;                // of those segments
     std::vector<Finding> findings;
 };
 

@@ -77,7 +77,44 @@ void MapRules::SortBoundary() {
     });
 }
 
-// Where a point of the parcels stands in the file; none for one that no element has.
+void MapRules::IndexBoundarySegments() {
+    constexpr ParcelLayers layers;
+    std::vector<Box> boxes;
+    for (uint32_t i = 1; i < vertices.size(); ++i) {
+        if (vertices[i].begins || vertices[i].layer != layers.boundaries) continue;
+        Box box;
+        box.Add(vertices[i - 1].point);
+        box.Add(vertices[i].point);
+        boxes.push_back(box);
+        boundaryEnds.push_back(i);
+    }
+    boundaryTree = BoxTree(boxes);
+}
+
+// The last two of the file. Few maps need them, so they are indexed when the first is asked for.
+MapRules::SegmentsAt MapRules::BoundaryThrough(Point point) {
+    constexpr double reach = 1e-3;  // m
+    if (boundaryEnds.empty()) IndexBoundarySegments();
+    Box near;
+    near.Add(point);
+    SegmentsAt segments;
+    boundaryTree.Search(near.Grown(reach), [&](uint32_t box) {
+        const uint32_t end = boundaryEnds[box];
+        if (DistanceToSegment(point, vertices[end - 1].point, vertices[end].point) > reach) return true;
+        segments.first = std::max(std::min(end, segments.last), segments.first);
+        segments.last = std::max(end, segments.last);
+        return true;
+    });
+    return segments;
+}
+
+// Where a corner of a parcel stands in the file: its element, or the segment on which boundaries cross there.
+Place MapRules::PlaceOfCorner(Point point) {
+    const Vertex* const vertex = BoundaryVertexAt(point);
+    return PlaceOf(vertex != nullptr ? *vertex : vertices[BoundaryThrough(point).last]);
+}
+
+// The first element at a point of the parcels; none where boundaries only cross.
 const MapRules::Vertex* MapRules::BoundaryVertexAt(Point point) const {
     const uint64_t hash = Hash().Add(KeyOf(point)).Value();
     auto at = std::lower_bound(boundary.begin(), boundary.end(), hash,
@@ -90,46 +127,20 @@ const MapRules::Vertex* MapRules::BoundaryVertexAt(Point point) const {
 
 void MapRules::CheckBoundaries(const Parcels& parcels) {
     for (const FreeEnd& end : parcels.freeEnds) {
-        const Vertex* vertex = BoundaryVertexAt(end.place);
         const std::string gap = std::isfinite(end.gap)
                                     ? "the nearest other one is " + Metres(end.gap) + " m away"
                                     : "no other one is near";
-        Report(Rule::freeEnd, vertex ? PlaceOf(*vertex) : Place(), end.place, gap);
+        Report(Rule::freeEnd, PlaceOfCorner(end.place), end.place, gap);
     }
 }
 
 // A crossing stands at the later one of the two segments in the file.
 void MapRules::CheckCrossings(const std::vector<Point>& crossings) {
-    if (crossings.empty()) return;
-    constexpr ParcelLayers layers;
-    std::vector<Box> boxes;
-    std::vector<uint32_t> ends;
-    for (uint32_t i = 1; i < vertices.size(); ++i) {
-        if (vertices[i].begins || vertices[i].layer != layers.boundaries) continue;
-        Box box;
-        box.Add(vertices[i - 1].point);
-        box.Add(vertices[i].point);
-        boxes.push_back(box);
-        ends.push_back(i);
-    }
-    const BoxTree tree(boxes);
     for (const Point& crossing : crossings) {
-        constexpr double reach = 1e-3;  // m
-        Box near;
-        near.Add(crossing);
-        uint32_t later = 0;
-        uint32_t earlier = 0;
-        tree.Search(near.Grown(reach), [&](uint32_t box) {
-            const uint32_t end = ends[box];
-            if (DistanceToSegment(crossing, vertices[end - 1].point, vertices[end].point) > reach)
-                return true;
-            earlier = std::max(std::min(end, later), earlier);
-            later = std::max(end, later);
-            return true;
-        });
-        if (later != 0)
-            Report(Rule::crossingWithoutPoint, PlaceOf(vertices[later]), crossing,
-                   std::to_string(vertices[earlier].line));
+        const SegmentsAt segments = BoundaryThrough(crossing);
+        if (segments.last == 0) continue;
+        Report(Rule::crossingWithoutPoint, PlaceOf(vertices[segments.last]), crossing,
+               std::to_string(vertices[segments.first].line));
     }
 }
 
@@ -175,7 +186,7 @@ void MapRules::CheckAreas(const Parcels& parcels) {
         const Ring& outer = parcel.area.rings.front();
         const Vertex* corner = nullptr;
         for (size_t i = 0; i < outer.size() && corner == nullptr; ++i) corner = BoundaryVertexAt(outer[i]);
-        const Place place = corner ? PlaceOf(*corner) : Place();
+        const Place place = corner ? PlaceOf(*corner) : PlaceOfCorner(outer.front());
         const Point point = corner ? corner->point : outer.front();
         const double width = 2 * parcel.area.size / std::max(Perimeter(parcel.area), 1e-9);
         if (width < leastWidth) {

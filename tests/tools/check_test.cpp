@@ -70,6 +70,28 @@ TEST(Check, ProgramsGetOneObjectALine) {
     EXPECT_EQ(std::ranges::count(run.output, '\n'), 5);
 }
 
+// Boundaries that only cross enclose a parcel without a corner of its own.
+TEST(Check, PlacesAreThoseOfTheFile) {
+    const std::string crossing =
+        "&V x 0 0\n&R 1 1 0 0 1000 A\n&U 1\n&L P 744810 1040300\n L 744810 1040400\n&L P 744890 1040300\n"
+        " L 744890 1040400\n&L P 744800 1040310\n L 744900 1040310\n&L P 744800 1040390\n L 744900 1040390\n"
+        "&U 2\n&T 744700 1040350 \"1\"\n";
+    const struct {
+        const char* rule;
+        std::string map;
+        std::string place;
+    } cases[] = {
+        {"parcel-without-number", crossing + "&K\n", "standard input:9:2: warning"},
+        {"parcel-without-number", crossing, "0 errors, 0 warnings"},  // of a map that was cut off
+        {"key-without-value", "&L P 1 2 S =  \t X=1\n&K\n",
+         "standard input:1:10: error: the key field 'S =' has"},
+    };
+    for (const auto& [rule, map, place] : cases) {
+        const RunResult run = RunVkm({"check", "--only", rule, "-"}, {.input = map});
+        EXPECT_TRUE(run.output.starts_with(place)) << run.output;
+    }
+}
+
 TEST(Check, SelectsRulesAndCountsAll) {
     const auto check = [](std::vector<std::string> options) {
         options.insert(options.begin(), "check");

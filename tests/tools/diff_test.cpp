@@ -53,6 +53,7 @@ TEST(Diff, TellsWhatWasEdited) {
         const char* changes;
     } cases[] = {
         {" L 2 1\n", " L 2 1 K=6\n", "changed line1:5:6 5,5; "},
+        {"&L P 1 1 K=5\n L 1 9", "&L P 1 1 K=6\n L 1 9 K=6", "changed line1:5:6 8,8; "},
         {"&L P 1 1 K=5\n L 1 9\n", "", "removed line1:5 8,null; "},
         {"&U 2\n", "&L P 7 7\n L 7 8\n&U 2\n", "added line1: null,10; "},
         {" L 1 9", " L 1 8", "removed line1:5 8,null; added line1:5 null,8; "},

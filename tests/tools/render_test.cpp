@@ -223,6 +223,12 @@ TEST(Render, DrawsChangesInColourOverAGreyMap) {
     }
     EXPECT_EQ(render(now, now, "--no-symbols").exitCode, 0);
     EXPECT_FALSE(Holds(FileBytes(folder.Path("diff.svg")), "<g id=\"changed\">"));
+    for (const auto& [tolerance, removed] :
+         {std::pair{"--tolerance=0.3", false}, std::pair{"--tolerance=0.1", true}}) {
+        render(folder.Add("near.vkm", head + "&T 9.2 9 'same' H=2\n&K\n"), now, tolerance);
+        EXPECT_EQ(Holds(FileBytes(folder.Path("diff.svg")), "<g id=\"removed\">"), removed) << tolerance;
+    }
+    EXPECT_EQ(RunVkm({"render", now, "--tolerance=1", "-o", folder.Path("x.svg")}).exitCode, 2);
     EXPECT_EQ(render(old, "-", "--legend").exitCode, 2);
     EXPECT_EQ(render(folder.Path("cut.vkm"), now, "--legend").exitCode, 1);
 }

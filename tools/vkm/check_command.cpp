@@ -191,7 +191,8 @@ void AddCheckCommand(Program& program) {
     command
         .add_option("--max", options->most,
                     "Show so many findings of each rule in a file (default: 10, with --json all)")
-        ->type_name("N");
+        ->type_name("N")
+        ->check(NoNegativeNumber());
     command
         .add_option("-o,--output", options->output,
                     "Write all findings as points too, in a format that GDAL writes, such as GeoPackage,\nor "

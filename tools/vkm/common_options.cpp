@@ -31,6 +31,23 @@ void AddFileArgument(CLI::App& command, std::string& file) {
         ->required();
 }
 
+CLI::Validator NoNegativeNumber() {
+    const auto check = [](std::string& text) {
+        double value = 0;
+        return CLI::detail::lexical_cast(text, value) && value >= 0
+                   ? std::string()
+                   : Filled("'{}' is no number from 0 on", {text});
+    };
+    return {check, ""};
+}
+
+CLI::Option* AddToleranceOption(CLI::App& command, double& tolerance) {
+    return command.add_option("--tolerance", tolerance, "Metres by which a text may have moved")
+        ->type_name("M")
+        ->capture_default_str()
+        ->check(NoNegativeNumber());
+}
+
 void RefuseInputAsOutput(const std::string& input, const std::string& output) {
     std::error_code none;
     if (input == client::standardInputName || output.empty() || output == client::standardInputName) return;

@@ -12,6 +12,9 @@ namespace vemrado::tools {
 class Environment;
 class Program;
 
+// Refuses what is no number from 0 on.
+CLI::Validator NoNegativeNumber();
+
 // Refuses what leads to no directory, by the names that the system's own functions take.
 CLI::Validator ExistingDirectory();
 
@@ -20,6 +23,9 @@ void AddFileArgument(CLI::App& command, std::string& file);
 
 // Throws Failure when an output would take the place of the input it is made from.
 void RefuseInputAsOutput(const std::string& input, const std::string& output);
+
+// --tolerance: metres by which a text that is compared may have moved.
+CLI::Option* AddToleranceOption(CLI::App& command, double& tolerance);
 
 struct EncodingChoice {
     client::Encoding encoding = client::Encoding::windows1250;

@@ -77,10 +77,7 @@ void AddDiffCommand(Program& program) {
     command.add_option("NEW", options->newFile, "The VKM file as it is; - is standard input")
         ->type_name("")
         ->required();
-    command.add_option("--tolerance", options->tolerance, "Metres by which a text may have moved")
-        ->type_name("M")
-        ->capture_default_str()
-        ->check(CLI::NonNegativeNumber);
+    AddToleranceOption(command, options->tolerance);
     command
         .add_option("-o,--output", options->output,
                     "Write the changes as features too, in a format that GDAL writes, such as GeoPackage")

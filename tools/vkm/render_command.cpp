@@ -44,6 +44,7 @@ struct RenderOptions {
     std::vector<double> box;
     bool noSymbols = false;
     std::string oldFile;  // draws what changed since that state; empty: the map as it is
+    double tolerance = map::usualTolerance;
     int axisOrientation = 128;
     const CLI::App* command = nullptr;
 };
@@ -212,7 +213,7 @@ draw::Scene FinishScene(draw::SceneBuilder& builder, const ComparedStates* state
                         const RenderOptions& options) {
     if (states == nullptr) return builder.Finish();
     draw::SceneChanges changes(builder, options.scene, states->oldEncoding);
-    map::CompareMaps(states->old, states->now, states->values, map::usualTolerance, changes);
+    map::CompareMaps(states->old, states->now, states->values, options.tolerance, changes);
     draw::Scene scene = builder.Finish();
     changes.AddTo(scene);
     return scene;
@@ -369,12 +370,14 @@ It takes one map, --encoding and --data; the rest is chosen in the page.)",
     program.SetChoices(*format.description("Kind of the picture: png, svg, pdf or html"),
                        {"png", "svg", "pdf", std::string(pageFormat)});
     AddPaperOptions(program, command, options->paper);
-    command
-        .add_option(
-            "--changes", options->oldFile,
-            "Draw in grey, with what changed since this older map in colour: added green, removed red, "
-            "changed and moved blue")
-        ->type_name("OLD");
+    CLI::Option* changes =
+        command
+            .add_option(
+                "--changes", options->oldFile,
+                "Draw in grey, with what changed since this older map in colour: added green, removed red, "
+                "changed and moved blue")
+            ->type_name("OLD");
+    AddToleranceOption(command, options->tolerance)->needs(changes);
     command.add_flag("--legend", options->sheet.legend,
                      "Add frame, title, grid, scale bar, north arrow and legend");
     command.add_option("--title", options->sheet.title, "Title (default: from the file's name)")
