@@ -101,6 +101,16 @@ def dtype_of(kind: Field) -> str:
     return _DTYPES.get(kind.kind, "O")
 
 
+_NAMES = {"i": "int32", "l": "int64", "g": "float64", "u": "text", "U": "text"}
+
+
+def type_name(kind: Field) -> str:
+    """``"int32"``, ``"text"``, ``"list of float64"`` and so on."""
+    if kind.kind in ("+l", "+L"):
+        return "list of " + type_name(kind.children[0])
+    return _NAMES.get(kind.kind, kind.kind)
+
+
 def _metadata(address: Optional[int]) -> dict[str, str]:
     if not address:
         return {}

@@ -80,6 +80,12 @@ class Table:
         return self._cache[column]
 
     @property
+    def types(self) -> dict[str, str]:
+        """What each column holds: ``"int32"``, ``"float64"``, ``"text"``, ``"list of int32"`` and so on."""
+        named = {field.name: _arrow.type_name(field) for field in self._kind.children}
+        return {column: named.get(column, "text") for column in self.columns}
+
+    @property
     def geometry(self) -> Geometry:
         """The geometry of the rows."""
         if self._geometry is None:
