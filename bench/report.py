@@ -11,6 +11,8 @@ import resource
 import subprocess
 import sys
 
+from conversion import Conversion
+
 programs = pathlib.Path("build/release/bin")
 work = pathlib.Path("build/bench")
 rows = []
@@ -195,6 +197,15 @@ def measure_gdal(megabytes):
             times["import"] / times[name])
 
 
+def measure_conversion(full):
+    """Thousands of small sheets and hundreds of large ones into one output, into one each and into a database."""
+    if not (programs / "bench_gdal").exists():
+        return
+    conversion = Conversion(programs, work, generated, row)
+    conversion.measure(13_000 if full else 1_300, 10_000)
+    conversion.measure(200 if full else 20, 5_000_000)
+
+
 def print_table():
     titles = ("Figure", "Value", "Reference", "Value", "Ratio")
     widths = [max(len(line[i]) for line in [titles, *rows]) for i in range(5)]
@@ -224,6 +235,7 @@ def main():
     measure_symbology()
     measure_parts()
     measure_gdal(1000 if "--full" in sys.argv[1:] else 64)
+    measure_conversion("--full" in sys.argv[1:])
     print_table()
 
 

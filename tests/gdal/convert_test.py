@@ -192,6 +192,22 @@ class Convert(unittest.TestCase):
                 self.assertRegex(said, rf"^vkm: .*full\.{ending}: cannot be written: .+\n$")
         self.assertEqual(["map.vkm"], os.listdir(self.folder))
 
+    def test_full_disk_ends_the_run_at_once(self):
+        self.sheets(*(f"in/{number}.vkm" for number in range(20)))
+        os.mkdir(self.path("disk"))
+        if subprocess.run(["mount", "-t", "tmpfs", "-o", "size=1m", "tmpfs", self.path("disk")], stderr=subprocess.DEVNULL).returncode:
+            self.skipTest("nobody but root can make a small disk")
+        self.addCleanup(subprocess.run, ["umount", self.path("disk")], check=True)
+        for output in ("disk/one.gpkg", "disk/one.fgb", "disk/each/"):
+            with self.subTest(output):
+                said = self.convert("in", "-o", output, "--report", "report.json", code=4)
+                self.assertEqual(1, said.count("No space left on device"), said)
+                self.assertNotIn("SQL", said)
+                made = [row for row in self.report().values() if row["made"]]
+                self.assertEqual(len(made), sum(len(files) for _, _, files in os.walk(self.path("disk"))))
+                self.assertIn(f"{len(made)} of 20 maps", said)
+                subprocess.run("rm -rf disk/*", shell=True, cwd=self.folder, check=True)
+
     def test_interrupt_leaves_nothing(self):
         made = MadeMap(13, 1000)
         made.rows[3:-1] *= 200
