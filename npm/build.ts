@@ -58,5 +58,5 @@ writeFileSync(
     declarations.replaceAll("../web/engine/types.js", "./types.js"),
 );
 writeFileSync(join(output, "dist/types.d.ts"), readFileSync("engine/types.ts"));
-for (const name of ["package.json", "README.md", "samples"])
+for (const name of ["package.json", "README.md", "notices.txt", "samples"])
     cpSync(join(source, name), join(output, name), { recursive: true });

@@ -1,13 +1,13 @@
 // The package as npm packs it, in a user's project in Node.
 
 import assert from "node:assert/strict";
-import { readdirSync } from "node:fs";
+import { readFileSync, readdirSync } from "node:fs";
 import { join } from "node:path";
 import { after, test } from "node:test";
-import { dumpOf, town } from "./places.ts";
+import { dumpOf, root, town } from "./places.ts";
 import { makeProject, tools } from "./project.ts";
 
-const project = makeProject();
+const project = makeProject("apache-arrow", "arrow-js-ffi", "proj4");
 after(() => project.remove());
 
 // What a script of the project's writes.
@@ -31,10 +31,11 @@ test("no dependency and nothing but what it needs", () => {
     const installed = readdirSync(join(project.folder, "node_modules")).filter(
         (name) => !name.startsWith("."),
     );
-    assert.deepEqual(installed, ["vemrado"]);
+    assert.deepEqual(installed, ["apache-arrow", "arrow-js-ffi", "proj4", "vemrado"]);
     assert.deepEqual(readdirSync(join(project.folder, "node_modules/vemrado")).sort(), [
         "README.md",
         "dist",
+        "notices.txt",
         "package.json",
         "samples",
     ]);
@@ -49,8 +50,8 @@ test("a map in its Worker gives what it gives in this thread, and what the nativ
         async function answers(input, options) {
             const map = await openMap(input, options);
             const kinds = [];
-            for await (const element of map) kinds.push(element.kind);
-            const { features } = await map.geojson();
+            const elements = async () => { for await (const element of map) kinds.push(element.kind); };
+            const [{ features }] = await Promise.all([map.geojson(), elements()]);
             return {
                 kinds,
                 head: [map.name, map.complete, map.scale, map.extent, map.layers],
@@ -211,4 +212,15 @@ test("types hold in strict mode, with the types of browsers or of Node alone", (
         "ES2022,DOM,DOM.AsyncIterable",
         "page.ts",
     );
+});
+
+test("the documents' examples run", () => {
+    for (const name of ["npm/README.md", "docs/javascript.md"]) {
+        const examples = [...readFileSync(join(root, name), "utf8").matchAll(/^```js\n([^]*?)^```/gm)];
+        assert.ok(examples.length > 1);
+        for (const [, example] of examples) {
+            project.write("example.js", example!);
+            assert.notEqual(project.run("node", "example.js"), "", `${name}:\n${example}`);
+        }
+    }
 });

@@ -83,12 +83,15 @@ for (const name of ["esbuild", "canvas", "openlayers", "maplibre"]) {
     test(`${name} shows the map`, async () => {
         const page = await browser.newPage();
         const errors: string[] = [];
+        let workers = 0;
+        page.on("workercreated", () => workers++);
         page.on("pageerror", (error) => errors.push(String(error)));
         page.on("console", (message) => message.type() === "error" && errors.push(message.text()));
         await page.setViewport({ width: 900, height: 600 });
         await page.goto(`http://127.0.0.1:${(server.address() as AddressInfo).port}/${name}.html`);
         await page.waitForSelector('body[data-state="shown"]', { timeout: 30000 }).catch(() => undefined);
         assert.deepEqual(errors, []);
+        assert.ok(workers > 0);
         const shown = PNG.sync.read(
             Buffer.from(await page.screenshot({ path: join(pictures, `${name}.png`) })),
         );

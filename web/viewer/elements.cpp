@@ -19,6 +19,7 @@ const ElementBatch& ElementReader::Next(size_t numbers) {
     batch.numbers.clear();
     batch.texts.clear();
     codes.clear();
+    placeOfLast = -1;
     textCount = 0;
     while (batch.numbers.size() < numbers) {
         const map::ElementKind kind = importer.Next();
@@ -30,13 +31,21 @@ const ElementBatch& ElementReader::Next(size_t numbers) {
 
 void ElementReader::PutLine(const map::RawLine& line) {
     std::vector<double>& numbers = batch.numbers;
-    numbers.insert(numbers.end(), {static_cast<double>(line.elements.size()), double(line.layer),
-                                   static_cast<double>(line.fileLine)});
+    const size_t begin = numbers.size();
+    numbers.resize(begin + 3 + 8 * line.elements.size());
+    double* put = numbers.data() + begin;
+    *put++ = static_cast<double>(line.elements.size());
+    *put++ = line.layer;
+    *put++ = line.fileLine;
     for (const VkmElement& element : line.elements) {
-        // 1 stands for every letter that is none of a type's.
-        const double type = element.type == 1 ? '?' : element.type;
-        numbers.insert(numbers.end(), {element.x, element.y, type, PlaceOfCode(element.code), element.valueM,
-                                       element.valueR, double(element.symbolCode), element.valueU});
+        *put++ = element.x;
+        *put++ = element.y;
+        *put++ = element.type == 1 ? '?' : element.type;  // 1: a letter that is none of a type's
+        *put++ = PlaceOfCode(element.code);
+        *put++ = element.valueM;
+        *put++ = element.valueR;
+        *put++ = element.symbolCode;
+        *put++ = element.valueU;
     }
 }
 
@@ -48,9 +57,11 @@ void ElementReader::PutText(const map::RawText& text) {
 }
 
 double ElementReader::PlaceOfCode(std::string_view code) {
-    const auto [found, isNew] = codes.try_emplace(std::string(code));
+    if (code == lastCode && placeOfLast >= 0) return placeOfLast;
+    lastCode = code;
+    const auto [found, isNew] = codes.try_emplace(lastCode);
     if (isNew) found->second = AddText(code);
-    return found->second;
+    return placeOfLast = found->second;
 }
 
 double ElementReader::AddText(std::string_view bytes) {

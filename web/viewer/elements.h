@@ -47,6 +47,8 @@ class ElementReader {
     ElementBatch batch;
     size_t textCount = 0;
     std::unordered_map<std::string, double> codes;  // of the batch, as in the file
+    std::string lastCode;
+    double placeOfLast = -1;  // below 0: there is none
 };
 
 }  // namespace vemrado::web
