@@ -214,11 +214,16 @@ def print_table():
                         for i, (text, width) in enumerate(zip(line, widths))).rstrip())
 
 
-def measure_interfaces():
+def measure_interfaces(size):
     """The C++ interface and the Arrow columns of lines and texts, beside the module's own operations."""
-    result = json.loads(run(programs / "bench_interfaces", "--repeat", 7, generated(50 << 20)))
-    for name, figure in (("elements", "Elements by vkm.hpp"), ("columns", "Columns of lines and texts, a pass each")):
-        row(figure, f"{result[name]:.3f} s", "the 22 operations", f"{result['slots']:.3f} s", result[f"{name}_ratio"])
+    result = json.loads(run(programs / "bench_interfaces", "--repeat", 7, generated(size)))
+    for elements, slots, figure, reference in (
+            ("elements", "slots", "all of each element, by vkm.hpp", "by the operations"),
+            ("elements_drawn", "slots_drawn", "what is drawn of each, by vkm.hpp", "by the operations"),
+            ("columns", "slots_drawn", f"columns of lines and texts, peak {result['peak_megabytes']} MB",
+             "import alone")):
+        row(f"{figure}, {size_text(size)}", f"{result[elements]:.3f} s", reference, f"{result[slots]:.3f} s",
+            result[f"{elements}_ratio"])
 
 
 def main():
@@ -230,7 +235,7 @@ def main():
     measure_threads(1 << 26)
     measure_mixed(1 << 28)
     measure_commands(times)
-    measure_interfaces()
+    measure_interfaces(200 << 20)
     measure_sample()
     measure_symbology()
     measure_parts()

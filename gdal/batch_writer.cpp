@@ -26,8 +26,10 @@ std::span<const map::Stroke> StrokesOf(const map::MapLine& line, bool split) {
 
 // The first code of a whole line, wherever it stands.
 CodeNumber FirstCode(const map::MapLine& line) {
-    const auto found = std::ranges::find_if(line.codes, &map::Code::Given);
-    return found != line.codes.end() ? NumberOf(*found) : CodeNumber{};
+    const auto isGiven = [](const char* code) { return *code != '\0'; };
+    const auto found = std::ranges::find_if(line.codes, isGiven);
+    if (found == line.codes.end()) return {};
+    return {true, line.codeNumbers[static_cast<size_t>(found - line.codes.begin())]};
 }
 
 }  // namespace
@@ -100,13 +102,12 @@ size_t BatchWriter::AddVertices(const map::MapLine& line, const Part& part, Batc
         batch.vertices.emplace_back(line.points[i].x, line.points[i].y);
         VertexValues& values = batch.values.emplace_back();
         if (part.joined && i == part.begin) continue;
-        const VkmElement& element = line.elements[i];
-        values.valueM = element.valueM;
-        values.valueR = element.valueR;
-        values.valueU = element.valueU * gonsOfUnit;
-        values.symbol = element.symbolCode;
-        values.code = AddString(batch, line.codes[i].text);
-        values.type = map::TypeLetter(element);
+        values.valueM = line.valuesM[i];
+        values.valueR = line.valuesR[i];
+        values.valueU = line.valuesU[i] * gonsOfUnit;
+        values.symbol = line.symbolCodes[i];
+        values.code = AddString(batch, line.codes[i]);
+        values.type = line.types[i];
     }
     return first;
 }

@@ -19,7 +19,7 @@ void TellWarning(const Options& options, const std::string& reason, const std::s
 MapFile::MapFile(std::shared_ptr<Source> readSource, const Options& readOptions, bool withSymbology)
     : source(std::move(readSource)),
       options(readOptions),
-      reading(importer, readOptions.encoding, readOptions.angleUnit) {
+      reading(importer, readOptions.encoding, readOptions.angleUnit, map::Symbols::leftAlone) {
     Open(withSymbology && options.withSymbology);
 }
 

@@ -71,10 +71,6 @@ void TakeCrs(const char* crs, Options& options) {
 
 }  // namespace
 
-bool Options::Wants(int layer) const {
-    return layers.empty() || std::ranges::find(layers, layer) != layers.end();
-}
-
 Options CopyOptions(const vkm_options* callers) {
     Options options;
     Require(callers == nullptr || callers->size >= sizeof(size_t),

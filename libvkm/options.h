@@ -2,6 +2,7 @@
 
 #pragma once
 
+#include <algorithm>
 #include <string>
 #include <vector>
 
@@ -27,7 +28,7 @@ struct Options {
     vkm_on_progress onProgress = nullptr;
     void* callbackContext = nullptr;
 
-    bool Wants(int layer) const;
+    bool Wants(int layer) const { return layers.empty() || std::ranges::find(layers, layer) != layers.end(); }
 };
 
 // Null gives the defaults. Throws Failure for a value that makes no sense.

@@ -9,7 +9,7 @@ vkm_reader::vkm_reader(std::shared_ptr<Source> readSource, Options readOptions)
     : source(std::move(readSource)),
       options(std::move(readOptions)),
       file(std::make_unique<MapFile>(source, options, false)),
-      arrays(options.splitByCode) {}
+      view(options.splitByCode) {}
 
 namespace {
 
@@ -35,10 +35,10 @@ vkm_status Next(vkm_reader& reader, const vkm_element** element) {
     if (reader.ended) return VKM_END;
     switch (reader.file->Next()) {
         case map::ElementKind::line:
-            *element = reader.arrays.Line(reader.file->Line());
+            *element = reader.view.Line(reader.file->Line());
             return VKM_OK;
         case map::ElementKind::text:
-            *element = reader.arrays.Text(reader.file->Text());
+            *element = reader.view.Text(reader.file->Text());
             return VKM_OK;
         case map::ElementKind::none:
             break;

@@ -14,24 +14,19 @@
 
 namespace vemrado::capi {
 
-// The arrays of the element handed out last, whose memory is used again.
-class ElementArrays {
+// The element handed out last: its arrays are those of the reading.
+class ElementView {
   public:
-    explicit ElementArrays(bool split) : splitByCode(split) {}
+    explicit ElementView(bool split);
     const vkm_element* Line(const map::MapLine& line);
     const vkm_element* Text(const map::MapText& text);
 
   private:
-    void Resize(size_t count);
-
     bool splitByCode;
-    vkm_element element{};
-    size_t room = 0;
-    std::vector<char> types;
-    std::vector<const char*> codes;
-    std::vector<int32_t> codeNumbers, penCodes, symbols;
-    std::vector<double> mValues, rValues, uValues;
-    std::vector<vkm_stroke> strokes;
+    // What the other kind has stays null.
+    vkm_element shownLine{};
+    vkm_element shownText{};
+    std::vector<vkm_stroke> strokes;  // the first ones are in use
 };
 
 // Styles and symbols by code, loaded when the first is asked for.
@@ -78,7 +73,7 @@ struct vkm_reader {
     std::shared_ptr<vemrado::capi::Source> source;
     vemrado::capi::Options options;
     std::unique_ptr<vemrado::capi::MapFile> file;
-    vemrado::capi::ElementArrays arrays;
+    vemrado::capi::ElementView view;
     bool ended = false;
     std::optional<vkm_error> failed;  // of vkm_next, which fails in the same way ever after
     std::optional<vemrado::map::Box> extent;

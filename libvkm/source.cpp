@@ -133,19 +133,21 @@ class LookedAtFile : public SourceFile {
         if (progress != nullptr) *progress = {0, Length()};
     }
     int64_t Read(void* destination, size_t length) override {
-        const int64_t given =
-            used < start.size() ? ReadStart(destination, length) : file->Read(destination, length);
+        const int64_t given = used < start.size() ? ReadStart(static_cast<char*>(destination), length)
+                                                  : file->Read(destination, length);
         if (progress != nullptr && given > 0) progress->done += given;
         return given;
     }
     int64_t Length() override { return std::max<int64_t>(file->Length() - static_cast<int64_t>(before), 0); }
 
   private:
-    int64_t ReadStart(void* destination, size_t length) {
+    // And what follows it, so that the next reads are of whole pages of the file again.
+    int64_t ReadStart(char* destination, size_t length) {
         const size_t given = std::min(length, start.size() - used);
-        std::copy_n(start.data() + used, given, static_cast<char*>(destination));
+        std::copy_n(start.data() + used, given, destination);
         used += given;
-        return static_cast<int64_t>(given);
+        const int64_t more = given < length ? file->Read(destination + given, length - given) : 0;
+        return static_cast<int64_t>(given) + std::max<int64_t>(more, 0);  // a failure comes again
     }
 
     std::unique_ptr<SourceFile> file;

@@ -70,12 +70,27 @@ void ExportSchema(const ColumnType& type, ArrowSchema* schema) {
 
 void ArrowBuffer::MakeRoom(size_t count) {
     constexpr size_t least = 64;
-    const size_t wanted = std::max({used + count, 2 * room, least});
+    const size_t wanted = std::max({used + count, room == 0 ? expected : 2 * room, least});
     auto* grown = static_cast<uint8_t*>(std::realloc(bytes.get(), wanted));
     if (grown == nullptr) throw std::bad_alloc();
     static_cast<void>(bytes.release());
     bytes.reset(grown);
     room = wanted;
+}
+
+void ArrowBuffer::Repeat(std::string_view text, size_t times) {
+    // Short texts are copied whole words at a time, past their end.
+    struct Word {
+        char characters[16];
+    } word{};
+    if (text.empty() || text.size() > sizeof word) [[unlikely]] {
+        for (; times > 0; --times) Append(text.data(), text.size());
+        return;
+    }
+    CopyFew(reinterpret_cast<uint8_t*>(&word), reinterpret_cast<const uint8_t*>(text.data()), text.size());
+    uint8_t* to = Grow(text.size() * times + sizeof word);
+    for (; times > 0; --times, to += text.size()) std::memcpy(to, &word, sizeof word);
+    used -= sizeof word;
 }
 
 ArrowColumn::ArrowColumn(const ColumnType& columnType)
@@ -89,12 +104,35 @@ ArrowColumn::ArrowColumn(const ColumnType& columnType)
     if (withOffsets) offsets.Push(int32_t{0});
 }
 
-void ArrowColumn::AddNull() {
-    constexpr int64_t zero = 0;
-    data.Append(&zero, width);
-    if (withOffsets)
-        offsets.Push(Offset(type.format == "u" ? data.Size() : static_cast<size_t>(children[0].rows)));
-    EndRow(false);
+void ArrowColumn::WriteNulls() {
+    const auto count = static_cast<size_t>(waitingNulls);
+    data.AppendZeros(count * width);
+    if (withOffsets) {
+        const int32_t end = offsets.LastOf<int32_t>();  // items of the next list may stand there already
+        std::fill_n(offsets.Extend<int32_t>(count), count, end);
+    }
+    rows += waitingNulls;
+    nulls += waitingNulls;
+    waitingNulls = 0;
+    validity.AppendZeros((static_cast<size_t>(rows) + 7) / 8 - validity.Size());
+}
+
+void ArrowColumn::AddLetters(std::span<const char> letters) {
+    AddOffsets(data.Size() + 1, 1, letters.size());
+    data.Append(letters.data(), letters.size());
+}
+
+void ArrowColumn::AddRepeated(std::string_view text, size_t times) {
+    AddOffsets(data.Size() + text.size(), text.size(), times);
+    data.Repeat(text, times);
+}
+
+// The ends of as many texts, of which the first ends there.
+void ArrowColumn::AddOffsets(size_t first, size_t step, size_t count) {
+    static_cast<void>(Offset(first + step * count));
+    auto* to = offsets.Extend<int32_t>(count);
+    for (size_t i = 0; i < count; ++i) to[i] = static_cast<int32_t>(first + step * i);
+    rows += static_cast<int64_t>(count);
 }
 
 void ArrowColumn::AddPoints(std::span<const Point> points) {
@@ -106,6 +144,17 @@ void ArrowColumn::AddPoints(std::span<const Point> points) {
 
 void ArrowColumn::RefuseOffset() {
     throw std::length_error("a batch of columns holds more than 2^31 entries; ask for fewer rows");
+}
+
+// The next rows are likely to be as large; memory that they do not reach costs nothing.
+void ArrowColumn::ExpectAsMuchAs(const ArrowColumn& column) {
+    const auto expect = [](ArrowBuffer& buffer, const ArrowBuffer& like) {
+        buffer.Expect(like.Size() + like.Size() / 4);
+    };
+    expect(validity, column.validity);
+    expect(offsets, column.offsets);
+    expect(data, column.data);
+    for (size_t i = 0; i < children.size(); ++i) children[i].ExpectAsMuchAs(column.children[i]);
 }
 
 struct ArrowColumn::Exported {
@@ -129,6 +178,8 @@ void ArrowColumn::Export(ArrowArray* array) {
     auto kept = std::make_unique<Exported>(Exported{ArrowColumn(type), {}, {}, {}});
     std::swap(kept->column, *this);
     ArrowColumn& column = kept->column;
+    column.EndNulls();
+    ExpectAsMuchAs(column);
     kept->buffers.push_back(column.nulls > 0 ? column.validity.Data() : nullptr);
     if (withOffsets) kept->buffers.push_back(column.offsets.Data());
     if (width != 0 || type.format == "u") kept->buffers.push_back(column.data.Data());

@@ -116,23 +116,35 @@ ColumnType TypeOf(Table table, const std::string& crs) {
     return type;
 }
 
-// A list with an entry for each point of the strokes; null when no entry says anything.
-template <typename Says, typename Entry>
-void AddList(ArrowColumn& column, std::span<const Stroke> strokes, Says says, Entry entry) {
-    const auto anyOf = [&](const Stroke& stroke) {
-        for (size_t i = stroke.first; i < stroke.first + stroke.count; ++i)
-            if (says(i)) return true;
-        return false;
-    };
-    if (!std::ranges::any_of(strokes, anyOf)) return column.AddNull();
-    for (const Stroke& stroke : strokes)
-        for (size_t i = stroke.first; i < stroke.first + stroke.count; ++i) column.Items().Add(entry(i));
+// Whether any entry of the strokes' points is such.
+template <typename Value, typename Is>
+bool AnyOf(std::span<const Value> values, std::span<const Stroke> strokes, Is is) {
+    return std::ranges::any_of(strokes, [&](const Stroke& stroke) {
+        return std::ranges::any_of(values.subspan(stroke.first, stroke.count), is);
+    });
+}
+
+// A list with an entry for each point of the strokes; null when all have the standard value.
+template <typename Value>
+void AddValues(ArrowColumn& column, std::span<const Stroke> strokes, std::span<const Value> values,
+               Value standard) {
+    // No number is no standard value.
+    if (!AnyOf(values, strokes, [&](Value value) { return !(value == standard); })) return column.AddNull();
+    for (const Stroke& stroke : strokes) column.Items().AddAll(values.subspan(stroke.first, stroke.count));
     column.EndList();
 }
 
-// Exact: whether a value was given. No number is one too.
-bool Given(double value, double standard) {
-    return !(value == standard);
+void AddCodes(ArrowColumn& column, std::span<const Stroke> strokes, std::span<const char* const> codes) {
+    if (!AnyOf(codes, strokes, [](const char* code) { return *code != '\0'; })) return column.AddNull();
+    for (const Stroke& stroke : strokes) {
+        const size_t end = stroke.first + stroke.count;
+        for (size_t i = stroke.first, next; i < end; i = next) {
+            for (next = i + 1; next < end && codes[next] == codes[i]; ++next) {
+            }
+            column.Items().AddRepeated(codes[i], next - i);
+        }
+    }
+    column.EndList();
 }
 
 }  // namespace
@@ -158,28 +170,18 @@ void Columns::AddLineRow(const MapLine& line, const Code& code, std::span<const 
     } else {
         rows.Field(lineCode).AddNull();
     }
-    const std::span<const VkmElement> elements = line.elements;
-    AddList(
-        rows.Field(lineCodes), strokes, [&](size_t i) { return line.codes[i].Given(); },
-        [&](size_t i) { return line.codes[i].text; });
-    AddList(
-        rows.Field(lineTypes), strokes, [](size_t) { return true; },
-        [&](size_t i) {
-            static constexpr std::string_view letters = "CKLPR?";
-            return letters.substr(std::min(letters.find(TypeLetter(elements[i])), letters.size() - 1), 1);
-        });
-    AddList(
-        rows.Field(lineSymbols), strokes, [&](size_t i) { return elements[i].symbolCode != 0; },
-        [&](size_t i) { return int32_t{elements[i].symbolCode}; });
-    AddList(
-        rows.Field(lineM), strokes, [&](size_t i) { return Given(elements[i].valueM, 1); },
-        [&](size_t i) { return elements[i].valueM; });
-    AddList(
-        rows.Field(lineR), strokes, [&](size_t i) { return Given(elements[i].valueR, 0); },
-        [&](size_t i) { return elements[i].valueR; });
-    AddList(
-        rows.Field(lineU), strokes, [&](size_t i) { return Given(elements[i].valueU, 0); },
-        [&](size_t i) { return elements[i].valueU; });
+    AddCodes(rows.Field(lineCodes), strokes, line.codes);
+    for (const Stroke& stroke : strokes)
+        rows.Field(lineTypes).Items().AddLetters(line.types.subspan(stroke.first, stroke.count));
+    rows.Field(lineTypes).EndList();
+    if (line.hasValues) {
+        AddValues(rows.Field(lineSymbols), strokes, line.symbolCodes, 0);
+        AddValues(rows.Field(lineM), strokes, line.valuesM, 1.0);
+        AddValues(rows.Field(lineR), strokes, line.valuesR, 0.0);
+        AddValues(rows.Field(lineU), strokes, line.valuesU, 0.0);
+    } else {
+        for (const LineField field : {lineSymbols, lineM, lineR, lineU}) rows.Field(field).AddNull();
+    }
     ArrowColumn& geometry = rows.Field(lineGeometry);
     for (const Stroke& stroke : strokes) {
         geometry.Items().Items().AddPoints(line.points.subspan(stroke.first, stroke.count));
@@ -204,29 +206,27 @@ void Columns::FindRowsOfElements(const MapLine& line) {
 void Columns::AddPointRows(const MapLine& line) {
     FindRowsOfElements(line);
     for (size_t i = 0; i < line.points.size(); ++i)
-        if (line.elements[i].symbolCode != 0 || rowOfElement[i] == 0) AddPointRow(line, i);
+        if (line.symbolCodes[i] != 0 || rowOfElement[i] == 0) AddPointRow(line, i);
 }
 
 void Columns::AddPointRow(const MapLine& line, size_t element) {
-    const VkmElement& values = line.elements[element];
-    const Code& code = line.codes[element];
-    const char letter = TypeLetter(values);
+    const int symbol = line.symbolCodes[element];
     rows.Field(pointFid).Add(++identifier);
     rows.Field(pointLayer).Add(line.layer);
-    if (values.symbolCode != 0) {
-        rows.Field(pointSymbol).Add(int32_t{values.symbolCode});
+    if (symbol != 0) {
+        rows.Field(pointSymbol).Add(int32_t{symbol});
     } else {
         rows.Field(pointSymbol).AddNull();
     }
-    rows.Field(pointRotation).Add(values.valueU);
-    rows.Field(pointScale).Add(values.valueM);
-    rows.Field(pointR).Add(values.valueR);
-    if (code.Given()) {
-        rows.Field(pointCode).Add(code.text);
+    rows.Field(pointRotation).Add(line.valuesU[element]);
+    rows.Field(pointScale).Add(line.valuesM[element]);
+    rows.Field(pointR).Add(line.valuesR[element]);
+    if (*line.codes[element] != '\0') {
+        rows.Field(pointCode).Add(std::string_view(line.codes[element]));
     } else {
         rows.Field(pointCode).AddNull();
     }
-    rows.Field(pointType).Add(std::string_view(&letter, 1));
+    rows.Field(pointType).Add(std::string_view(&line.types[element], 1));
     if (rowOfElement[element] != 0) {
         rows.Field(pointLine).Add(rowOfElement[element]);
     } else {

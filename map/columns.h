@@ -19,14 +19,9 @@ enum class Table : uint8_t { lines, points, texts, parcels };
 template <typename Visit>
 void ForEachLineRow(const MapLine& line, bool splitByCode, Visit visit) {
     if (!splitByCode) {
-        Code first;
-        for (const Code& code : line.codes) {
-            if (code.Given()) {
-                first = code;
-                break;
-            }
-        }
-        if (!line.wholeStrokes.empty()) visit(first, line.wholeStrokes);
+        size_t first = 0;
+        while (first + 1 < line.codes.size() && *line.codes[first] == '\0') ++first;
+        if (!line.wholeStrokes.empty()) visit(line.CodeAt(first), line.wholeStrokes);
         return;
     }
     for (size_t begin = 0; begin < line.strokes.size();) {

@@ -11,6 +11,9 @@ namespace {
 // Room that is kept from line to line; a longer line's goes with it.
 constexpr size_t keptElements = 65536;
 
+// After so many the user's wish to stop is looked at.
+constexpr int elementsBetweenQuestions = 16;
+
 }  // namespace
 
 Importer::Importer() : details(VkmDetails(CreateVKMInterface())) {
@@ -35,20 +38,34 @@ bool Importer::Open(const OpenOptions& options) {
 }
 
 ElementKind Importer::Next() {
-    if (client::StopRequested()) return ElementKind::none;
+    if (++sinceAsked == elementsBetweenQuestions) {
+        sinceAsked = 0;
+        if (client::StopRequested()) return ElementKind::none;
+    }
+    copied = false;
     switch (details->ReadNext()) {
         case 1:
-            ReadLine();
             return ElementKind::line;
         case 2:
-            ReadText();
             return ElementKind::text;
         default:
             return ElementKind::none;
     }
 }
 
-void Importer::ReadLine() {
+const RawLine& Importer::Line() {
+    if (!copied) CopyLine();
+    copied = true;
+    return line;
+}
+
+const RawText& Importer::Text() {
+    if (!copied) CopyText();
+    copied = true;
+    return text;
+}
+
+void Importer::CopyLine() {
     line.layerName = details->GetLayer(&line.layer);
     line.fileLine = details->GetFileLine();
     const int count = details->GetElementCount();
@@ -60,7 +77,7 @@ void Importer::ReadLine() {
     line.elements = {elements.data(), size};
 }
 
-void Importer::ReadText() {
+void Importer::CopyText() {
     text.layerName = details->GetLayer(&text.layer);
     text.fileLine = details->GetFileLine();
     text.text = details->GetText();

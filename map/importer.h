@@ -58,15 +58,13 @@ class Importer {
     bool Open(const OpenOptions& options);
     void Close() { details->Close(); }
 
-    // Reads the next element into Line() or Text(). None at the end of the data, or when the user asked to
-    // stop. A read error leaves it as CFileException. Memory is used again: nothing is allocated once the
-    // longest line was met.
+    // Reads the next element, which Line() or Text() then copies. None at the end of the data, or when the
+    // user asked to stop. A read error leaves it as CFileException. Memory is used again: nothing is
+    // allocated once the longest line was met.
     ElementKind Next();
-    // Valid until the next call of Next.
-    const RawLine& Line() const { return line; }
-    const RawText& Text() const { return text; }
-    // The elements of the line, for a reader that puts them in order where they stand.
-    std::span<VkmElement> LineElements() { return {elements.data(), line.elements.size()}; }
+    // Of the element just read; valid until the next call of Next.
+    const RawLine& Line();
+    const RawText& Text();
 
     int AxisOrientation() const { return axisOrientation; }
     // A byte order mark stood before the first record of the file that was opened last.
@@ -82,10 +80,12 @@ class Importer {
     CVKMDetails& Details() const { return *details; }
 
   private:
-    void ReadLine();
-    void ReadText();
+    void CopyLine();
+    void CopyText();
 
     CVKMDetails* details;
+    bool copied = false;  // the element just read
+    int sinceAsked = 0;   // elements read since the user was asked
     bool markSkipped = false;
     std::vector<VkmElement> elements;  // never shrinks; a line uses its first ones
     RawLine line;

@@ -7,21 +7,48 @@
 namespace vemrado::map {
 namespace {
 
-constexpr double farthest = 1e9;  // m; farther is no place
-
-// Memory for the points of one line is kept up to this many; a longer line's goes with it.
-constexpr size_t keptPoints = 65536;
+// Memory for the elements of one line is kept up to this many; a longer line's goes with it.
+constexpr size_t keptElements = 65536;
+constexpr size_t roomStep = 16;  // room is a multiple of it
+constexpr size_t mostRoomKept = keptElements + roomStep;
 
 template <class Value>
 void Empty(std::vector<Value>& values) {
     values.clear();
-    if (values.capacity() > keptPoints) [[unlikely]]
+    if (values.capacity() > keptElements) [[unlikely]]
         std::vector<Value>().swap(values);
 }
 
-// As the module reads whole numbers.
-int NumberOf(const char* code) {
-    return static_cast<int>(std::clamp<long long>(std::strtoll(code, nullptr, 10), INT32_MIN, INT32_MAX));
+template <class Value>
+void MakeAnew(std::vector<Value>& values, size_t count, Value value = {}) {
+    std::vector<Value>(count, value).swap(values);
+}
+
+// A code of the file.
+struct CodeBytes {
+    size_t length = 0;
+    bool plain = true;  // ASCII
+    int number = 0;     // as the module reads whole numbers
+};
+
+CodeBytes LookAt(const char* bytes) {
+    constexpr size_t surelyInRange = 9;  // digits
+    CodeBytes code;
+    unsigned char all = 0;
+    bool digits = true;
+    int number = 0;
+    for (; bytes[code.length] != '\0'; ++code.length) {
+        const auto byte = static_cast<unsigned char>(bytes[code.length]);
+        all |= byte;
+        digits = digits && byte >= '0' && byte <= '9' && code.length < surelyInRange;
+        if (digits) number = number * 10 + (byte - '0');
+    }
+    code.plain = all < 0x80;
+    code.number =
+        digits
+            ? number
+            : static_cast<int>(std::clamp<long long>(std::strtoll(bytes, nullptr, 10), INT32_MIN, INT32_MAX));
+    return code;
 }
 
 // Exact: whether a value was given at all. No number is one too.
@@ -29,20 +56,11 @@ bool Given(double value, double standard) {
     return !(value == standard);
 }
 
-// Key fields that stand apart from their element.
-void AddKeyFields(VkmElement& element, const VkmElement& more) {
-    if (*more.code != '\0') element.code = more.code;
-    if (more.symbolCode != 0) element.symbolCode = more.symbolCode;
-    if (Given(more.valueM, 1)) element.valueM = more.valueM;
-    if (Given(more.valueR, 0)) element.valueR = more.valueR;
-    if (Given(more.valueU, 0)) element.valueU = more.valueU;
-}
-
 }  // namespace
 
 bool IsPlace(Point point) {
     // False for what is not a number.
-    return std::abs(point.x) <= farthest && std::abs(point.y) <= farthest;
+    return std::abs(point.x) <= farthestPlace && std::abs(point.y) <= farthestPlace;
 }
 
 bool IsScale(double scale) {
@@ -59,10 +77,11 @@ bool IsDrawable(double scale, double rotation) {
     return scale > 0 && scale <= largestScale && std::isfinite(rotation);
 }
 
-Reading::Reading(Importer& source, client::Encoding encoding, AngleUnit angleUnit)
+Reading::Reading(Importer& source, client::Encoding encoding, AngleUnit angleUnit, Symbols placing)
     : importer(source),
       decoder(encoding),
       unit(angleUnit),
+      symbolsWanted(placing),
       orientation(source.AxisOrientation()),
       rotation(angleUnit, orientation) {}
 
@@ -81,79 +100,167 @@ void Reading::Take(ElementKind kind) {
     if (kind == ElementKind::text) TakeText();
 }
 
-void Reading::TakeLine() {
-    const RawLine& raw = importer.Line();
-    line.layer = raw.layer;
-    line.layerName = raw.layerName;
-    line.fileLine = raw.fileLine;
-    Empty(points);
-    Empty(codes);
-    Empty(strokes);
-    Empty(wholeStrokes);
-    Empty(symbols);
-    decodedCount = 0;
-    held = partCode = Code();
-    heldCode = partHeldCode = strokeBegin = partBegin = wholeBegin = 0;
+void Reading::LineArrays::MakeRoom(size_t count, VkmLine& raw) {
+    room = 0;  // should there be no memory
+    raw = {};
+    count = (count / roomStep + 1) * roomStep;
+    MakeAnew(points, count);
+    MakeAnew(types, count + 1);
+    MakeAnew(codes, count);
+    for (auto* numbers : {&codeNumbers, &penCodes, &symbolCodes, &noSymbols}) MakeAnew(*numbers, count);
+    for (auto* values : {&valuesM, &valuesR, &valuesU, &zeros}) MakeAnew(*values, count);
+    MakeAnew(ones, count, 1.0);
+    room = count;
+    raw.room = static_cast<int>(room);
+    raw.points = &points[0].x;
+    raw.types = types.data();
+    raw.codes = codes.data();
+    raw.symbolCodes = symbolCodes.data();
+    raw.valuesM = valuesM.data();
+    raw.valuesR = valuesR.data();
+    raw.valuesU = valuesU.data();
+}
 
-    const std::span<VkmElement> elements = importer.LineElements();
-    const size_t kept = TakeElements(elements);
-    EndStroke(kept);
-    line.points = points;
-    line.elements = elements.first(kept);
-    line.codes = codes;
-    line.strokes = strokes;
-    line.wholeStrokes = wholeStrokes;
-    line.symbols = symbols;
+void Reading::LineArrays::MoveElement(size_t from, size_t to, bool withValues) {
+    points[to] = points[from];
+    types[to] = types[from];
+    codes[to] = codes[from];
+    if (!withValues) return;
+    symbolCodes[to] = symbolCodes[from];
+    valuesM[to] = valuesM[from];
+    valuesR[to] = valuesR[from];
+    valuesU[to] = valuesU[from];
+}
+
+// Key fields that stand apart from their element.
+void Reading::LineArrays::AddKeyFields(size_t element, size_t from, bool withValues) {
+    if (*codes[from] != '\0') codes[element] = codes[from];
+    if (!withValues) return;
+    if (symbolCodes[from] != 0) symbolCodes[element] = symbolCodes[from];
+    if (Given(valuesM[from], 1)) valuesM[element] = valuesM[from];
+    if (Given(valuesR[from], 0)) valuesR[element] = valuesR[from];
+    if (Given(valuesU[from], 0)) valuesU[element] = valuesU[from];
+}
+
+// The line as the module has it, in the arrays.
+void Reading::FetchLine() {
+    while (true) {
+        const bool fits = importer.Details().GetLine(&raw) != 0;
+        const auto count = static_cast<size_t>(raw.count);
+        if (fits && (arrays.room <= mostRoomKept || count > keptElements)) [[likely]]
+            return;
+        arrays.MakeRoom(count > keptElements ? count : std::min(2 * count, keptElements), raw);
+    }
+}
+
+void Reading::TakeLine() {
+    FetchLine();
+    line.layer = raw.layer;
+    line.layerName = {raw.layerName, static_cast<size_t>(raw.layerNameLength)};
+    line.fileLine = raw.fileLine;
+    line.pointsLeftOut = 0;
+    line.hasValues = raw.hasValues != 0;
+    if (line.hasValues) Empty(symbols);
+    if (TakePlainLine()) [[likely]] {
+        HandOut(static_cast<size_t>(raw.count), arrays.codeNumbers);
+    } else {
+        HandOut(TakeElements(), arrays.penCodes);
+        line.strokes = strokes;
+        line.wholeStrokes = wholeStrokes;
+    }
+    if (line.hasValues) {
+        line.symbols = symbols;
+    } else {
+        line.symbols = {};
+    }
+}
+
+void Reading::HandOut(size_t count, std::span<const int> penCodes) {
+    arrays.types[count] = '\0';
+    line.points = {arrays.points.data(), count};
+    line.types = {arrays.types.data(), count};
+    line.codes = {arrays.codes.data(), count};
+    line.codeNumbers = {arrays.codeNumbers.data(), count};
+    line.penCodes = penCodes.first(count);
+    line.symbolCodes = {line.hasValues ? arrays.symbolCodes.data() : arrays.noSymbols.data(), count};
+    line.valuesM = {line.hasValues ? arrays.valuesM.data() : arrays.ones.data(), count};
+    line.valuesR = {line.hasValues ? arrays.valuesR.data() : arrays.zeros.data(), count};
+    line.valuesU = {line.hasValues ? arrays.valuesU.data() : arrays.zeros.data(), count};
+}
+
+// Nearly every line is one stroke of one code. False, and nothing done, for any other.
+bool Reading::TakePlainLine() {
+    const auto count = static_cast<size_t>(raw.count);
+    if ((raw.severalCodes | raw.beginsAgain | raw.hasNoType | raw.hasNoPlace) != 0 || count == 0)
+        return false;
+    const char* const bytes = arrays.codes[0];
+    const CodeBytes code = LookAt(bytes);
+    if (!code.plain) return false;
+    plainStroke.count = count;
+    plainStroke.code = {{bytes, code.length}, code.number};
+    const std::span<const Stroke> whole(&plainStroke, count > 1 ? size_t{1} : 0);
+    line.strokes = whole;
+    line.wholeStrokes = whole;
+    for (size_t i = 0; i < count; i += roomStep) std::fill_n(&arrays.codeNumbers[i], roomStep, code.number);
+    if (line.hasValues && symbolsWanted == Symbols::placed) {
+        held = plainStroke.code;
+        for (size_t i = 0; i < count; ++i) PlaceSymbol(i);
+    }
+    return true;
 }
 
 // Moves the elements that have a place together at the start, and returns their number.
-size_t Reading::TakeElements(std::span<VkmElement> elements) {
+size_t Reading::TakeElements() {
+    const auto count = static_cast<size_t>(raw.count);
+    const bool withValues = line.hasValues;
     size_t kept = 0;
     bool begins = true;
-    line.pointsLeftOut = 0;
-    for (size_t i = 0; i < elements.size(); ++i) {
-        VkmElement& element = elements[kept];
-        if (kept != i) element = elements[i];
-        while (i + 1 < elements.size() && elements[i + 1].type == 0) AddKeyFields(element, elements[++i]);
-        Code& code = codes.emplace_back();
-        if (*element.code != '\0') SetCode(code, element.code);
-        const Point point{element.x, element.y};
-        if (element.type == 0 || !IsPlace(point)) [[unlikely]] {
-            codes.pop_back();
-            if (element.type == 0) continue;  // the record gives no point
+    Empty(strokes);
+    Empty(wholeStrokes);
+    decodedCount = 0;
+    heldBytes = nullptr;
+    held = partCode = Code();
+    heldCode = partHeldCode = strokeBegin = partBegin = wholeBegin = 0;
+    for (size_t i = 0; i < count; ++i) {
+        if (kept != i) arrays.MoveElement(i, kept, withValues);
+        while (i + 1 < count && arrays.types[i + 1] == 0) arrays.AddKeyFields(kept, ++i, withValues);
+        const bool given = *arrays.codes[kept] != '\0';
+        if (given) SetCode(arrays.codes[kept]);
+        if (arrays.types[kept] == 0) continue;  // the record gives no point
+        if (!IsPlace(arrays.points[kept])) [[unlikely]] {
             ++line.pointsLeftOut;
             begins = true;
             continue;
         }
-        points.push_back(point);
-        GoTo(kept, begins || element.type == 'P');
+        arrays.codeNumbers[kept] = given ? held.number : 0;
+        arrays.penCodes[kept] = held.number;
+        GoTo(kept, begins || arrays.types[kept] == 'P');
         begins = false;
-        if (element.symbolCode != 0) AddSymbol(element, kept);
+        if (withValues && symbolsWanted == Symbols::placed) PlaceSymbol(kept);
         ++kept;
     }
+    EndStroke(kept);
     return kept;
 }
 
-// Makes a code of bytes of the file, which holds from now on.
-void Reading::SetCode(Code& code, const char* bytes) {
-    size_t length = 0;
-    unsigned char all = 0;
-    for (; bytes[length] != '\0'; ++length) all |= static_cast<unsigned char>(bytes[length]);
-    std::string_view utf8(bytes, length);
-    if (all >= 0x80) [[unlikely]] {
+// A code of the file becomes UTF-8, and holds from now on.
+void Reading::SetCode(const char*& bytes) {
+    if (bytes == heldBytes) return;
+    const CodeBytes code = LookAt(bytes);
+    std::string_view utf8(bytes, code.length);
+    heldBytes = code.plain ? bytes : nullptr;
+    if (!code.plain) [[unlikely]] {
         if (decodedCount == decodedCodes.size()) decodedCodes.emplace_back();
         std::string& decoded = decodedCodes[decodedCount++];
         decoded.clear();
         decoder.Append(utf8, decoded);
         utf8 = decoded;
+        bytes = decoded.c_str();
     }
-    if (utf8 != held.text) {
-        if (heldCode == partHeldCode) partCode = held;
-        ++heldCode;
-        held.text = utf8;
-        held.number = NumberOf(bytes);
-    }
-    code = held;
+    if (utf8 == held.text) return;
+    if (heldCode == partHeldCode) partCode = held;
+    ++heldCode;
+    held = {utf8, code.number};
 }
 
 // The stroke goes on to a point, or begins there.
@@ -178,13 +285,15 @@ void Reading::EndStroke(size_t end) {
     strokeBegin = partBegin = end;
 }
 
-void Reading::AddSymbol(const VkmElement& element, size_t place) {
+// The symbol of an element, if it has one.
+void Reading::PlaceSymbol(size_t element) {
+    if (arrays.symbolCodes[element] == 0) return;
     PlacedSymbol symbol;
-    symbol.element = place;
-    symbol.point = points[place];
-    symbol.symbol = element.symbolCode;
-    symbol.scale = element.valueM;
-    symbol.rotation = rotation.Degrees(element.valueU);
+    symbol.element = element;
+    symbol.point = arrays.points[element];
+    symbol.symbol = arrays.symbolCodes[element];
+    symbol.scale = arrays.valuesM[element];
+    symbol.rotation = rotation.Degrees(arrays.valuesU[element]);
     symbol.mirrored = rotation.Mirrored();
     symbol.drawable = IsDrawable(symbol.scale, symbol.rotation);
     symbol.code = held;
@@ -192,23 +301,22 @@ void Reading::AddSymbol(const VkmElement& element, size_t place) {
 }
 
 void Reading::TakeText() {
-    const RawText& raw = importer.Text();
-    text.layer = raw.layer;
-    text.layerName = raw.layerName;
-    text.fileLine = raw.fileLine;
-    decodedText.clear();
-    decoder.Append(raw.text, decodedText);
-    text.text = decodedText;
-    text.point = raw.point;
-    text.code = raw.code;
-    text.valueD = raw.valueD;
-    text.valueF = raw.valueF;
-    text.valueU = raw.valueU;
-    text.height = raw.scaledH;
-    text.heightOnPaper = raw.scaledH * 1000 / importer.Scale();
-    text.rotation = rotation.Degrees(raw.valueU);
-    text.anchor = AnchorOf(raw.valueD, rotation.Mirrored());
-    text.face = FaceOf(raw.valueF);
+    VkmText record;
+    importer.Details().GetTextRecord(&record);
+    text.layer = record.layer;
+    text.layerName = {record.layerName, static_cast<size_t>(record.layerNameLength)};
+    text.fileLine = record.fileLine;
+    text.text = decoder.View({record.text, static_cast<size_t>(record.length)}, decodedText);
+    text.point = {record.x, record.y};
+    text.code = record.code;
+    text.valueD = record.valueD;
+    text.valueF = record.valueF;
+    text.valueU = record.valueU;
+    text.height = record.scaledH;
+    text.heightOnPaper = record.scaledH * 1000 / importer.Scale();
+    text.rotation = rotation.Degrees(record.valueU);
+    text.anchor = AnchorOf(record.valueD, rotation.Mirrored());
+    text.face = FaceOf(record.valueF);
     text.fault = FaultOf(text);
 }
 

@@ -57,12 +57,21 @@ struct MapLine {
     std::string_view layerName;
     int fileLine = 0;  // on which it begins, from 1
 
-    // The elements that have a point, one entry each. An element without a type letter has no point of its
-    // own: its key fields stand with the element before it. (A value that is given as the default one counts
-    // as none there.) Codes in an element are bytes of the file; the same in UTF-8 stand in codes.
+    // The elements that have a point, an entry of each array. An element without a type letter has no point
+    // of its own: its key fields stand with the element before it. (A value that is given as the default one
+    // counts as none there.)
     std::span<const Point> points;
-    std::span<const VkmElement> elements;
-    std::span<const Code> codes;
+    std::span<const char> types;  // letters C, K, L, P and R, ? for any other; a zero stands behind the last
+    std::span<const char* const> codes;  // UTF-8; "" for none
+    std::span<const int> codeNumbers;    // the same as numbers; 0 for none
+    std::span<const int> penCodes;  // number of the code that holds: the element's own or the last one before
+    std::span<const int> symbolCodes;  // S; 0 for none
+    std::span<const double> valuesM;   // 1 for none
+    std::span<const double> valuesR;   // 0 for none
+    std::span<const double> valuesU;   // 0 for none
+    bool hasValues = false;            // an element has one of these four
+
+    Code CodeAt(size_t element) const { return {codes[element], codeNumbers[element]}; }
 
     // The strokes that pass through the points: type P begins one, every other element ends a straight
     // segment. They are split where the code changes: a code holds until the next one in the line, and a
@@ -71,7 +80,7 @@ struct MapLine {
     // The same not split, each with the code of its first segment.
     std::span<const Stroke> wholeStrokes;
 
-    std::span<const PlacedSymbol> symbols;
+    std::span<const PlacedSymbol> symbols;  // where the reading places them
 
     // Points that are no place are left out and a stroke breaks there; the code of such an element holds all
     // the same.
@@ -104,11 +113,6 @@ TextFault FaultOf(const MapText& text);
 // A symbol's scale, and its rotation in degrees.
 bool IsDrawable(double scale, double rotation);
 
-// C, K, L, P or R; ? for any other letter.
-inline char TypeLetter(const VkmElement& element) {
-    return element.type == 1 ? '?' : static_cast<char>(element.type);
-}
-
 constexpr double largestScale = 1e3;  // of a symbol
 constexpr double tallestText = 1e3;   // mm on paper
 
@@ -121,11 +125,14 @@ inline double UsableScale(double scale) {
     return IsScale(scale) ? scale : 1000;
 }
 
+// Whether a reading places the symbols of lines.
+enum class Symbols : bool { leftAlone, placed };
+
 class Reading {
   public:
     // The importer is opened before the first element is read, and may be opened again for the next file.
     explicit Reading(Importer& importer, client::Encoding encoding = client::Encoding::windows1250,
-                     AngleUnit angleUnit = AngleUnit::gon);
+                     AngleUnit angleUnit = AngleUnit::gon, Symbols symbols = Symbols::placed);
     Reading(const Reading&) = delete;
     Reading& operator=(const Reading&) = delete;
 
@@ -140,30 +147,53 @@ class Reading {
     const client::TextDecoder& Decoder() const { return decoder; }
 
   private:
+    // An entry for each element of a line; room is used again from line to line.
+    struct LineArrays {
+        size_t room = 0;
+        std::vector<Point> points;
+        std::vector<char> types;
+        std::vector<const char*> codes;
+        std::vector<int> codeNumbers, penCodes, symbolCodes;
+        std::vector<double> valuesM, valuesR, valuesU;
+        // Of lines without values.
+        std::vector<int> noSymbols;
+        std::vector<double> ones, zeros;
+
+        void MakeRoom(size_t count, VkmLine& raw);
+        void MoveElement(size_t from, size_t to, bool withValues);
+        void AddKeyFields(size_t element, size_t from, bool withValues);
+    };
+
+    void FetchLine();
     void TakeLine();
+    bool TakePlainLine();
+    size_t TakeElements();
+    void HandOut(size_t count, std::span<const int> penCodes);
     void TakeText();
-    size_t TakeElements(std::span<VkmElement> elements);
-    void SetCode(Code& code, const char* bytes);
+    void SetCode(const char*& bytes);
     void GoTo(size_t point, bool begins);
     void EndStroke(size_t end);
-    void AddSymbol(const VkmElement& element, size_t place);
+    void PlaceSymbol(size_t element);
 
     Importer& importer;
     client::TextDecoder decoder;
     AngleUnit unit;
+    Symbols symbolsWanted;
     int orientation;  // that rotation was made for
     Rotation rotation;
 
+    VkmLine raw{};
+    LineArrays arrays;
     MapLine line;
-    std::vector<Point> points;
-    std::vector<Code> codes;
+    Stroke plainStroke;  // of a line that has but one
     std::vector<Stroke> strokes;
     std::vector<Stroke> wholeStrokes;
     std::vector<PlacedSymbol> symbols;
     std::deque<std::string> decodedCodes;  // those that are not plain ASCII; the first ones are in use
     size_t decodedCount = 0;
-    Code held;            // the code that holds
-    size_t heldCode = 0;  // counts its changes in the line
+    Code held;                        // the code that holds
+    const char* heldBytes = nullptr;  // where the file's bytes of it stand, where they are its text
+    size_t heldCode = 0;              // counts its changes in the line
     // The stroke in progress, where its parts begin among the strokes, and the part that has one code.
     size_t strokeBegin = 0;
     size_t wholeBegin = 0;

@@ -1,6 +1,7 @@
 #include "client/text_encoding.h"
 
 #include <algorithm>
+#include <cstring>
 
 #include "client/system.h"
 
@@ -13,8 +14,16 @@ char LowerAscii(char letter) {
     return letter >= 'A' && letter <= 'Z' ? static_cast<char>(letter - 'A' + 'a') : letter;
 }
 
-bool IsAscii(char letter) {
-    return static_cast<unsigned char>(letter) < 0x80;
+bool IsAscii(std::string_view text) {
+    constexpr uint64_t highBits = 0x8080808080808080;
+    uint64_t all = 0;
+    for (; text.size() >= sizeof all; text.remove_prefix(sizeof all)) {
+        uint64_t eight;
+        std::memcpy(&eight, text.data(), sizeof eight);
+        all |= eight;
+    }
+    for (const char letter : text) all |= static_cast<unsigned char>(letter);
+    return (all & highBits) == 0;
 }
 
 }  // namespace
@@ -97,7 +106,7 @@ TextDecoder::TextDecoder(Encoding textEncoding)
     : encoding(textEncoding), sequences(&SequencesOf(textEncoding)) {}
 
 void TextDecoder::Append(std::string_view bytes, std::string& utf8) {
-    if (std::all_of(bytes.begin(), bytes.end(), IsAscii)) {
+    if (IsAscii(bytes)) {
         utf8.append(bytes);
         return;
     }
@@ -113,6 +122,13 @@ std::string TextDecoder::Decode(std::string_view bytes) {
     std::string utf8;
     Append(bytes, utf8);
     return utf8;
+}
+
+std::string_view TextDecoder::View(std::string_view bytes, std::string& room) {
+    if (IsAscii(bytes)) return bytes;
+    room.clear();
+    Append(bytes, room);
+    return room;
 }
 
 void TextDecoder::AppendSingleBytes(std::string_view bytes, std::string& utf8) {

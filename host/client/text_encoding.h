@@ -59,6 +59,8 @@ class TextDecoder {
 
     void Append(std::string_view bytes, std::string& utf8);
     std::string Decode(std::string_view bytes);
+    // The same, where plain ASCII stays where it stands; what does not is put into the room.
+    std::string_view View(std::string_view bytes, std::string& room);
 
     // Bytes replaced since the decoder was made.
     uint64_t ReplacedBytes() const { return replacedBytes; }

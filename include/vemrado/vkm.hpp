@@ -283,6 +283,12 @@ class Reader {
         Check([&](vkm_error** error) { return vkm_stream(reader, table, stream, error); });
     }
 
+    // One stream for each of the tables, in one passage over the source.
+    template <std::size_t count>
+    void Streams(const vkm_table (&tables)[count], ArrowArrayStream (&streams)[count]) {
+        Check([&](vkm_error** error) { return vkm_streams(reader, tables, count, streams, error); });
+    }
+
     // Draws the map to a file.
     void Render(const std::filesystem::path& path, const Picture& picture = {}) {
         vkm_picture raw;

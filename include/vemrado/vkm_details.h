@@ -29,6 +29,51 @@ struct VkmSymbolPoint {
     int draws;  // 1: a straight stroke leads here from the point before; 0: the pen is moved here
 };
 
+// Coordinates farther than 1,000,000 km are no place.
+inline constexpr double farthestPlace = 1e9;
+
+// A line as GetLine gives it, with room of the caller's for its elements: arrays with an entry for each.
+struct VkmLine {
+    int room;        // entries of each array
+    double* points;  // x and y of each element, turned as GetElementPoint has it: two entries
+    char* types;     // C, K, L, P or R; ? for any other letter, 0 for none
+    const char**
+        codes;  // K values; "" for none. Neighbours of one code share one text. Valid as long as the line
+    // Written only when an element has one of them.
+    int* symbolCodes;  // S
+    double* valuesM;
+    double* valuesR;
+    double* valuesU;
+
+    int count;  // of elements
+    int layer;
+    int fileLine;  // on which it begins
+    int layerNameLength;
+    const char* layerName;
+    int hasValues;     // 1: an element has an S, M, R or U value
+    int severalCodes;  // 1: not all elements have the same code
+    int beginsAgain;   // 1: an element but the first has type P
+    int hasNoType;     // 1: an element has no type
+    int hasNoPlace;    // 1: a coordinate is no number, or beyond farthestPlace
+};
+
+// A text as GetTextRecord gives it; members are as the accessors have them.
+struct VkmText {
+    double x;
+    double y;
+    double scaledH;
+    double valueU;
+    int valueD;
+    int valueF;
+    int code;
+    int layer;
+    int fileLine;
+    int length;  // of the text
+    const char* text;
+    const char* layerName;
+    int layerNameLength;
+};
+
 class CVKMDetails : public CVKMInterface {
   public:
     // K value of a line element, as text; empty when it has none.
@@ -104,6 +149,14 @@ class CVKMDetails : public CVKMInterface {
     virtual int GetSymbolDrawing(int code, const VkmSymbolPoint** points) = 0;
     // The host's point-pattern number of a symbol code, as GetElementSymbol gives it.
     virtual int GetSymbolPattern(int code) = 0;
+
+    // --- An element as a whole, for who takes everything of it ---
+
+    // Fills in a line. Returns 1, or 0 when the arrays have too little room: the count is filled in alone
+    // then.
+    virtual int GetLine(VkmLine* line) = 0;
+    // Fills in a text.
+    virtual void GetTextRecord(VkmText* text) = 0;
 
   protected:
     CVKMDetails() = default;

@@ -75,6 +75,8 @@ class CVkmInput final : public CVKMDetails {
     const char* GetSymbolCodeName(int code) override;
     int GetSymbolDrawing(int code, const VkmSymbolPoint** points) override;
     int GetSymbolPattern(int code) override;
+    int GetLine(VkmLine* line) override;
+    void GetTextRecord(VkmText* text) override;
 
   private:
     // The element of an index; throws the framework's invalid-argument exception for any other index.
@@ -84,6 +86,7 @@ class CVkmInput final : public CVKMDetails {
         return state.lineElements[place];
     }
     bool SymbolsWanted() const;
+    int LayerNameLength() const;
     bool OpenFile(const char* fileName);
     void OpenProgressWindow();
     // Draws the progress and pumps the thread's messages. False when the user asks to stop, and when the file

@@ -10,6 +10,10 @@
 
 #include "support/containers.h"
 
+#if defined(__SSE2__)
+#include <emmintrin.h>
+#endif
+
 namespace vemrado {
 
 // Type of a line element that is none of the known letters.
@@ -32,6 +36,44 @@ struct CVKMCode {
         longCode = -1;
         return true;
     }
+};
+
+// A code that others are compared with: the next element's is the same nearly always.
+class CVKMComparedCode {
+  public:
+    CVKMComparedCode() = default;
+    // The code stays where it stands. A long one is the same as none.
+    explicit CVKMComparedCode(const CVKMCode& code) { Set(code); }
+#if defined(__SSE2__)
+    bool IsSame(const CVKMCode& code) const {
+        const __m128i others = _mm_loadu_si128(reinterpret_cast<const __m128i*>(code.text));
+        const auto same = static_cast<unsigned int>(_mm_movemask_epi8(_mm_cmpeq_epi8(text, others)));
+        return (~same & significant) == 0 && code.longCode < 0;
+    }
+
+  private:
+    void Set(const CVKMCode& code) {
+        text = _mm_loadu_si128(reinterpret_cast<const __m128i*>(code.text));
+        const auto ends =
+            static_cast<unsigned int>(_mm_movemask_epi8(_mm_cmpeq_epi8(text, _mm_setzero_si128())));
+        significant = code.longCode < 0 ? ends ^ (ends - 1) : never;
+    }
+
+    static constexpr unsigned int never = 1U << CVKMCode::mostCharacters << 1;
+    __m128i text = _mm_setzero_si128();
+    unsigned int significant = never;  // bits of the characters up to the terminating zero
+#else
+    bool IsSame(const CVKMCode& code) const {
+        return text != nullptr && code.longCode < 0 && std::strcmp(text, code.text) == 0;
+    }
+
+  private:
+    void Set(const CVKMCode& code) {
+        text = code.longCode < 0 ? code.text : nullptr;
+    }
+
+    const char* text = nullptr;
+#endif
 };
 
 // One element of a line.

@@ -175,6 +175,21 @@ class Columns(unittest.TestCase):
         LIBRARY.lib.vkm_close(small)
         LIBRARY.lib.vkm_close(reader)
 
+    def test_fills_several_tables_in_one_passage(self):
+        reader = LIBRARY.call("vkm_open", TOWN, LIBRARY.options(batch_rows=100))
+        apart = [LIBRARY.rows(reader, table)[0] for table in range(4)]
+        streams = LIBRARY.streams(reader, 3, 2, 1, 0)
+        streams[1].release(byref(streams[1]))
+        LIBRARY.lib.vkm_close(reader)
+        together = [LIBRARY.rows_of(streams[i])[0] for i in (3, 2, 0)]
+        self.assertEqual(together, [apart[0], apart[1], apart[3]])
+        stop = vkm.OnProgress(lambda _, part: 1)
+        reader = opened(HEAD + TURN * 20000, on_progress=stop)
+        for stream in LIBRARY.streams(reader, 1, 0):
+            with self.assertRaises(vkm.Failed):
+                LIBRARY.rows_of(stream)
+        LIBRARY.lib.vkm_close(reader)
+
     def test_encloses_parcels(self):
         reader = LIBRARY.call("vkm_open", TOWN, None)
         parcels, _, geometry = LIBRARY.rows(reader, 3)

@@ -301,6 +301,7 @@ class Library:
         lib.vkm_check.argtypes = [c_void_p, c_void_p, OnFinding, c_void_p, POINTER(c_void_p)]
         lib.vkm_diff.argtypes = [c_void_p, c_void_p, c_void_p, OnChange, c_void_p, POINTER(c_void_p)]
         lib.vkm_stream.argtypes = [c_void_p, c_int32, POINTER(ArrowStream), POINTER(c_void_p)]
+        lib.vkm_streams.argtypes = [c_void_p, POINTER(c_int32), c_size_t, POINTER(ArrowStream), POINTER(c_void_p)]
 
     def options(self, **members):
         options = Options()
@@ -335,9 +336,19 @@ class Library:
         return found
 
     def rows(self, reader, table, most=None):
-        """Rows of a table and its schema's metadata; stops after so many batches."""
-        stream, schema = ArrowStream(), ArrowSchema()
+        stream = ArrowStream()
         self.call("vkm_stream", reader, table, byref(stream))
+        return self.rows_of(stream, most)
+
+    def streams(self, reader, *tables):
+        """Those of several tables in one passage."""
+        streams = (ArrowStream * len(tables))()
+        self.call("vkm_streams", reader, (c_int32 * len(tables))(*tables), len(tables), streams)
+        return streams
+
+    def rows_of(self, stream, most=None):
+        """Rows of a stream and its schema's metadata; stops after so many batches."""
+        schema = ArrowSchema()
         assert stream.get_schema(byref(stream), byref(schema)) == 0
         rows, sizes = [], []
         while most is None or len(sizes) < most:

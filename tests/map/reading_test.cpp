@@ -169,11 +169,10 @@ TEST(Reading, HandsOutWholeStrokesToo) {
     const MapLine& line = reading.Line();
     EXPECT_EQ(line.layerName, "mine");
     EXPECT_EQ(Shown(line, line.wholeStrokes), "0,0 1,0 2,0 [8] 3,0 4,0 [7] ");
-    ASSERT_EQ(line.elements.size(), 5U);
-    EXPECT_EQ(line.codes[1].number, 8);
-    EXPECT_FALSE(line.codes[2].Given());
-    EXPECT_EQ(line.elements[3].fileLine, 7);
-    EXPECT_EQ(std::string({TypeLetter(line.elements[0]), TypeLetter(line.elements[4])}), "?C");
+    EXPECT_STREQ(line.types.data(), "?LLLC");
+    EXPECT_EQ(line.codeNumbers[1], 8);
+    EXPECT_EQ(line.penCodes[2], 8);
+    EXPECT_FALSE(line.CodeAt(2).Given());
 }
 
 TEST(Header, IsKept) {

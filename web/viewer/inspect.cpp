@@ -31,16 +31,14 @@ bool HoldsSymbol(const map::MapLine& line, draw::Point point, int code) {
 }
 
 void PutElement(Json& json, const Sheet& sheet, const map::MapLine& line, size_t i) {
-    const VkmElement& element = line.elements[i];
-    const map::Code& code = line.codes[i];
-    json.Begin('{').Member("type", std::string(1, map::TypeLetter(element)));
+    const map::Code code = line.CodeAt(i);
+    const int symbol = line.symbolCodes[i];
+    json.Begin('{').Member("type", std::string(1, line.types[i]));
     json.Member("x", line.points[i].x).Member("y", line.points[i].y);
     if (code.Given())
         json.Member("code", std::string(code.text)).Member("codeName", LineName(sheet, code.number));
-    if (element.symbolCode != 0) {
-        json.Member("symbol", element.symbolCode).Member("symbolName", SymbolName(sheet, element.symbolCode));
-    }
-    json.Member("m", element.valueM).Member("r", element.valueR).Member("u", element.valueU).End('}');
+    if (symbol != 0) json.Member("symbol", symbol).Member("symbolName", SymbolName(sheet, symbol));
+    json.Member("m", line.valuesM[i]).Member("r", line.valuesR[i]).Member("u", line.valuesU[i]).End('}');
 }
 
 double LengthOf(const map::MapLine& line) {
@@ -59,10 +57,9 @@ std::string DescribeLine(const Sheet& sheet, const map::MapLine& line) {
     json.Begin('{')
         .Member("kind", "line")
         .Member("fileLine", line.fileLine)
-        .Member("vertices", line.elements.size());
+        .Member("vertices", line.points.size());
     json.Member("length", LengthOf(line)).Key("elements").Begin('[');
-    for (size_t i = 0; i < std::min(line.elements.size(), mostElements); ++i)
-        PutElement(json, sheet, line, i);
+    for (size_t i = 0; i < std::min(line.points.size(), mostElements); ++i) PutElement(json, sheet, line, i);
     return json.End(']').End('}').Text();
 }
 
