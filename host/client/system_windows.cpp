@@ -292,9 +292,11 @@ std::string NewTemporaryFolder() {
 }
 
 std::string OpenOnDesktop(const std::string& path) {
+    std::string name = path;
+    std::ranges::replace(name, '/', '\\');
     constexpr INT_PTR greatestProblem = 32;
     const auto outcome = reinterpret_cast<INT_PTR>(
-        ShellExecuteA(nullptr, "open", path.c_str(), nullptr, nullptr, SW_SHOWNORMAL));
+        ShellExecuteA(nullptr, "open", name.c_str(), nullptr, nullptr, SW_SHOWNORMAL));
     return outcome > greatestProblem ? std::string() : "Windows found no browser";
 }
 
