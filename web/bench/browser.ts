@@ -82,7 +82,7 @@ export async function timePanning(page: Page): Promise<number[]> {
     });
 }
 
-// Bytes that the largest process of the browser's pages holds of its own.
+// Bytes that the largest process of the browser's pages has held at most, with what it shares with others.
 export function memoryOf(browser: Browser): number {
     const parents = new Map<number, number>();
     for (const name of readdirSync("/proc").filter((entry) => /^\d+$/.test(entry))) {
@@ -98,8 +98,7 @@ export function memoryOf(browser: Browser): number {
     const sizes = [...parents.keys()].filter(below).flatMap((id) => {
         const command = readFileSync(`/proc/${id}/cmdline`, "utf8");
         if (!command.includes("--type=renderer")) return [];
-        const shares = readFileSync(`/proc/${id}/smaps_rollup`, "utf8");
-        return [1024 * Number(/Pss_Anon: +(\d+)/.exec(shares)?.[1] ?? /Pss: +(\d+)/.exec(shares)?.[1] ?? 0)];
+        return [1024 * Number(/VmHWM:\s+(\d+)/.exec(readFileSync(`/proc/${id}/status`, "utf8"))![1])];
     });
     return Math.max(0, ...sizes);
 }

@@ -115,6 +115,25 @@ function preview(width: number, height: number): void {
     emit({ event: "preview", picture: { bitmap, view }, summary });
 }
 
+// Reads and draws a little map while people look for theirs: the first use of a part of the module compiles it.
+function warmUp(): void {
+    if (engine.summary().sheets.length > 0) return;
+    const text = "&V S-JTSK 0 0\n&G 1 1\n&U 1\n&L P 0 0 K=21900 S=101\n L 9 9 K=21910\n&T 5 5 'a'\n&K\n";
+    const bytes = new TextEncoder().encode(text.repeat(50));
+    const source = {
+        name: "warm",
+        size: bytes.length,
+        read: (from: number, n: number) => bytes.subarray(from, from + n),
+    };
+    const sheet = engine.open(source);
+    while (engine.read(sheet, slice));
+    const view = fit([-9, -9, 0, 0], 256, 256);
+    engine.paintThin(view, false);
+    engine.index(sheet);
+    bitmapOf(view, (context) => drawView(context, view)).close();
+    engine.clear();
+}
+
 const methods = {
     async init(wasm: ArrayBuffer, fonts: Font[], language: string): Promise<void> {
         const loaded = fonts.map((font) => {
@@ -124,6 +143,7 @@ const methods = {
         engine = await Engine.load(createModule, wasm, language);
         const faces = (self as unknown as { fonts: FontFaceSet }).fonts;
         for (const face of await Promise.all(loaded)) faces.add(face);
+        setTimeout(warmUp);
     },
 
     // Reads a file as a further sheet of the map. Pictures of what has come so far are as large as the page asks.
