@@ -100,9 +100,9 @@ void Reading::Take(ElementKind kind) {
     if (kind == ElementKind::text) TakeText();
 }
 
-void Reading::LineArrays::MakeRoom(size_t count, VkmLine& raw) {
+void Reading::LineArrays::MakeRoom(size_t count, VkmLine& target) {
     room = 0;  // should there be no memory
-    raw = {};
+    target = {};
     count = (count / roomStep + 1) * roomStep;
     MakeAnew(points, count);
     MakeAnew(types, count + 1);
@@ -111,14 +111,14 @@ void Reading::LineArrays::MakeRoom(size_t count, VkmLine& raw) {
     for (auto* values : {&valuesM, &valuesR, &valuesU, &zeros}) MakeAnew(*values, count);
     MakeAnew(ones, count, 1.0);
     room = count;
-    raw.room = static_cast<int>(room);
-    raw.points = &points[0].x;
-    raw.types = types.data();
-    raw.codes = codes.data();
-    raw.symbolCodes = symbolCodes.data();
-    raw.valuesM = valuesM.data();
-    raw.valuesR = valuesR.data();
-    raw.valuesU = valuesU.data();
+    target.room = static_cast<int>(room);
+    target.points = &points[0].x;
+    target.types = types.data();
+    target.codes = codes.data();
+    target.symbolCodes = symbolCodes.data();
+    target.valuesM = valuesM.data();
+    target.valuesR = valuesR.data();
+    target.valuesU = valuesU.data();
 }
 
 void Reading::LineArrays::MoveElement(size_t from, size_t to, bool withValues) {

@@ -159,7 +159,7 @@ class Reading {
         std::vector<int> noSymbols;
         std::vector<double> ones, zeros;
 
-        void MakeRoom(size_t count, VkmLine& raw);
+        void MakeRoom(size_t count, VkmLine& target);
         void MoveElement(size_t from, size_t to, bool withValues);
         void AddKeyFields(size_t element, size_t from, bool withValues);
     };
