@@ -30,15 +30,22 @@ abstract class Review {
     }
 
     draw(context: CanvasRenderingContext2D): void {
-        context.strokeStyle = this.colour;
-        context.lineWidth = 3;
-        for (const { outline } of this.marked) {
-            const places = points(outline).map((point) => this.view.toScreen(point));
-            context.beginPath();
-            for (const place of places) context.lineTo(place.x, place.y);
-            if (places.length === 1) context.arc(places[0]!.x, places[0]!.y, 13, 0, 7);
-            context.stroke();
-        }
+        for (const side of this.marked) this.drawSide(context, side, this.colour, 4);
+    }
+
+    protected drawSide(
+        context: CanvasRenderingContext2D,
+        { outline }: ChangeSide,
+        colour: string,
+        width: number,
+    ): void {
+        const places = points(outline).map((point) => this.view.toScreen(point));
+        context.strokeStyle = colour;
+        context.lineWidth = width;
+        context.beginPath();
+        for (const place of places) context.lineTo(place.x, place.y);
+        if (places.length === 1) context.arc(places[0]!.x, places[0]!.y, 13, 0, 7);
+        context.stroke();
     }
 
     protected mark(sides: ChangeSide[], colour: string): void {
@@ -119,6 +126,14 @@ export class Changes extends Review {
     override clear(): void {
         super.clear();
         this.comparison = null;
+    }
+
+    // All that the list has in its colours, what was chosen of it more boldly.
+    override draw(context: CanvasRenderingContext2D): void {
+        for (const { kind, old, now } of this.comparison?.changes ?? []) {
+            for (const side of [old, now]) if (side) this.drawSide(context, side, colours[kind], 2);
+        }
+        super.draw(context);
     }
 
     async compare(old: MapFile, encoding: "windows-1250" | "cp852" | "iso-8859-2" | "utf-8"): Promise<void> {
