@@ -14,14 +14,7 @@ import sys
 
 os.environ.setdefault("QT_QPA_PLATFORM", "offscreen")
 
-from qgis.core import (
-    QgsApplication,
-    QgsDataSourceUri,
-    QgsMapRendererSequentialJob,
-    QgsMapSettings,
-    QgsRectangle,
-    QgsVectorLayer,
-)
+from qgis.core import QgsApplication, QgsDataSourceUri, QgsMapRendererSequentialJob, QgsMapSettings, QgsRectangle, QgsVectorLayer
 from qgis.PyQt.QtCore import QSize
 from qgis.PyQt.QtGui import QColor, QImage
 
@@ -30,11 +23,7 @@ from postgis_server import Server
 PROGRAM, MAP, FOLDER = sys.argv[1:4]
 BOX = [float(number) for number in sys.argv[4].split(",")]
 EMBEDDED = dict.fromkeys(("lines", "points", "texts"), "embeddedSymbol")
-STYLED = {
-    "lines": "categorizedSymbol",
-    "points": "categorizedSymbol",
-    "texts": "nullSymbol",
-}
+STYLED = {"lines": "categorizedSymbol", "points": "categorizedSymbol", "texts": "nullSymbol"}
 faults = []
 
 
@@ -53,15 +42,7 @@ def vkm(command, *arguments):
 
 
 def reference_of(map_file, name, box):
-    vkm(
-        "render",
-        map_file,
-        "-o",
-        path(name),
-        "--bbox=" + ",".join(map(str, box)),
-        "--width",
-        "1200",
-    )
+    vkm("render", map_file, "-o", path(name), "--bbox=" + ",".join(map(str, box)), "--width", "1200")
     image = QImage(path(name)).convertToFormat(QImage.Format_RGB32)
     check(image.width() > 0, f"{name} can be read")
     return image
@@ -70,28 +51,15 @@ def reference_of(map_file, name, box):
 def checked(layers, kinds, shown):
     for layer in layers:
         name = layer.name()
-        check(
-            layer.isValid() and layer.featureCount() > 0,
-            f"{shown}: layer {name} is valid and has features",
-        )
-        check(
-            layer.crs().authid() == "EPSG:5514",
-            f"{shown}: layer {name} is in EPSG:5514",
-        )
-        check(
-            layer.renderer().type() == kinds[name],
-            f"{shown}: layer {name} is drawn by {layer.renderer().type()}",
-        )
+        check(layer.isValid() and layer.featureCount() > 0, f"{shown}: layer {name} is valid and has features")
+        check(layer.crs().authid() == "EPSG:5514", f"{shown}: layer {name} is in EPSG:5514")
+        check(layer.renderer().type() == kinds[name], f"{shown}: layer {name} is drawn by {layer.renderer().type()}")
     check(kinds is EMBEDDED or layers[2].labelsEnabled(), f"{shown}: texts are labels")
     return layers
 
 
 def open_file(name, kinds):
-    return checked(
-        [QgsVectorLayer(f"{name}|layername={layer}", layer, "ogr") for layer in kinds],
-        kinds,
-        name,
-    )
+    return checked([QgsVectorLayer(f"{name}|layername={layer}", layer, "ogr") for layer in kinds], kinds, name)
 
 
 def open_tables(server, schema, kinds):
@@ -124,9 +92,7 @@ def draw(layers, name, reference, box):
 
 def colours(image):
     """The colours of the pixels that are no mixture of a line and the ground, and the share of drawn pixels."""
-    counts = collections.Counter(
-        image.pixel(x, y) & 0xFFFFFF for x in range(image.width()) for y in range(image.height())
-    )
+    counts = collections.Counter(image.pixel(x, y) & 0xFFFFFF for x in range(image.width()) for y in range(image.height()))
     drawn = sum(counts.values()) - counts[0xFFFFFF]
     return counts, drawn / sum(counts.values())
 
@@ -145,25 +111,12 @@ def compare(name, image, reference, shares, other_cells):
     """Both draw about as much, with the same main colours, at the same places."""
     counts, drawn = colours(image)
     wanted, wanted_drawn = colours(reference)
-    check(
-        shares[0] < drawn / wanted_drawn < shares[1],
-        f"{name}: {drawn:.3f} of it is drawn, {wanted_drawn:.3f} of the reference",
-    )
-    main = [
-        colour
-        for colour, count in wanted.most_common(12)
-        if colour != 0xFFFFFF and count > 50 and saturated(colour)
-    ]
+    check(shares[0] < drawn / wanted_drawn < shares[1], f"{name}: {drawn:.3f} of it is drawn, {wanted_drawn:.3f} of the reference")
+    main = [colour for colour, count in wanted.most_common(12) if colour != 0xFFFFFF and count > 50 and saturated(colour)]
     missing = [f"{colour:06x}" for colour in main if counts[colour] < 5]
-    check(
-        not missing,
-        f"{name}: has the colours of the reference, {len(main)} of them; missing: {missing}",
-    )
+    check(not missing, f"{name}: has the colours of the reference, {len(main)} of them; missing: {missing}")
     here, there = grid(image), grid(reference)
-    check(
-        len(here ^ there) < other_cells * len(there),
-        f"{name}: draws where the reference does, but for {len(here ^ there)} of {len(there)} cells",
-    )
+    check(len(here ^ there) < other_cells * len(there), f"{name}: draws where the reference does, but for {len(here ^ there)} of {len(there)} cells")
 
 
 def saturated(colour):
@@ -176,11 +129,7 @@ def write_at_2000(name, shift):
     with open(MAP, "rb") as file:
         content = file.read()
     content = re.sub(rb"(?m)^(&R .*) 1000 ", rb"\1 2000 ", content)
-    content = re.sub(
-        rb"\b(74\d{4})\.(\d\d) (10\d{5}\.)",
-        lambda found: b"%d.%s %s" % (int(found[1]) + shift, found[2], found[3]),
-        content,
-    )
+    content = re.sub(rb"\b(74\d{4})\.(\d\d) (10\d{5}\.)", lambda found: b"%d.%s %s" % (int(found[1]) + shift, found[2], found[3]), content)
     with open(path(name), "wb") as file:
         file.write(content)
 
@@ -200,49 +149,25 @@ def write_edited(name):
 def draw_over_map(name, layers, ground, reference, wanted):
     """Layers that are to be seen in their colours over the map."""
     for layer in layers:
-        check(
-            layer.featureCount() > 0,
-            f"{name}: layer {layer.name()} has {layer.featureCount()} features",
-        )
-        check(
-            layer.renderer().type() == "categorizedSymbol",
-            f"{name}: layer {layer.name()} is styled",
-        )
+        check(layer.featureCount() > 0, f"{name}: layer {layer.name()} has {layer.featureCount()} features")
+        check(layer.renderer().type() == "categorizedSymbol", f"{name}: layer {layer.name()} is styled")
     counts, _ = colours(draw(layers + ground, name, reference, BOX))
     for colour in wanted:
-        check(
-            counts[colour] >= 20,
-            f"{name}: {counts[colour]} pixels have the colour {colour:06x}",
-        )
+        check(counts[colour] >= 20, f"{name}: {counts[colour]} pixels have the colour {colour:06x}")
 
 
 def draw_findings_and_changes(ground, reference):
     write_edited("edited.vkm")
     # They exit with 1 when there is something to tell.
-    for arguments in (
-        ["check", path("edited.vkm"), "-o", path("faults.gpkg")],
-        ["diff", MAP, path("edited.vkm"), "-o", path("diff.gpkg")],
-    ):
-        told = subprocess.run([PROGRAM, *arguments, "--quiet"], stdout=subprocess.DEVNULL)
-        check(told.returncode == 1, f"{arguments[0]} tells something")
+    for command in (["check", path("edited.vkm"), "-o", path("faults.gpkg")], ["diff", MAP, path("edited.vkm"), "-o", path("diff.gpkg")]):
+        told = subprocess.run([PROGRAM, *command, "--quiet"], stdout=subprocess.DEVNULL)
+        check(told.returncode == 1, f"{command[0]} tells something")
 
     def layers(file, *names):
         return [QgsVectorLayer(f"{path(file)}|layername={name}", name, "ogr") for name in names]
 
-    draw_over_map(
-        "qgis-findings.png",
-        layers("faults.gpkg", "findings"),
-        ground,
-        reference,
-        [0xF09614],
-    )
-    draw_over_map(
-        "qgis-diff.png",
-        layers("diff.gpkg", "texts", "symbols", "lines"),
-        ground,
-        reference,
-        [0x1E963C, 0xC81E1E, 0x2850C8],
-    )
+    draw_over_map("qgis-findings.png", layers("faults.gpkg", "findings"), ground, reference, [0xF09614])
+    draw_over_map("qgis-diff.png", layers("diff.gpkg", "texts", "symbols", "lines"), ground, reference, [0x1E963C, 0xC81E1E, 0x2850C8])
 
 
 def main():
@@ -250,22 +175,10 @@ def main():
     application.initQgis()
     reference = reference_of(MAP, "vkm-render.png", BOX)
     # QGIS draws neither dashes nor labels of feature styles.
-    compare(
-        "qgis-vkm.png",
-        draw(open_file(MAP, EMBEDDED)[:2], "qgis-vkm.png", reference, BOX),
-        reference,
-        (0.6, 1.2),
-        0.1,
-    )
+    compare("qgis-vkm.png", draw(open_file(MAP, EMBEDDED)[:2], "qgis-vkm.png", reference, BOX), reference, (0.6, 1.2), 0.1)
     vkm("convert", MAP, "-o", path("town.gpkg"))
     ground = open_file(path("town.gpkg"), STYLED)
-    compare(
-        "qgis-gpkg.png",
-        draw(ground, "qgis-gpkg.png", reference, BOX),
-        reference,
-        (0.9, 1.1),
-        0.03,
-    )
+    compare("qgis-gpkg.png", draw(ground, "qgis-gpkg.png", reference, BOX), reference, (0.9, 1.1), 0.03)
     draw_findings_and_changes(ground, reference)
     del ground
 
@@ -276,32 +189,14 @@ def main():
     larger = reference_of(path("town-2000.vkm"), "vkm-render-2000.png", there)
     vkm("convert", MAP, path("town-2000.vkm"), "-o", path("scales.gpkg"))
     both = open_file(path("scales.gpkg"), STYLED)
-    compare(
-        "qgis-scales-1000.png",
-        draw(both, "qgis-scales-1000.png", reference, BOX),
-        reference,
-        (0.9, 1.1),
-        0.03,
-    )
-    compare(
-        "qgis-scales-2000.png",
-        draw(both, "qgis-scales-2000.png", larger, there),
-        larger,
-        (0.9, 1.1),
-        0.03,
-    )
+    compare("qgis-scales-1000.png", draw(both, "qgis-scales-1000.png", reference, BOX), reference, (0.9, 1.1), 0.03)
+    compare("qgis-scales-2000.png", draw(both, "qgis-scales-2000.png", larger, there), larger, (0.9, 1.1), 0.03)
 
     server = Server()
     try:
         vkm("convert", MAP, "-o", "PG:" + server.connection, "--schema", "gis")
         tables = open_tables(server, "gis", STYLED)
-        compare(
-            "qgis-postgis.png",
-            draw(tables, "qgis-postgis.png", reference, BOX),
-            reference,
-            (0.9, 1.1),
-            0.03,
-        )
+        compare("qgis-postgis.png", draw(tables, "qgis-postgis.png", reference, BOX), reference, (0.9, 1.1), 0.03)
         del tables
     finally:
         server.stop()
