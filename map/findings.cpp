@@ -164,16 +164,20 @@ std::optional<Rule> FindRule(std::string_view name) {
 }
 
 std::string MessageOf(const Finding& finding, std::string_view field) {
-    const std::string_view pattern = TextOf(finding.rule).message;
+    return FilledMessage(TextOf(finding.rule).message, field, finding.arguments);
+}
+
+std::string FilledMessage(std::string_view sentence, std::string_view field,
+                          const std::array<std::string, 2>& arguments) {
     std::string message;
-    for (size_t i = 0; i < pattern.size(); ++i) {
-        const char next = pattern[i] == '%' && i + 1 < pattern.size() ? pattern[i + 1] : '\0';
+    for (size_t i = 0; i < sentence.size(); ++i) {
+        const char next = sentence[i] == '%' && i + 1 < sentence.size() ? sentence[i + 1] : '\0';
         if (next == 'f') {
             message += field;
         } else if (next == '1' || next == '2') {
-            message += finding.arguments[next == '1' ? 0 : 1];
+            message += arguments[next == '1' ? 0 : 1];
         } else {
-            message += pattern[i];
+            message += sentence[i];
             continue;
         }
         ++i;

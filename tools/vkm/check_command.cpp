@@ -73,9 +73,9 @@ int ListRules(Environment& environment) {
         constexpr size_t severityWidth = 9;
         std::string row(rule.name);
         row.resize(std::max(row.size() + 1, nameWidth), ' ');
-        row += map::severityNames[static_cast<size_t>(rule.severity)];
-        row.resize(std::max(row.size() + 1, nameWidth + severityWidth), ' ');
-        environment.output.Write(row + std::string(rule.summary) + "\n");
+        row += PaddedRight(TranslatedText(map::severityNames[static_cast<size_t>(rule.severity)]),
+                           severityWidth);
+        environment.output.Write(row + TranslatedText(rule.summary) + "\n");
     }
     return exitDone;
 }

@@ -2,15 +2,26 @@
 
 #include <algorithm>
 #include <cmath>
-#include <cstdio>
 
 #include "map/json_text.h"
+#include "translations.h"
 
 namespace vemrado::tools {
 namespace {
 
-std::string Counted(uint64_t count, std::string_view thing) {
-    return std::to_string(count) + " " + std::string(thing) + (count == 1 ? "" : "s");
+std::string Counted(uint64_t count, Message one, Message many) {
+    return Filled(count == 1 ? one : many, {std::to_string(count)});
+}
+
+// The sentence of a finding as people read it.
+std::string ShownMessage(const map::Finding& finding, std::string_view field) {
+    std::array<std::string, 2> arguments;
+    for (size_t i = 0; i < arguments.size(); ++i) arguments[i] = TranslatedSentence(finding.arguments[i]);
+    return map::FilledMessage(TranslatedText(map::TextOf(finding.rule).message), field, arguments);
+}
+
+std::string ShownSeverity(const map::RuleText& rule) {
+    return TranslatedText(map::severityNames[static_cast<size_t>(rule.severity)]);
 }
 
 }  // namespace
@@ -33,7 +44,7 @@ void FindingReport::Take(const map::Finding& finding) {
     field.clear();
     decoder->Append(finding.field, field);
     if (features != nullptr) WriteFeature(finding);
-    if (page != nullptr) page->Add(file, finding, map::MessageOf(finding, field));
+    if (page != nullptr) page->Add(file, finding, ShownMessage(finding, field));
     if (!isShown) return;
     if (settings.json) {
         WriteJson(finding);
@@ -46,12 +57,12 @@ void FindingReport::WriteText(const map::Finding& finding) {
     const map::RuleText& rule = map::TextOf(finding.rule);
     const std::string place =
         ":" + std::to_string(finding.place.line) + ":" + std::to_string(finding.place.column);
-    std::string message = map::MessageOf(finding, field);
+    std::string message = ShownMessage(finding, field);
     // A finding has one line, whatever its field holds.
     std::replace_if(
         message.begin(), message.end(), [](char c) { return static_cast<unsigned char>(c) < ' '; }, '?');
-    output.Write(file + place + ": " + std::string(map::severityNames[static_cast<size_t>(rule.severity)]) +
-                 ": " + message + " [" + std::string(rule.name) + "]\n");
+    output.Write(file + place + ": " + ShownSeverity(rule) + ": " + message + " [" + std::string(rule.name) +
+                 "]\n");
 }
 
 void FindingReport::WriteJson(const map::Finding& finding) {
@@ -117,17 +128,19 @@ void FindingReport::WriteSummary() {
     for (size_t rule = 0; rule < counts.size(); ++rule) {
         if (counts[rule] == 0) continue;
         const map::RuleText& text = map::TextOf(static_cast<map::Rule>(rule));
-        char row[160];
-        std::snprintf(row, sizeof row, "%s%10llu  %-8s %.*s\n", first ? "\n" : "",
-                      static_cast<unsigned long long>(counts[rule]),
-                      map::severityNames[static_cast<size_t>(text.severity)].data(),
-                      static_cast<int>(text.name.size()), text.name.data());
+        constexpr size_t numberWidth = 10;
+        constexpr size_t severityWidth = 9;
+        const std::string row = (first ? "\n" : "") + PaddedLeft(std::to_string(counts[rule]), numberWidth) +
+                                "  " + PaddedRight(ShownSeverity(text), severityWidth) +
+                                std::string(text.name) + "\n";
         output.Write(row);
         first = false;
     }
-    output.Write(Counted(Count(map::Severity::error), "error") + ", " +
-                 Counted(Count(map::Severity::warning), "warning") + ", " +
-                 Counted(Count(map::Severity::note), "note") + " in " + Counted(files, "file") + "\n");
+    output.Write(Filled(files == 1 ? Message("{}, {}, {} in {} file") : Message("{}, {}, {} in {} files"),
+                        {Counted(Count(map::Severity::error), "{} error", "{} errors"),
+                         Counted(Count(map::Severity::warning), "{} warning", "{} warnings"),
+                         Counted(Count(map::Severity::note), "{} note", "{} notes"), std::to_string(files)}) +
+                 "\n");
 }
 
 }  // namespace vemrado::tools

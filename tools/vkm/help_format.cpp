@@ -12,7 +12,7 @@ std::string ValueName(const CLI::Option& option) {
 
 std::string OptionDescription(const CLI::Option& option) {
     const std::string& preset = option.get_default_str();
-    std::string text(Translated(option.get_description()));
+    std::string text = TranslatedText(option.get_description());
     if (!preset.empty()) text += " (" + Filled("default: {}", {preset}) + ")";
     return text;
 }
@@ -20,9 +20,9 @@ std::string OptionDescription(const CLI::Option& option) {
 HelpFormat::HelpFormat() {
     constexpr size_t descriptionColumn = 28;
     column_width(descriptionColumn);
-    label("SUBCOMMAND", std::string(Translated("COMMAND")));
-    label("Positionals", std::string(Translated("Arguments")));
-    for (const char* word : {"Usage", "OPTIONS"}) label(word, std::string(Translated(word)));
+    label("SUBCOMMAND", Translated("COMMAND"));
+    label("Positionals", Translated("Arguments"));
+    for (const char* word : {"Usage", "OPTIONS"}) label(word, TranslatedText(word));
 }
 
 std::string HelpFormat::make_option_opts(const CLI::Option* option) const {
@@ -33,7 +33,7 @@ std::string HelpFormat::make_option_opts(const CLI::Option* option) const {
 
 std::string HelpFormat::make_group(std::string group, bool positionals,
                                    std::vector<const CLI::Option*> options) const {
-    return Formatter::make_group(std::string(Translated(group)), positionals, std::move(options));
+    return Formatter::make_group(TranslatedText(group), positionals, std::move(options));
 }
 
 std::string HelpFormat::make_option_desc(const CLI::Option* option) const {

@@ -8,6 +8,7 @@
 
 #include "client/text_encoding.h"
 #include "info_report.h"
+#include "translations.h"
 
 namespace vemrado::tools {
 namespace {
@@ -38,12 +39,11 @@ class Table {
     std::string Text() const {
         std::vector<size_t> widths(rows.front().size());
         for (const auto& row : rows) {
-            for (size_t i = 0; i < row.size(); ++i) widths[i] = std::max(widths[i], row[i].size());
+            for (size_t i = 0; i < row.size(); ++i) widths[i] = std::max(widths[i], LettersOf(row[i]));
         }
         std::string text;
         for (const auto& row : rows) {
-            for (size_t i = 0; i < row.size(); ++i)
-                text.append(2 + widths[i] - row[i].size(), ' ').append(row[i]);
+            for (size_t i = 0; i < row.size(); ++i) text.append("  ").append(PaddedLeft(row[i], widths[i]));
             text += '\n';
         }
         return text;
@@ -64,9 +64,10 @@ std::vector<std::string> CountRow(std::string name, const LayerCounts& layer) {
 }
 
 std::string CountTable(const FileSummary& summary) {
-    Table table({"Layer", "Lines", "Elements", "C", "K", "L", "P", "R", "other", "Texts", "Symbols"});
+    Table table({Translated("Layer"), Translated("Lines"), Translated("Elements"), "C", "K", "L", "P", "R",
+                 Translated("other"), Translated("Texts"), Translated("Symbols")});
     for (const auto& [number, layer] : summary.Layers()) table.Add(CountRow(std::to_string(number), layer));
-    table.Add(CountRow("all", summary.Total()));
+    table.Add(CountRow(Translated("all"), summary.Total()));
     return table.Text();
 }
 
@@ -89,8 +90,8 @@ std::string CodeLine(int layer, const CodeCounts& codes) {
     constexpr size_t lastColumn = 100;
     const std::string indent(12, ' ');
     std::string text;
-    std::string line = "  layer " + std::to_string(layer) + ':';
-    line.resize(std::max(line.size(), indent.size() - 1), ' ');
+    std::string line = "  " + Filled("layer {}", {std::to_string(layer)}) + ':';
+    line = PaddedRight(line, indent.size() - 1);
     for (const auto& [code, count] : codes) {
         const bool last = &code == &codes.back().first;
         const std::string item = ' ' + code + " (" + std::to_string(count) + (last ? ")" : "),");
@@ -105,32 +106,45 @@ std::string CodeLine(int layer, const CodeCounts& codes) {
 
 // A section of code counts by layer; empty when no layer has any.
 template <typename CodesOf>
-std::string CodeSection(std::string_view heading, const FileSummary& summary, CodesOf codesOf) {
+std::string CodeSection(Message heading, const FileSummary& summary, CodesOf codesOf) {
     std::string lines;
     for (const auto& [number, layer] : summary.Layers()) {
         const CodeCounts codes = codesOf(layer);
         if (!codes.empty()) lines += CodeLine(number, codes);
     }
-    return lines.empty() ? lines : '\n' + std::string(heading) + '\n' + lines;
+    return lines.empty() ? lines : '\n' + Translated(heading) + '\n' + lines;
+}
+
+// A line of the head: what it is, and its value.
+std::string HeadLine(std::string_view what, const std::string& value) {
+    constexpr size_t width = 13;
+    return "  " + PaddedRight(what, width) + value + '\n';
 }
 
 std::string ExtentsText(const std::array<Range, 2>& extents) {
-    if (!extents[0].Found() || !extents[1].Found()) return "  Extents      none\n";
-    return "  Extents      x " + Real(extents[0].minimum) + " to " + Real(extents[0].maximum) +
-           "\n               y " + Real(extents[1].minimum) + " to " + Real(extents[1].maximum) + '\n';
+    const std::string what = Translated("Extents");
+    if (!extents[0].Found() || !extents[1].Found()) return HeadLine(what, Translated("none"));
+    const auto range = [](const Range& extent) {
+        return Filled("{} to {}", {Real(extent.minimum), Real(extent.maximum)});
+    };
+    return HeadLine(what, "x " + range(extents[0])) + HeadLine("", "y " + range(extents[1]));
 }
 
 }  // namespace
 
 std::string ReportText(const FileReport& report) {
     std::string text = client::Printable(report.file) + '\n';
-    if (!report.opened) return text + "  not readable\n";
-    text += "  Map scale    1:" + Real(report.scale) + '\n';
-    text += std::string("  Coordinates  ") +
-            (report.relative ? "relative to the offsets of the header" : "absolute") + '\n';
+    if (!report.opened) return text + "  " + Translated("not readable") + '\n';
+    text += HeadLine(Translated("Map scale"), "1:" + Real(report.scale));
+    text += HeadLine(
+        Translated("Coordinates"),
+        Translated(report.relative ? Message("relative to the offsets of the header") : Message("absolute")));
     text += ExtentsText(report.summary.Extents());
-    text += "  Lines read   " + std::to_string(report.linesRead) + '\n';
-    text += std::string("  Complete     ") + (report.complete ? "yes" : "no: " + report.error) + "\n\n";
+    text += HeadLine(Translated("Lines read"), std::to_string(report.linesRead));
+    text +=
+        HeadLine(Translated("Complete"),
+                 report.complete ? Translated("yes") : Filled("no: {}", {TranslatedSentence(report.error)}));
+    text += '\n';
     text += CountTable(report.summary);
     text += CodeSection("Codes of line elements (K)", report.summary, [](const LayerCounts& layer) {
         CodeCounts codes = layer.SortedElementCodes();

@@ -68,7 +68,7 @@ std::string OptionsOf(const CLI::App& app) {
 }
 
 std::string Synopsis(const Command& command) {
-    std::string text = ".B vkm " + Escaped(command.text.name) + "\n[\\fIOPTION\\fR]...";
+    std::string text = ".B vkm " + Escaped(command.text.name) + "\n[\\fI" + Translated("OPTION") + "\\fR]...";
     for (const CLI::Option* option : command.options->get_options()) {
         if (!option->get_positional()) continue;
         const std::string name = "\\fI" + Escaped(option->get_name(true)) + "\\fR";
@@ -83,49 +83,52 @@ std::string CommandSection(const Command& command) {
         ".SS vkm " + Escaped(command.text.name) + '\n' + Escaped(Translated(command.text.summary)) + ".\n";
     text += Paragraphs(Translated(command.text.description)) + OptionsOf(*command.options);
     if (command.text.examples.empty()) return text;
-    text += ".PP\nExamples:\n";
+    text += ".PP\n" + Translated("Examples:") + '\n';
     for (const Example& example : command.text.examples) {
         text += ".TP\n.B " + Escaped(example.command) + '\n' + Escaped(Translated(example.says)) + '\n';
     }
     return text;
 }
 
-constexpr std::string_view afterwords = R"(.SH EXIT STATUS
-.TP
-.B 0
-Done. A reader of standard output that goes away early is no error.
-.TP
-.B 1
-An input could not be used or is incomplete, or the reading was stopped.
-.TP
-.B 2
-The command line makes no sense.
-.TP
-.B 3
-Anything else, such as a full disk.
-.SH STREAMS
-Data goes to standard output, everything else to standard error. A file name of
-.B \-
-is standard input; a file of that name is reached as
-.BR ./\- .
-Long files show a progress bar when standard error is a terminal. An interrupt (Ctrl-C) stops the reading cleanly;
-what was written until then is valid.
-)";
+std::string Heading(Message text) {
+    return ".SH " + Escaped(Translated(text)) + '\n';
+}
+
+std::string ExitCode(int code, Message text) {
+    return ".TP\n.B " + std::to_string(code) + '\n' + Escaped(Translated(text)) + '\n';
+}
+
+std::string Afterwords() {
+    return Heading("EXIT STATUS") +
+           ExitCode(exitDone, "Done. A reader of standard output that goes away early is no error.") +
+           ExitCode(exitInput, "An input could not be used or is incomplete, or the reading was stopped.") +
+           ExitCode(exitUsage, "The command line makes no sense.") +
+           ExitCode(exitInternal, "Anything else, such as a full disk.") + Heading("STREAMS") +
+           Escaped(Translated(
+               "Data goes to standard output, everything else to standard error. A file name of - is "
+               "standard input; a "
+               "file of that name is reached as ./-. Long files show a progress bar when standard error is a "
+               "terminal. An "
+               "interrupt (Ctrl-C) stops the reading cleanly; what was written until then is valid.")) +
+           '\n';
+}
 
 }  // namespace
 
 std::string ManualPage(Program& program) {
-    std::string text = ".TH VKM 1 \"\" \"vemrado " VEMRADO_VERSION "\" \"User Commands\"\n";
-    text +=
-        ".SH NAME\nvkm \\- read VKM files, the text exchange format of digital cadastral maps\n.SH "
-        "SYNOPSIS\n";
+    std::string text =
+        ".TH VKM 1 \"\" \"vemrado " VEMRADO_VERSION "\" \"" + Translated("User Commands") + "\"\n";
+    text += Heading("NAME") + "vkm \\- " +
+            Escaped(Translated("read VKM files, the text exchange format of digital cadastral maps")) + '\n' +
+            Heading("SYNOPSIS");
     for (const Command& command : program.Commands()) text += Synopsis(command);
-    text += ".B vkm \\-\\-version\n.SH DESCRIPTION\n";
-    text +=
-        "VKM files hold the lines, texts and symbols of digital cadastral maps. Each command reads them "
-        "through the import module that surveying applications load.\n.SH COMMANDS\n";
+    text += ".B vkm \\-\\-version\n" + Heading("DESCRIPTION") +
+            Escaped(Translated(
+                "VKM files hold the lines, texts and symbols of digital cadastral maps. Each command reads "
+                "them through the import module that surveying applications load.")) +
+            '\n' + Heading("COMMANDS");
     for (const Command& command : program.Commands()) text += CommandSection(command);
-    return text.append(afterwords);
+    return text.append(Afterwords());
 }
 
 }  // namespace vemrado::tools

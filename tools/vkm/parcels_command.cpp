@@ -85,18 +85,11 @@ class ParcelList {
     std::vector<size_t> order;
 };
 
-// Set to the right in a column of so many characters.
-std::string Aligned(std::string_view text, size_t width) {
-    const auto characters = static_cast<size_t>(std::ranges::count_if(
-        text, [](char unit) { return (static_cast<unsigned char>(unit) & 0xC0) != 0x80; }));
-    return std::string(width - std::min(width, characters), ' ').append(text);
-}
-
 std::string TableRow(std::string_view number, std::string_view area, std::string_view neighbours) {
     constexpr size_t numberWidth = 12;
     constexpr size_t areaWidth = 14;
-    return Aligned(number, numberWidth) + ' ' + Aligned(area, areaWidth) + "  " + std::string(neighbours) +
-           '\n';
+    return PaddedLeft(number, numberWidth) + ' ' + PaddedLeft(area, areaWidth) + "  " +
+           std::string(neighbours) + '\n';
 }
 
 void ParcelList::WriteTable(StandardOutput& output) const {
@@ -146,7 +139,7 @@ void ParcelList::WriteJson(StandardOutput& output) const {
 }
 
 void WarnOfFindings(const map::Parcels& made, const std::string& name, Environment& environment) {
-    const auto warn = [&](size_t count, std::string_view what) {
+    const auto warn = [&](size_t count, Message what) {
         if (count > 0) environment.Warn(name + ": " + Filled(what, {std::to_string(count)}));
     };
     warn(made.freeEnds.size(), "{} free ends of boundaries, which close no parcel");

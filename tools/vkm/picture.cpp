@@ -120,8 +120,8 @@ void DrawTo(const draw::ByteSink& sink, const PictureOptions& options, const Pic
 }
 
 std::string StoppedText(bool streams, const std::string& name) {
-    return Filled(streams ? "{}: stopped on request; the picture is partial"
-                          : "{}: stopped on request; no picture was made",
+    return Filled(streams ? Message("{}: stopped on request; the picture is partial")
+                          : Message("{}: stopped on request; no picture was made"),
                   {name});
 }
 

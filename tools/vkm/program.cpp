@@ -23,7 +23,8 @@ namespace {
 constexpr std::string_view programName = "vkm";
 
 void Say(const std::string& text) {
-    client::WriteStandardError(std::string(programName) + ": " + client::Printable(text) + "\n");
+    client::WriteStandardError(std::string(programName) + ": " + client::Printable(TranslatedSentence(text)) +
+                               "\n");
 }
 
 std::string ExamplesText(const std::vector<Example>& examples) {
@@ -46,7 +47,7 @@ void Environment::Warn(const std::string& sentence) {
 }
 
 Program::Program()
-    : app(std::string(Translated("Reads VKM files, the text exchange format of digital cadastral maps.")),
+    : app(Translated("Reads VKM files, the text exchange format of digital cadastral maps."),
           std::string(programName)) {
     app.set_version_flag("-V,--version", std::string(programName) + " " + VEMRADO_VERSION,
                          "Print the version and exit");
@@ -54,12 +55,12 @@ Program::Program()
     app.allow_windows_style_options(false);  // "/data/map.vkm" is a file there too
     app.require_subcommand(1);
     app.formatter(std::make_shared<HelpFormat>());
-    app.footer(std::string(Translated("'vkm help COMMAND' explains a command and gives examples.")));
+    app.footer(Translated("'vkm help COMMAND' explains a command and gives examples."));
 }
 
 CLI::App& Program::Add(const CommandText& text, CommandRun run) {
-    CLI::App* command = app.add_subcommand(std::string(text.name), std::string(Translated(text.summary)))
-                            ->group(std::string(Translated("Commands")));
+    CLI::App* command =
+        app.add_subcommand(std::string(text.name), Translated(text.summary))->group(Translated("Commands"));
     command->add_flag("-q,--quiet", environment.quiet, "No progress bar and no warnings, errors only");
     constexpr const char* dataText =
         "Directory that holds VKMSym, the symbology\n(default: the sample symbology of this program)";
@@ -152,7 +153,7 @@ int Program::Help(const std::vector<std::string>& words) {
 int Program::ReportUnknown(const std::string& word) {
     const auto absent = leftOut.find(word);
     if (absent != leftOut.end()) {
-        Say(std::string(Translated(absent->second)));
+        Say(Translated(absent->second));
         return exitUsage;
     }
     std::vector<std::string_view> names = {"help", "version"};

@@ -12,6 +12,7 @@
 
 #include "failure.h"
 #include "standard_output.h"
+#include "translations.h"
 
 namespace vemrado::tools {
 
@@ -37,13 +38,13 @@ using CommandRun = std::function<int(Environment& environment)>;
 
 struct Example {
     std::string_view command;
-    std::string_view says;
+    Message says;
 };
 
 struct CommandText {
     std::string_view name;
-    std::string_view summary;      // one line without a full stop
-    std::string_view description;  // paragraphs, separated by empty lines
+    Message summary;      // one line without a full stop
+    Message description;  // paragraphs, separated by empty lines
     std::vector<Example> examples;
 };
 
@@ -63,7 +64,7 @@ class Program {
     CLI::App& AddHidden(std::string_view name, CommandRun run);
 
     // A command that this build does not have, with the sentence that says what brings it.
-    void LeaveOut(std::string_view name, std::string_view reason) { leftOut[name] = reason; }
+    void LeaveOut(std::string_view name, Message reason) { leftOut[name] = reason; }
 
     // Values that an option takes, for completion.
     void SetChoices(const CLI::Option& option, std::vector<std::string> names);
@@ -91,7 +92,7 @@ class Program {
     CLI::App app;
     std::vector<Command> commands;
     std::vector<Command> hiddenCommands;
-    std::map<std::string_view, std::string_view> leftOut;
+    std::map<std::string_view, Message> leftOut;
     std::map<const CLI::Option*, std::vector<std::string>> choices;
 };
 

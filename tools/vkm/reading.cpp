@@ -24,7 +24,7 @@ ReadOutcome ReadOpened(map::Importer& importer, const std::function<void(Element
 }  // namespace
 
 ReadingEnd ReadElements(map::Importer& importer, const map::OpenOptions& options, Environment& environment,
-                        const std::function<void(ElementKind)>& take, const char* consequence) {
+                        const std::function<void(ElementKind)>& take, Message consequence) {
     ReadingEnd result = {ReadOutcome::failed, {}};
     const std::string name = client::SystemTextToUtf8(client::ShownName(options.fileName.c_str()));
     try {
@@ -38,7 +38,7 @@ ReadingEnd ReadElements(map::Importer& importer, const map::OpenOptions& options
         const std::string unpacking = archives::TakeLastProblem();
         const std::string what =
             unpacking.empty() ? exception.what() : exception.FileName() + ": " + unpacking;
-        result.problem = client::SystemTextToUtf8(what) + "; " + consequence;
+        result.problem = client::SystemTextToUtf8(what) + "; " + Translated(consequence);
     }
     importer.Close();
     environment.output.Flush();

@@ -28,6 +28,6 @@ struct ReadingEnd {
 // what an end in the middle of the file means for the output.
 ReadingEnd ReadElements(map::Importer& importer, const map::OpenOptions& options, Environment& environment,
                         const std::function<void(map::ElementKind)>& take,
-                        const char* consequence = "the output is partial");
+                        Message consequence = "the output is partial");
 
 }  // namespace vemrado::tools

@@ -149,7 +149,7 @@ void CheckRenderOptions(RenderOptions& options, const std::vector<Input>& inputs
     std::string& title = options.sheet.title;
     title = client::SystemTextToUtf8(title);
     if (client::Printable(title) != title || title.find('\n') != std::string::npos)
-        throw Failure(exitUsage, std::string(Translated("--title: a title holds no control characters")));
+        throw Failure(exitUsage, Translated("--title: a title holds no control characters"));
 }
 
 std::string ShownName(const Input& input) {
@@ -259,7 +259,7 @@ void RefusePictureOptions(const CLI::App& command) {
 int MakePage(const RenderOptions& options, const std::vector<Input>& inputs, Environment& environment) {
     RefusePictureOptions(*options.command);
     if (inputs.size() != 1)
-        throw Failure(exitUsage, std::string(Translated("--output: a page for the browser holds one map")));
+        throw Failure(exitUsage, Translated("--output: a page for the browser holds one map"));
     const Input& input = inputs.front();
     if (!input.problem.empty()) throw Failure(exitInput, input.problem);
     RefuseInputAsOutput(input.name, options.picture.file);

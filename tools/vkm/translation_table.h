@@ -1,20 +1,21 @@
-// The texts in three languages. English is what stands in the code; a text that is missing here is said in
-// English.
+// The texts in three languages: those of the first shape of the program here, the others by subject in the
+// headers that are included. English is what stands in the code.
 
 #pragma once
 
-#include <string_view>
+#include <algorithm>
+#include <array>
+#include <span>
+
+#include "finding_translations.h"
+#include "help_translations.h"
+#include "message_translations.h"
+#include "translation.h"
 
 namespace vemrado::tools {
 
-struct Translation {
-    std::string_view english;
-    std::string_view czech;
-    std::string_view german;
-};
-
 // clang-format off
-inline constexpr Translation translations[] = {
+inline constexpr Translation generalTranslations[] = {
 
 // --- The program ---
 {"Reads VKM files, the text exchange format of digital cadastral maps.",
@@ -302,5 +303,22 @@ inline constexpr Translation translations[] = {
 {"File to write; - is standard output", "Soubor k zápisu; - je standardní výstup", "Ausgabedatei; - ist die Standardausgabe"},
 };
 // clang-format on
+
+inline constexpr std::array<std::span<const Translation>, 4> translationTables = {
+    generalTranslations, helpTranslations, messageTranslations, findingTranslations};
+
+constexpr bool IsTranslated(std::string_view english) {
+    return std::ranges::any_of(translationTables, [&](std::span<const Translation> table) {
+        return std::ranges::any_of(table, [&](const Translation& row) { return row.english == english; });
+    });
+}
+
+static_assert(std::ranges::all_of(translationTables,
+                                  [](std::span<const Translation> table) {
+                                      return std::ranges::none_of(table, [](const Translation& row) {
+                                          return row.czech.empty() || row.german.empty();
+                                      });
+                                  }),
+              "a text lacks a language");
 
 }  // namespace vemrado::tools

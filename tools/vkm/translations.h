@@ -1,5 +1,5 @@
 // The program's texts in the host's language: one table for help, messages and man page. English stands in
-// the code and is the key; what the table does not have stays English.
+// the code and is the key.
 
 #pragma once
 
@@ -7,12 +7,37 @@
 #include <string>
 #include <string_view>
 
+#include "translation_table.h"
+
 namespace vemrado::tools {
 
-// The text in the language of GetZrvCountry. The argument lives as long as the program, as literals do.
-std::string_view Translated(std::string_view english);
+// A text that stands in the code: one without translations does not compile.
+struct Message {
+    template <size_t N>
+    consteval Message(const char (&text)[N]) : english(text, N - 1) {
+        if (!IsTranslated(english)) throw "this text has no row in the table of translations";
+    }
+    consteval Message() = default;
 
-// The translated text with the values in the places marked {}, in order.
-std::string Filled(std::string_view english, std::initializer_list<std::string_view> values);
+    std::string_view english;
+};
+
+// The text in the language of GetZrvCountry.
+std::string Translated(Message message);
+
+// The translated text with the values in the places marked {}, in order, or {1}, the second.
+std::string Filled(Message message, std::initializer_list<std::string_view> values);
+
+// Letters of a UTF-8 text, and the text with blanks behind it, or before it, up to so many.
+size_t LettersOf(std::string_view text);
+std::string PaddedRight(std::string_view text, size_t letters);
+std::string PaddedLeft(std::string_view text, size_t letters);
+
+// A text of any origin: as it is when the table does not have it.
+std::string TranslatedText(std::string_view english);
+
+// A sentence with values in it that the table has as a pattern, such as "cannot be opened: {}"; also behind
+// names and other things that end in a colon. As it is when there is no such pattern.
+std::string TranslatedSentence(std::string_view english);
 
 }  // namespace vemrado::tools
