@@ -62,6 +62,15 @@ def test_streams_have_what_the_tables_have(name: str, town: Path) -> None:
     gc.collect()
 
 
+def test_tables_of_one_passage_are_those_of_their_own(town: Path) -> None:
+    names = ("texts", "parcels", "lines", "texts")
+    with vemrado.open(town) as apart, vemrado.open(town) as together:
+        tables = together.tables(*names)
+        for name, table in zip(names, tables):
+            assert table is together.table(name) and len(table) == len(apart.table(name)) > 0
+            assert np.array_equal(table.geometry.points, apart.table(name).geometry.points)
+
+
 def test_columns_are_views_and_agree_with_the_elements(town: Path) -> None:
     with vemrado.open(town) as opened:
         texts = [element for element in opened if isinstance(element, vemrado.Text)]

@@ -209,6 +209,7 @@ _FUNCTIONS: dict[str, tuple[Any, list[Any]]] = {
     "vkm_get_line_style": (c_int32, [_READER, c_int32, POINTER(LineStyle), _ERROR]),
     "vkm_get_symbol": (c_int32, [_READER, c_int32, POINTER(Symbol), _ERROR]),
     "vkm_stream": (c_int32, [_READER, c_int32, c_void_p, _ERROR]),
+    "vkm_streams": (c_int32, [_READER, c_void_p, c_size_t, c_void_p, _ERROR]),
     "vkm_picture_init": (None, [POINTER(Picture)]),
     "vkm_render": (c_int32, [_READER, POINTER(Picture), c_char_p, _ERROR]),
     "vkm_render_to": (c_int32, [_READER, POINTER(Picture), Write, c_void_p, _ERROR]),

@@ -5,8 +5,9 @@ from __future__ import annotations
 import os
 import threading
 from contextlib import contextmanager
-from ctypes import POINTER, addressof, byref, c_double, sizeof
+from ctypes import POINTER, addressof, byref, c_double, c_int32, sizeof
 from dataclasses import dataclass
+from functools import partial
 from typing import TYPE_CHECKING, Any, Iterator, Optional, Sequence, Union
 
 from . import _arrow, _library
@@ -216,21 +217,6 @@ class Map:
 
     # --- Tables ---
 
-    def _stream(self, table: str, options: Optional[_library.Options] = None) -> _arrow.ArrowArrayStream:
-        stream = _arrow.ArrowArrayStream()
-        with Call() as call:
-            if options is None:
-                with self._using() as reader:
-                    status = lib.vkm_stream(reader, _library.TABLES[table], addressof(stream), call.error)
-            else:
-                reader = self._source.open(options)
-                try:
-                    status = lib.vkm_stream(reader, _library.TABLES[table], addressof(stream), call.error)
-                finally:
-                    close_reader(reader)
-            call.check(status)
-        return stream
-
     def _export(self, table: str) -> _arrow.ArrowArrayStream:
         """A stream in batches, in constant memory, for whoever takes the table through a capsule.
 
@@ -239,7 +225,14 @@ class Map:
         batched = _library.Options.from_buffer_copy(self._options)
         batched.batch_rows = 65536
         batched.on_warning = _library.no_warning
-        return self._stream(table, batched)
+        stream = _arrow.ArrowArrayStream()
+        with Call() as call:
+            reader = self._source.open(batched)
+            try:
+                call.check(lib.vkm_stream(reader, _library.TABLES[table], addressof(stream), call.error))
+            finally:
+                close_reader(reader)
+        return stream
 
     def table(self, name: str) -> Table:
         """One of the tables ``"lines"``, ``"points"``, ``"texts"`` and ``"parcels"``, read at the first call.
@@ -249,22 +242,46 @@ class Map:
         ReadError
             When reading fails in the middle; with ``strict=True`` for an incomplete map too.
         """
-        if name not in _library.TABLES:
-            raise ValueError(f"there is no table '{name}'; there are {', '.join(_library.TABLES)}")
+        return self.tables(name)[0]
+
+    def tables(self, *names: str) -> tuple[Table, ...]:
+        """Several tables; those that have not been read yet come from one passage over the file.
+
+        Raises
+        ------
+        ReadError
+            As for `table`.
+        """
+        for name in names:
+            if name not in _library.TABLES:
+                raise ValueError(f"there is no table '{name}'; there are {', '.join(_library.TABLES)}")
         with self._lock:
-            if name not in self._tables:
-                stream = self._stream(name)
-                try:
-                    with Call(self._incomplete) as call:
-                        kind, batches = _arrow.read_stream(stream)
-                        lost = any(isinstance(one, IncompleteMapWarning) for one in call.warnings)
-                        self._complete = not lost
-                except ReadError:
-                    raise
-                except OSError as error:
-                    raise ReadError(error.strerror or str(error), self.name) from None
-                self._tables[name] = Table(name, kind, batches, lambda: self._export(name))
-            return self._tables[name]
+            missing = [name for name in dict.fromkeys(names) if name not in self._tables]
+            if missing:
+                self._read(missing)
+            return tuple(self._tables[name] for name in names)
+
+    def _read(self, names: list[str]) -> None:
+        streams = (_arrow.ArrowArrayStream * len(names))()
+        wanted = (c_int32 * len(names))(*(_library.TABLES[name] for name in names))
+        with self._using() as reader, Call() as call:
+            call.check(lib.vkm_streams(reader, wanted, len(names), streams, call.error))
+        read: dict[str, Table] = {}
+        try:
+            with Call(self._incomplete) as call:
+                for name, stream in zip(names, streams):
+                    kind, batches = _arrow.read_stream(stream)
+                    read[name] = Table(name, kind, batches, partial(self._export, name))
+                lost = any(isinstance(one, IncompleteMapWarning) for one in call.warnings)
+                self._complete = not lost
+        except ReadError:
+            raise
+        except OSError as error:
+            raise ReadError(error.strerror or str(error), self.name) from None
+        finally:
+            for stream in streams:
+                _arrow.release(stream)
+        self._tables.update(read)
 
     @property
     def lines(self) -> Table:
