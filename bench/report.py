@@ -6,6 +6,7 @@ several runs; the ratio of an import to a pass that finds line ends is the media
 """
 
 import json
+import os
 import pathlib
 import resource
 import subprocess
@@ -226,6 +227,37 @@ def measure_interfaces(size):
             result[f"{elements}_ratio"])
 
 
+def read_in_python(way, path, repeat=3):
+    """The best of some runs, each in a process of its own: rows, seconds and the peak of memory."""
+    environment = dict(os.environ, PYTHONPATH="build/release/python", GDAL_DRIVER_PATH="build/release/lib/gdalplugins")
+    command = ["/usr/bin/python3", "bench/read_in_python.py", way, str(path)]
+    runs = [json.loads(subprocess.run(command, check=True, capture_output=True, text=True, env=environment).stdout)
+            for _ in range(repeat)]
+    return min(runs, key=lambda one: one["seconds"])
+
+
+def measure_python():
+    """The Python package: columns beside the import alone, geopandas beside geopandas over GDAL."""
+    def shown(result):
+        return f"{result['seconds']:.2f} s, {result['peak'] / 1e6:.0f} MB"
+
+    large = generated(200_000_000)
+    alone = imported(large, 5)["import"]
+    for way, figure in (("lines", "Python: columns of lines"), ("columns", "Python: columns of lines and texts, two passes")):
+        columns = read_in_python(way, large)
+        row(f"{figure}, 200 MB", shown(columns), "import alone", f"{alone:.2f} s", columns["seconds"] / alone)
+
+    path = generated(20_000_000)
+    frame = read_in_python("frame", path)
+    drawing = work / "python-lines.dxf"
+    run(programs / "vkm", "convert", path, "-o", drawing, "--layers", "lines", "--quiet")
+    for way, source, reference in (("driver", path, "geopandas over the GDAL driver"),
+                                   ("dxf", drawing, "geopandas over DXF")):
+        other = read_in_python(way, source)
+        row("Python: read_geopandas of lines, 20 MB", shown(frame), reference, shown(other),
+            other["seconds"] / frame["seconds"])
+
+
 def main():
     work.mkdir(parents=True, exist_ok=True)
     sizes = [1 << 20, 1 << 24, 1 << 28, 1 << 30]
@@ -236,6 +268,7 @@ def main():
     measure_mixed(1 << 28)
     measure_commands(times)
     measure_interfaces(200 << 20)
+    measure_python()
     measure_sample()
     measure_symbology()
     measure_parts()

@@ -216,7 +216,11 @@ class Array:
             assert self.values is not None and self.offsets is not None
             data = self.values.tobytes()
             ends = self.offsets.tolist()
-            items = [data[a:b].decode() for a, b in zip(ends, ends[1:])]
+            if data.isascii():
+                text = data.decode()
+                items = [text[a:b] for a, b in zip(ends, ends[1:])]
+            else:
+                items = [data[a:b].decode() for a, b in zip(ends, ends[1:])]
         elif self.field.kind in ("+l", "+L"):
             assert self.offsets is not None
             inner = self.children[0].to_list()
