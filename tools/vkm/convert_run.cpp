@@ -14,6 +14,7 @@
 #include "framework/framework.h"
 #include "input_progress.h"
 #include "program.h"
+#include "translations.h"
 
 namespace vemrado::tools {
 namespace {
@@ -94,6 +95,12 @@ void Conversion::Check() const {
     CheckReportName(options.report);
     if (options.append && options.update)
         throw Failure(exitUsage, "--append and --update exclude each other");
+    if (options.output == client::standardInputName) {
+        throw Failure(
+            exitUsage,
+            Filled("--output: converted maps go to files, not to standard output; a file called - is ./-",
+                   {}));
+    }
     if (options.prune && !options.update) throw Failure(exitUsage, "--prune needs --update");
     const bool toFolder = IsFolder(options.output);
     if (toFolder && (options.append || options.update))
