@@ -3,6 +3,7 @@
 #include <cpl_vsi.h>
 
 #include <cerrno>
+#include <cstdio>
 #include <cstring>
 
 namespace vemrado::gdal {
@@ -13,7 +14,10 @@ constexpr const char* prefix = "/vsivkmconvert/";
 
 std::string failedWrite;
 
+bool readerIsGone = false;
+
 void Remember() {
+    readerIsGone |= errno == EPIPE;
     if (failedWrite.empty()) failedWrite = errno != 0 ? std::strerror(errno) : "a write failed";
 }
 
@@ -79,12 +83,29 @@ std::string CheckedPath(const std::string& path) {
     return installed ? prefix + path : path;
 }
 
+const char* CheckedStandardOutput() {
+    VSIStdoutSetRedirection(
+        [](const void* bytes, size_t size, size_t count, FILE* stream) {
+            errno = 0;
+            const size_t written = std::fwrite(bytes, size, count, stream);
+            if (written != count) Remember();
+            return written;
+        },
+        stdout);
+    return "/vsistdout/";
+}
+
 const std::string& FailedWrite() {
     return failedWrite;
 }
 
 void ForgetFailedWrites() {
     failedWrite.clear();
+    readerIsGone = false;
+}
+
+bool ReaderIsGone() {
+    return readerIsGone;
 }
 
 }  // namespace vemrado::gdal

@@ -30,13 +30,20 @@ bool IsOpenOption(const std::string& option) {
     return CPLString(list).find("<Option name='" + name + "'") != std::string::npos;
 }
 
-std::optional<Problem> Convert(const ConvertRequest& request, const ConvertReports& reports,
+std::optional<Problem> Convert(ConvertRequest request, const ConvertReports& reports,
                                std::vector<SheetReport>& sheets) {
     Diagnostics diagnostics(reports.warn);
     const std::string name = FormatName(request);
-    const OutputFormat format = FindFormat(name);
+    OutputFormat format = FindFormat(name);
     if (format.driver == nullptr)
         return Problem{ConvertOutcome::badRequest, request.output + ": GDAL writes no format '" + name + "'"};
+    if (request.output == standardOutputName) {
+        if (!CanStream(format))
+            return Problem{ConvertOutcome::badRequest,
+                           "--output: the format '" + name +
+                               "' needs a file; GeoJSONSeq, GeoJSON and CSV go to standard output"};
+        format.layout = Layout::joined;
+    }
     if (!request.schema.empty() && !EQUAL(format.driver->GetDescription(), "PostgreSQL"))
         return Problem{ConvertOutcome::badRequest, "--schema needs an output in PostgreSQL (PG:...)"};
     CPLStringList options;
@@ -49,6 +56,11 @@ std::optional<Problem> Convert(const ConvertRequest& request, const ConvertRepor
     OpenSettings settings;
     if (!ReadOpenOptions(options.List(), settings))
         return Problem{ConvertOutcome::badRequest, diagnostics.TakeFailure()};
+    // The format's coordinates are WGS 84; its driver would transform by the names of fields, of which joined
+    // layers may have two alike.
+    if (format.layout == Layout::joined && EQUAL(format.driver->GetDescription(), "GeoJSONSeq") &&
+        settings.reference)
+        request.targetReference = "OGC:CRS84";
     // Many rows at a time are much faster than one by one.
     const CPLConfigOptionSetter bulkLoad("PG_USE_COPY", "YES", false);
     return Collection(request, settings, format, diagnostics, reports, sheets).Run();

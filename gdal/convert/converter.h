@@ -19,6 +19,9 @@ enum class OutputMode {
     update,  // the same, but sheets that are there and have changed are replaced, others left alone
 };
 
+// Output that is not a file.
+inline constexpr const char* standardOutputName = "-";
+
 struct ConvertRequest {
     std::vector<std::string> inputs;       // into one output
     std::string output;                    // its name's extension tells the format unless that is given
@@ -72,6 +75,7 @@ enum class ConvertOutcome {
     diskFull,
     badRequest,
     stopped,
+    closed,  // whoever reads standard output wanted no more of it
 };
 
 // Name of the folder beside an output in which a process makes it.

@@ -57,6 +57,7 @@ Problem Destination::CannotWrite(const std::string& reason) const {
 
 Problem Destination::Failed() {
     if (!reports.goOn()) return Stopped();
+    if (ReaderIsGone()) return Problem{ConvertOutcome::closed, ""};
     return CannotWrite(!FailedWrite().empty() ? FailedWrite() : diagnostics.TakeFailure());
 }
 
@@ -89,6 +90,17 @@ std::optional<Problem> Destination::OpenExisting() {
     return std::nullopt;
 }
 
+std::optional<Problem> Destination::OpenStream(bool oneLayer) {
+    if (request.mode != OutputMode::create)
+        return Problem{ConvertOutcome::badRequest, "standard output cannot be added to"};
+    if (IsTable(format) && !oneLayer)
+        return Problem{ConvertOutcome::badRequest,
+                       "--output: one table goes to standard output as CSV; --layers lines, points, texts or "
+                       "parcels says which"};
+    if (!layers->Create(CheckedStandardOutput())) return Failed();
+    return std::nullopt;
+}
+
 std::optional<Problem> Destination::OpenFile() {
     const client::FileKind kind = client::KindOfFile(path);
     const bool isThere = kind == client::FileKind::regular;
@@ -117,10 +129,13 @@ std::optional<Problem> Destination::Open(const OGRSpatialReference* target, bool
         name = CPLFormFilename(request.output.c_str(), request.nameInFolder.c_str(), nullptr);
         if (!format.extension.empty()) name += "." + format.extension;
     }
-    path = isPostgres || !request.nameInFolder.empty() ? name : client::FollowLinks(name);
+    const bool isStream = request.output == standardOutputName;
+    if (isStream) name = "standard output";
+    path = isStream || isPostgres || !request.nameInFolder.empty() ? name : client::FollowLinks(name);
     layers = std::make_unique<OutputLayers>(
         OutputSettings{format, request.schema, request.mode != OutputMode::create, request.box, target,
                        [this, oneLayer](const char* layer) { return PathOfLayer(layer, oneLayer); }});
+    if (isStream) return OpenStream(oneLayer);
     return isPostgres ? OpenExisting() : OpenFile();
 }
 

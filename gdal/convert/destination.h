@@ -44,6 +44,7 @@ class Destination {
     std::optional<Problem> OpenExisting();
     std::optional<Problem> PrepareSchema();
     std::optional<Problem> OpenFile();
+    std::optional<Problem> OpenStream(bool oneLayer);
     Problem CannotWrite(const std::string& reason) const;
 
     const ConvertRequest& request;

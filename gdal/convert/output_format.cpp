@@ -14,6 +14,7 @@ namespace {
 constexpr std::string_view containers[] = {"GPKG", "SQLite", "GML", "KML",    "LIBKML",
                                            "ODS",  "XLSX",   "PDF", "PGDUMP", "PostgreSQL"};
 constexpr std::string_view merging[] = {"DXF"};
+constexpr std::string_view streaming[] = {"GeoJSONSeq", "GeoJSON", "CSV"};
 
 struct FieldType {
     OGRFieldType type;
@@ -79,6 +80,14 @@ OutputFormat FindFormat(const std::string& name) {
     if (Contains(containers, driverName)) format.layout = Layout::container;
     if (Contains(merging, driverName)) format.layout = Layout::merged;
     return format;
+}
+
+bool CanStream(const OutputFormat& format) {
+    return Contains(streaming, format.driver->GetDescription());
+}
+
+bool IsTable(const OutputFormat& format) {
+    return EQUAL(format.driver->GetDescription(), "CSV");
 }
 
 OGRFieldType FieldTypeFor(GDALDriver& driver, OGRFieldType wanted) {

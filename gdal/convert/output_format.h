@@ -14,6 +14,7 @@ enum class Layout {
     container,  // one file holds all layers
     separate,   // a file for each layer
     merged,     // one file with all features in one layer
+    joined,     // the same, and the layer has the fields of them all
 };
 
 struct OutputFormat {
@@ -25,6 +26,12 @@ struct OutputFormat {
 // The format that people name by an extension or a driver's name. A null driver when GDAL writes none of that
 // name.
 OutputFormat FindFormat(const std::string& name);
+
+// Whether the format can be written from its beginning to its end, as standard output is. Its layers are
+// joined then.
+bool CanStream(const OutputFormat& format);
+// Whether all rows of a layer have the same columns.
+bool IsTable(const OutputFormat& format);
 
 // By these the driver keeps what it would lose by default: lists as text, geometries, letters.
 OGRFieldType FieldTypeFor(GDALDriver& driver, OGRFieldType wanted);

@@ -17,6 +17,15 @@ bool Clean() {
     return CPLGetLastErrorType() < CE_Failure;
 }
 
+// The field of that name and type; -1: none.
+int FindField(OGRFeatureDefn& made, const OGRFieldDefn& wanted) {
+    for (int i = 0; i < made.GetFieldCount(); ++i) {
+        const OGRFieldDefn& field = *made.GetFieldDefn(i);
+        if (EQUAL(field.GetNameRef(), wanted.GetNameRef()) && field.GetType() == wanted.GetType()) return i;
+    }
+    return -1;
+}
+
 }  // namespace
 
 OutputLayers::OutputLayers(OutputSettings chosen) : settings(std::move(chosen)) {
@@ -35,7 +44,9 @@ OutputLayers::~OutputLayers() {
 
 bool OutputLayers::Create(const std::string& path) {
     // Databases keep files of their own beside it and look at every write themselves.
-    const std::string name = isDatabase ? path : CheckedPath(path);
+    // Formats know standard output by its name.
+    const bool isPlain = isDatabase || settings.format.layout == Layout::joined;
+    const std::string name = isPlain ? path : CheckedPath(path);
     GDALDatasetUniquePtr made(settings.format.driver->Create(name.c_str(), 0, 0, 0, GDT_Unknown, nullptr));
     if (made == nullptr) return false;
     datasets.push_back(std::move(made));
@@ -83,6 +94,7 @@ OGRLayer* OutputLayers::Make(GDALDataset& dataset, OGRFeatureDefn& definition, O
 bool OutputLayers::MapFields(Place& place, OGRFeatureDefn& definition) {
     OGRFeatureDefn& made = *place.layer->GetLayerDefn();
     place.fields.assign(static_cast<size_t>(definition.GetFieldCount()), -1);
+    const bool joined = settings.format.layout == Layout::joined;
     for (int i = 0; i < definition.GetFieldCount(); ++i) {
         int& target = place.fields[static_cast<size_t>(i)];
         const OGRFieldDefn& field = *definition.GetFieldDefn(i);
@@ -92,8 +104,11 @@ bool OutputLayers::MapFields(Place& place, OGRFeatureDefn& definition) {
         }
         OGRFieldDefn wanted(&field);
         wanted.SetType(FieldTypeFor(*settings.format.driver, field.GetType()));
+        if (joined && (target = FindField(made, wanted)) >= 0) continue;
         const int before = made.GetFieldCount();
         if (place.layer->CreateField(&wanted) != OGRERR_NONE) return false;
+        // Of fields of one name, which two kinds of features may have with two types, a layer adds the first.
+        if (joined && made.GetFieldCount() == before) made.AddFieldDefn(&wanted);
         // Formats with fields of their own may take one of them for it.
         target = made.GetFieldCount() > before ? before : made.GetFieldIndex(field.GetNameRef());
     }
@@ -107,6 +122,10 @@ bool OutputLayers::Add(OutputKind kind, OGRFeatureDefn& definition, OGRwkbGeomet
     if (settings.format.layout == Layout::merged) {
         if (merged == nullptr) merged = Dataset().CreateLayer("entities", nullptr, wkbUnknown, nullptr);
         place.layer = merged;
+    } else if (settings.format.layout == Layout::joined) {
+        if (merged == nullptr) merged = Make(Dataset(), definition, wkbUnknown);
+        place.layer = merged;
+        if (merged == nullptr || !MapFields(place, definition)) return false;
     } else {
         if (settings.keepExisting) place.layer = Find(definition.GetName());
         place.existed = place.layer != nullptr;
@@ -158,7 +177,7 @@ bool OutputLayers::Write(OutputKind kind, OGRFeature& feature) {
         if (feature.GetGeometryRef() != nullptr) feature.GetGeometryRef()->getEnvelope(&own);
         if (!own.IsInit() || own.Intersects(limits) == 0) return true;
     }
-    if (!Fit(place, feature)) return false;
+    if (!Fit(place, feature) || !FailedWrite().empty()) return false;
     if (settings.format.layout == Layout::merged) return WriteMerged(place, feature);
     OGRFeature copy(place.layer->GetLayerDefn());
     const GIntBig identifier = feature.GetFID();

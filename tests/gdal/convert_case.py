@@ -56,6 +56,10 @@ class ConvertCase(unittest.TestCase):
         self.assertEqual((code, "", []), (run.returncode, run.stdout, self.left_behind()), run.stderr)
         return run.stderr
 
+    def stream(self, *arguments, **more):
+        """What goes to standard output."""
+        return subprocess.run([VKM, "convert", *arguments, "-o", "-"], cwd=self.folder, check=True, text=True, stdout=subprocess.PIPE, **more).stdout
+
     def sheets(self, *names):
         """Maps of their own in files of these names."""
         made = {}

@@ -1,5 +1,8 @@
 """Checks `vkm convert` of single maps: python3 convert_test.py."""
 
+import csv
+import io
+import json
 import os
 import resource
 import signal
@@ -190,6 +193,34 @@ class Convert(ConvertCase):
         with open(self.path("map.vkm"), "rb") as piped:
             self.convert("-", "-o", "piped.fgb", "--layers", "lines", stdin=piped)
         self.assertEqual({"lines": COUNTS["lines"]}, counts_of(self.path("piped.fgb")))
+
+    def test_standard_output_takes_the_features_of_all_files(self):
+        def features(text, lines):
+            return sorted(json.dumps(feature, sort_keys=True) for feature in (map(json.loads, text.splitlines()) if lines else json.loads(text)["features"]))
+
+        self.convert("map.vkm", "-o", "out.geojson")
+        files = []
+        for name in COUNTS:
+            with open(self.path(f"out_{name}.geojson"), encoding="utf-8") as file:
+                files += features(file.read(), lines=False)
+        with open(self.path("map.vkm"), "rb") as piped:
+            self.assertEqual(sorted(files), features(self.stream("-", "-f", "GeoJSON", stdin=piped), lines=False))
+        # Sequences have other coordinates; what a feature says is the same.
+        streamed = features(self.stream("map.vkm", "-f", "GeoJSONSeq"), lines=True)
+        said = [sorted(json.dumps(json.loads(one)["properties"], sort_keys=True) for one in some) for some in (files, streamed)]
+        self.assertEqual(*said)
+        table = self.stream("map.vkm", "-f", "CSV", "--layers", "texts")
+        self.assertEqual([text["text"] or "" for text in MAP.texts], [row["text"] for row in csv.DictReader(io.StringIO(table))])
+        for options, reason in ((["-f", "CSV"], "one table"), (["-f", "gpkg"], "needs a file"), ([], "needs --format")):
+            self.assertIn(reason, self.convert("map.vkm", "-o", "-", *options, code=2))
+        with open("/dev/full", "wb") as full:
+            run = subprocess.run([VKM, "convert", "map.vkm", "-o", "-", "-f", "csv", "--layers", "lines"], cwd=self.folder, stdout=full, stderr=subprocess.PIPE)
+        self.assertEqual((4, b"vkm: standard output: cannot be written: No space left on device\n"), (run.returncode, run.stderr))
+        reader, writer = os.pipe()
+        os.close(reader)
+        run = subprocess.run([VKM, "convert", "map.vkm", "-o", "-", "-f", "geojsonl"], cwd=self.folder, stdout=writer, stderr=subprocess.PIPE)
+        os.close(writer)
+        self.assertEqual((0, b""), (run.returncode, run.stderr))
 
 
 if __name__ == "__main__":

@@ -81,7 +81,7 @@ TEST(Translations, ReachWhatTheLibrariesSay) {
         {{"dump", folder.Path("none.vkm")}, {"none.vkm: takový soubor", "none.vkm: Datei oder Verzeichnis"}},
         {{"shapes", "pack", map, folder.Path("no/x.ksh")},
          {"map.vkm:1: \"&U\" není slovo", "map.vkm:1: \"&U\" ist kein Wort"}},
-        {{"convert", map, "-o", "-", "-f", "geojson"}, {"--output: převedené", "--output: gewandelte"}},
+        {{"convert", map, "-o", "-"}, {"--output: standardní výstup", "--output: die Standardausgabe"}},
         {{"dump", map, "-e", "cp852x"}, {"kódování 'cp852x' neexistuje", "Kodierung 'cp852x' gibt es nicht"}},
         {{"check", map}, {"chyba: 'x' není číslo", "Fehler: 'x' ist keine Zahl"}},
     };

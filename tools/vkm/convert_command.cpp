@@ -32,11 +32,14 @@ void AddConvertCommand(Program& program) {
          {"vkm convert -r sheets/ -o out/ --report report.csv", "a GeoPackage each, in the same folders"},
          {"vkm convert archive.zip -o PG:dbname=gis --schema cadastre --update",
           "what is new into a database"},
-         {"vkm convert town.vkm -o lines.geojson --layers lines", "one layer only"}}};
+         {"vkm convert town.vkm -o lines.geojson --layers lines", "one layer only"},
+         {"vkm convert town.vkm -o - --format geojsonl", "a feature a line to standard output"}}};
     CLI::App& command = program.Add(
         text, [options](Environment& environment) { return RunConversion(*options, environment); });
     AddInputOptions(command, options->inputs);
-    command.add_option("-o,--output", options->output, "The output file, or a folder for an output each")
+    command
+        .add_option("-o,--output", options->output,
+                    "The output file, a folder for an output each, or - for standard output")
         ->type_name("OUT")
         ->required();
     CLI::Option* format =

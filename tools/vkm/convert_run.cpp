@@ -95,12 +95,9 @@ void Conversion::Check() const {
     CheckReportName(options.report);
     if (options.append && options.update)
         throw Failure(exitUsage, "--append and --update exclude each other");
-    if (options.output == client::standardInputName) {
-        throw Failure(
-            exitUsage,
-            Filled("--output: converted maps go to files, not to standard output; a file called - is ./-",
-                   {}));
-    }
+    if (options.output == gdal::standardOutputName && options.format.empty())
+        throw Failure(exitUsage,
+                      Filled("--output: standard output needs --format GeoJSONSeq, GeoJSON or CSV", {}));
     if (options.prune && !options.update) throw Failure(exitUsage, "--prune needs --update");
     const bool toFolder = IsFolder(options.output);
     if (toFolder && (options.append || options.update))
@@ -216,6 +213,7 @@ std::string Conversion::Convert(const Work& work) {
 int ExitCodeOf(gdal::ConvertOutcome outcome) {
     switch (outcome) {
         case gdal::ConvertOutcome::complete:
+        case gdal::ConvertOutcome::closed:
             return exitDone;
         case gdal::ConvertOutcome::incomplete:
             return exitInput;
@@ -238,10 +236,11 @@ bool Conversion::Take(const Work& work, const gdal::ConvertResult& result) {
     using gdal::ConvertOutcome;
     const ConvertOutcome outcome = result.outcome;
     const bool made = outcome == ConvertOutcome::complete || outcome == ConvertOutcome::incomplete ||
-                      outcome == ConvertOutcome::partial;
+                      outcome == ConvertOutcome::partial || outcome == ConvertOutcome::closed;
     for (size_t i = 0; i < work.inputs.size(); ++i) {
         gdal::SheetReport& sheet = rows[work.inputs[i]].sheet;
         if (i < result.sheets.size()) sheet = result.sheets[i];
+        sheet.made |= outcome == ConvertOutcome::closed;  // as far as anybody wanted it
         if (!made && sheet.reason.empty()) {
             sheet.made = false;
             sheet.reason = result.problem;
