@@ -303,7 +303,8 @@ VKM_API vkm_status vkm_stream(vkm_reader* reader, vkm_table table, struct ArrowA
 /* The same for several tables in one passage over the source, which takes the time of one: streams[i] is that
  * of tables[i]. What one stream reads past, the others keep until they are asked for it, so take batches in
  * turn where the map is large. A stream that is released keeps nothing. The streams of one passage may be
- * used by different threads; they wait for each other. */
+ * used by different threads; they wait for each other, so a warning or progress callback must not call one of
+ * them. */
 VKM_API vkm_status vkm_streams(vkm_reader* reader, const vkm_table* tables, size_t count,
                                struct ArrowArrayStream* streams, vkm_error** error);
 
