@@ -42,10 +42,10 @@ std::string Destination::PathOfLayer(const char* layer, bool oneLayer) const {
 }
 
 Problem Destination::Stopped() const {
-    const bool stays = request.mode != OutputMode::create;
-    return {ConvertOutcome::stopped,
-            name + ": stopped on request; " +
-                (stays ? "sheets that were written before stay" : "nothing was made")};
+    const char* state = "nothing was made";
+    if (request.mode != OutputMode::create) state = "sheets that were written before stay";
+    if (request.output == standardOutputName) state = "the output is partial";
+    return {ConvertOutcome::stopped, name + ": stopped on request; " + state};
 }
 
 Problem Destination::CannotWrite(const std::string& reason) const {
