@@ -1,8 +1,11 @@
 // vkm check: what is wrong with maps, with its place in the file. The rules are described in docs/check.md.
 
 #include <algorithm>
+#include <cstdlib>
 #include <limits>
 #include <memory>
+#include <optional>
+#include <utility>
 
 #include "check_pages.h"
 #include "client/atomic_output.h"
@@ -18,6 +21,7 @@
 #include "map/map_check.h"
 #include "map_source.h"
 #include "program.h"
+#include "stop_watch.h"
 
 namespace vemrado::tools {
 namespace {
@@ -92,6 +96,41 @@ map::Finding ForeignFinding(const client::ForeignFile& foreign, const std::strin
     return {map::Rule::notVkm, {}, {}, {sentence, {}}, std::nullopt};
 }
 
+// Findings on their way to the report. Behind the end of the file those of the whole map are looked for,
+// which takes seconds in a large one; a stop ends the program then.
+class StoppableCheck : public map::FindingSink {
+  public:
+    StoppableCheck(const std::string& name, map::FindingSink& next, Environment& around)
+        : shownName(name), sink(next), environment(around) {}
+
+    map::ByteSource Watched(map::ByteSource source) {
+        return [this, source = std::move(source)](char* to, size_t count) {
+            const size_t got = source(to, count);
+            if (got == 0 && !watch) {
+                environment.output.Flush();
+                watch.emplace([this] {
+                    environment.Error(StoppedText());
+                    std::_Exit(exitInput);
+                });
+            }
+            return got;
+        };
+    }
+    void Take(const map::Finding& finding) override {
+        watch.reset();
+        sink.Take(finding);
+    }
+    std::string StoppedText() const {
+        return shownName + ": stopped on request; the findings are not complete";
+    }
+
+  private:
+    const std::string& shownName;
+    map::FindingSink& sink;
+    Environment& environment;
+    std::optional<StopWatch> watch;
+};
+
 // False when the file could not be read to its end, which has been said.
 bool CheckFile(const Input& input, const EncodingChoice& encoding, map::CheckSettings settings,
                FindingReport& report, Environment& environment) {
@@ -100,11 +139,12 @@ bool CheckFile(const Input& input, const EncodingChoice& encoding, map::CheckSet
         return false;
     }
     const std::string shownName = client::SystemTextToUtf8(client::ShownName(input.name.c_str()));
+    StoppableCheck check(shownName, report, environment);
     try {
         if (!ChooseEncoding(encoding, input.name, environment, settings.encoding)) return false;
         report.BeginFile(shownName, settings.encoding);
         MapSource source(input.name);
-        map::CheckMap(source.Bytes(), source.MarkSkipped(), settings, report);
+        map::CheckMap(check.Watched(source.Bytes()), source.MarkSkipped(), settings, check);
         return true;
     } catch (const client::ForeignFile& foreign) {
         if (settings.rules[static_cast<size_t>(map::Rule::notVkm)])
@@ -115,7 +155,7 @@ bool CheckFile(const Input& input, const EncodingChoice& encoding, map::CheckSet
         environment.Error(unreadable.what());
     } catch (const Stopped&) {
         environment.output.Flush();
-        environment.Error(shownName + ": stopped on request; the findings are not complete");
+        environment.Error(check.StoppedText());
     }
     return false;
 }

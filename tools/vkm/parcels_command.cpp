@@ -4,8 +4,10 @@
 #include <charconv>
 #include <cmath>
 #include <cstdio>
+#include <cstdlib>
 #include <memory>
 #include <nlohmann/json.hpp>
+#include <optional>
 #include <tuple>
 
 #include "client/standard_input.h"
@@ -17,6 +19,7 @@
 #include "map/parcel_material.h"
 #include "program.h"
 #include "reading.h"
+#include "stop_watch.h"
 #include "translations.h"
 
 namespace vemrado::tools {
@@ -170,8 +173,14 @@ int RunParcels(const ParcelOptions& options, Environment& environment) {
     };
     const ReadOutcome outcome = ReadElements(importer, open, environment, take, "nothing was listed").outcome;
     if (outcome != ReadOutcome::complete && outcome != ReadOutcome::incomplete) return exitInput;
-    const map::Parcels made = builder.Build();
     const std::string name = client::SystemTextToUtf8(client::ShownName(file.c_str()));
+    std::optional<StopWatch> watch;
+    watch.emplace([&] {
+        environment.Error(name + ": stopped on request; nothing was listed");
+        std::_Exit(exitInput);
+    });
+    const map::Parcels made = builder.Build();
+    watch.reset();
     WarnOfFindings(made, name, environment);
     const ParcelList list(made.parcels);
     if (options.csv) {
