@@ -5,6 +5,7 @@
 #include <cstdio>
 
 #include "map/json_text.h"
+#include "translations.h"
 
 namespace vemrado::tools {
 namespace {
@@ -19,7 +20,9 @@ std::string Place(map::Point point) {
     return Short(point.x) + " " + Short(point.y);
 }
 
-// What distinguishes a side, in words.
+constexpr std::string_view withoutCode = "without a code";
+
+// What distinguishes a side, in words; empty when it has no code.
 std::string Described(const map::ChangeSide& side, client::TextDecoder& decoder) {
     if (side.text != nullptr) {
         std::string text;
@@ -28,17 +31,28 @@ std::string Described(const map::ChangeSide& side, client::TextDecoder& decoder)
                " U=" + Short(side.text->rotation);
     }
     std::string text = side.code.empty() ? std::string() : "K=" + decoder.Decode(side.code);
-    if (side.sign == nullptr) return text.empty() ? "without a code" : text;
+    if (side.sign == nullptr) return text;
     if (!text.empty()) text += " ";
     return text + "S=" + std::to_string(side.sign->symbol) + " M=" + Short(side.sign->scale) +
            " U=" + Short(side.sign->rotation);
 }
 
+std::string DescribedOrNot(const map::ChangeSide& side, client::TextDecoder& decoder) {
+    const std::string text = Described(side, decoder);
+    return text.empty() ? TranslatedText(withoutCode) : text;
+}
+
 std::string Where(const map::ChangeSide& side) {
-    if (side.points.size() == 1) return "at " + Place(side.points.front());
-    const std::string middle =
-        side.points.size() > 2 ? " over " + std::to_string(side.points.size() - 2) + " points" : "";
-    return "from " + Place(side.points.front()) + middle + " to " + Place(side.points.back());
+    const std::string first = Place(side.points.front());
+    const std::string last = Place(side.points.back());
+    if (side.points.size() == 1) return Filled("at {}", {first});
+    if (side.points.size() == 2) return Filled("from {} to {}", {first, last});
+    return Filled("from {} over {} points to {}", {first, std::to_string(side.points.size() - 2), last});
+}
+
+// "added line", as the table of translations has it.
+std::string PhraseOf(size_t kind, size_t thing) {
+    return std::string(map::changeNames[kind]) + " " + std::string(map::thingNames[thing]);
 }
 
 double Distance(map::Point a, map::Point b) {
@@ -84,23 +98,22 @@ void DiffReport::WriteJson(const map::Change& change) {
 }
 
 void DiffReport::WriteText(const map::Change& change) {
-    std::string text(map::changeNames[static_cast<size_t>(change.kind)]);
-    text.append(" ").append(map::thingNames[static_cast<size_t>(change.thing)]);
-    text.append(", layer ").append(std::to_string(change.layer)).append(", ");
     const map::ChangeSide& shown = change.now ? *change.now : *change.old;
-    text += Where(shown) + ": ";
-    if (change.old) text += Described(*change.old, oldDecoder);
+    std::string text =
+        TranslatedText(PhraseOf(static_cast<size_t>(change.kind), static_cast<size_t>(change.thing))) +
+        Filled(", layer {}, ", {std::to_string(change.layer)}) + Where(shown) + ": ";
+    if (change.old) text += DescribedOrNot(*change.old, oldDecoder);
     if (change.kind == map::ChangeKind::moved) {
-        text += " by " +
-                Short(std::round(Distance(change.old->points[0], change.now->points[0]) * 1e4) / 1e4) + " m";
+        const double distance = Distance(change.old->points[0], change.now->points[0]);
+        text += Filled(" by {} m", {Short(std::round(distance * 1e4) / 1e4)});
     } else if (change.old && change.now) {
         text += " -> ";
     }
-    if (change.now && change.kind != map::ChangeKind::moved) text += Described(*change.now, newDecoder);
+    if (change.now && change.kind != map::ChangeKind::moved) text += DescribedOrNot(*change.now, newDecoder);
     text += " (";
-    if (change.old) text += "old line " + std::to_string(change.old->fileLine);
+    if (change.old) text += Filled("old line {}", {std::to_string(change.old->fileLine)});
     if (change.old && change.now) text += ", ";
-    if (change.now) text += "new line " + std::to_string(change.now->fileLine);
+    if (change.now) text += Filled("new line {}", {std::to_string(change.now->fileLine)});
     output.Write(text + ")\n");
 }
 
@@ -124,7 +137,8 @@ void DiffReport::WriteFeature(const map::Change& change) {
             return;
         }
         members += member + "\":";
-        map::AppendJsonText(members, Described(*side, decoder));
+        const std::string text = Described(*side, decoder);
+        map::AppendJsonText(members, text.empty() ? withoutCode : text);
         members += member + "_line\":" + std::to_string(side->fileLine);
     };
     add("old", change.old, oldDecoder);
@@ -138,15 +152,21 @@ void DiffReport::WriteTotals() {
     std::string text;
     for (size_t kind = 0; kind < counts.size(); ++kind) {
         for (size_t thing = 0; thing < counts[kind].size(); ++thing) {
-            const uint64_t count = counts[kind][thing];
-            if (count == 0) continue;
-            text.append(text.empty() ? "" : ", ").append(std::to_string(count)).append(" ");
-            text.append(map::thingNames[thing])
-                .append(count == 1 ? " " : "s ")
-                .append(map::changeNames[kind]);
+            if (counts[kind][thing] == 0) continue;
+            const std::string count = std::to_string(counts[kind][thing]);
+            const std::string phrase = PhraseOf(kind, thing);
+            const std::string translated = TranslatedText(phrase);
+            if (!text.empty()) text += ", ";
+            // Other languages have more forms for numbers than one and many.
+            if (translated != phrase) {
+                text += translated + ": " + count;
+                continue;
+            }
+            text.append(count + " ").append(map::thingNames[thing]).append(count == "1" ? " " : "s ");
+            text.append(map::changeNames[kind]);
         }
     }
-    output.Write((text.empty() ? "no changes" : text) + "\n");
+    output.Write((text.empty() ? Translated("no changes") : text) + "\n");
 }
 
 }  // namespace vemrado::tools

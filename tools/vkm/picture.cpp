@@ -104,7 +104,8 @@ void DrawTo(const draw::ByteSink& sink, const PictureOptions& options, const Pic
     draw::PageSize page = picture.page;
     const double dotsPerInch = Resize(options, format, page);
     const auto things = static_cast<double>(std::max<uint64_t>(picture.things, 1));
-    ProgressBar bar("Drawing");
+    const std::string caption = Translated("Drawing");
+    ProgressBar bar(caption.c_str());
     const auto canvas =
         draw::MakeCanvas(format, page, dotsPerInch, picture.title, [&](std::string_view bytes) {
             if (client::StopRequested()) throw DrawingStopped();

@@ -14,6 +14,7 @@
 #include "program.h"
 #include "symbology_check.h"
 #include "symbology_sheet.h"
+#include "translations.h"
 
 namespace vemrado::tools {
 namespace {
@@ -37,9 +38,10 @@ std::string DashesText(const map::Pen& pen) {
 }
 
 void PrintLines(const CheckedSymbology& checked, StandardOutput& output) {
-    output.Write(Row("Line codes: %zu\n", checked.lines.size()));
-    output.Write(
-        Row("%11s %9s  %-7s %6s  %-24s %s\n", "code", "line type", "colour", "mm", "dashes (mm)", "name"));
+    output.Write(Filled("Line codes: {}", {std::to_string(checked.lines.size())}) + "\n");
+    output.Write(PaddedLeft(Translated("code"), 11) + ' ' + PaddedLeft(Translated("line type"), 9) + "  " +
+                 PaddedRight(Translated("colour"), 7) + ' ' + PaddedLeft("mm", 6) + "  " +
+                 PaddedRight(Translated("dashes (mm)"), 24) + ' ' + Translated("name") + '\n');
     for (const CheckedLine& line : checked.lines) {
         const uint32_t colour = line.pen.colour;
         output.Write(Row("%11d %9d  #%02x%02x%02x %6.6g  %-24.80s ", line.entry.code, line.entry.number,
@@ -50,8 +52,10 @@ void PrintLines(const CheckedSymbology& checked, StandardOutput& output) {
 }
 
 void PrintSymbols(const CheckedSymbology& checked, StandardOutput& output) {
-    output.Write(Row("\nSymbol codes: %zu\n", checked.symbols.size()));
-    output.Write(Row("%11s %9s  %7s  %-14s %s\n", "code", "symbol", "strokes", "size (mm)", "name"));
+    output.Write("\n" + Filled("Symbol codes: {}", {std::to_string(checked.symbols.size())}) + "\n");
+    output.Write(PaddedLeft(Translated("code"), 11) + ' ' + PaddedLeft(Translated("symbol"), 9) + "  " +
+                 PaddedLeft(Translated("strokes"), 7) + "  " + PaddedRight(Translated("size (mm)"), 14) +
+                 ' ' + Translated("name") + '\n');
     for (const CheckedSymbol& symbol : checked.symbols) {
         const map::Box& bounds = symbol.drawing.bounds;
         const std::string size = Row("%.6g x %.6g", bounds.Width(), bounds.Height());
