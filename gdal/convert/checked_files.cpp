@@ -95,6 +95,11 @@ const char* CheckedStandardOutput() {
     return "/vsistdout/";
 }
 
+void FlushStandardOutput() {
+    errno = 0;
+    if (std::fflush(stdout) != 0) Remember();
+}
+
 const std::string& FailedWrite() {
     return failedWrite;
 }

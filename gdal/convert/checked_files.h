@@ -11,6 +11,8 @@ std::string CheckedPath(const std::string& path);
 
 // The same for standard output.
 const char* CheckedStandardOutput();
+// Writes out what stands in its buffer.
+void FlushStandardOutput();
 
 // Why a write through the check failed, since the last call of ForgetFailedWrites; empty when none did.
 const std::string& FailedWrite();

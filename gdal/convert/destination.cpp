@@ -141,6 +141,7 @@ std::optional<Problem> Destination::Open(const OGRSpatialReference* target, bool
 
 std::optional<Problem> Destination::Conclude() {
     const bool written = layers->Commit() && layers->Close();
+    if (request.output == standardOutputName) FlushStandardOutput();
     if (!written || !FailedWrite().empty() || !diagnostics.Failure().empty()) return Failed();
     std::string reason;
     if (staged == nullptr || staged->PutInPlace(reason)) return std::nullopt;

@@ -213,9 +213,11 @@ class Convert(ConvertCase):
         self.assertEqual([text["text"] or "" for text in MAP.texts], [row["text"] for row in csv.DictReader(io.StringIO(table))])
         for options, reason in ((["-f", "CSV"], "one table"), (["-f", "gpkg"], "needs a file"), ([], "needs --format")):
             self.assertIn(reason, self.convert("map.vkm", "-o", "-", *options, code=2))
-        with open("/dev/full", "wb") as full:
-            run = subprocess.run([VKM, "convert", "map.vkm", "-o", "-", "-f", "csv", "--layers", "lines"], cwd=self.folder, stdout=full, stderr=subprocess.PIPE)
-        self.assertEqual((4, b"vkm: standard output: cannot be written: No space left on device\n"), (run.returncode, run.stderr))
+        # A map larger than a buffer, and one that is written at the end only.
+        for options in (["map.vkm"], ["map.vkm", "--layers", "texts", "--bbox", "0,0,1,1"]):
+            with self.subTest(options), open("/dev/full", "wb") as full:
+                run = subprocess.run([VKM, "convert", *options, "-o", "-", "-f", "geojson"], cwd=self.folder, stdout=full, stderr=subprocess.PIPE)
+                self.assertEqual((4, b"vkm: standard output: cannot be written: No space left on device\n"), (run.returncode, run.stderr))
         reader, writer = os.pipe()
         os.close(reader)
         run = subprocess.run([VKM, "convert", "map.vkm", "-o", "-", "-f", "geojsonl"], cwd=self.folder, stdout=writer, stderr=subprocess.PIPE)
