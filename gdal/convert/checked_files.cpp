@@ -2,9 +2,12 @@
 
 #include <cpl_vsi.h>
 
+#include <unistd.h>
+
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
+#include <string_view>
 
 namespace vemrado::gdal {
 
@@ -15,6 +18,7 @@ constexpr const char* prefix = "/vsivkmconvert/";
 std::string failedWrite;
 
 bool readerIsGone = false;
+std::string waiting;  // for standard output: a buffer of the C library would lose why its write failed
 
 void Remember() {
     readerIsGone |= errno == EPIPE;
@@ -84,20 +88,30 @@ std::string CheckedPath(const std::string& path) {
 }
 
 const char* CheckedStandardOutput() {
+    waiting.clear();
     VSIStdoutSetRedirection(
-        [](const void* bytes, size_t size, size_t count, FILE* stream) {
-            errno = 0;
-            const size_t written = std::fwrite(bytes, size, count, stream);
-            if (written != count) Remember();
-            return written;
+        [](const void* bytes, size_t size, size_t count, FILE*) -> size_t {
+            constexpr size_t enough = 1 << 16;
+            waiting.append(static_cast<const char*>(bytes), size * count);
+            if (waiting.size() >= enough) FlushStandardOutput();
+            return failedWrite.empty() ? count : 0;
         },
         stdout);
     return "/vsistdout/";
 }
 
 void FlushStandardOutput() {
-    errno = 0;
-    if (std::fflush(stdout) != 0) Remember();
+    std::string_view rest = waiting;
+    while (!rest.empty() && failedWrite.empty()) {
+        errno = 0;
+        const ssize_t written = write(STDOUT_FILENO, rest.data(), rest.size());
+        if (written > 0) {
+            rest.remove_prefix(static_cast<size_t>(written));
+        } else if (errno != EINTR) {
+            Remember();
+        }
+    }
+    waiting.clear();
 }
 
 const std::string& FailedWrite() {

@@ -32,7 +32,10 @@ Destination::Destination(const ConvertRequest& wanted, const OutputFormat& outpu
                          const ConvertReports& told)
     : request(wanted), format(outputFormat), diagnostics(found), reports(told) {}
 
-Destination::~Destination() = default;
+Destination::~Destination() {
+    layers.reset();
+    if (request.output == standardOutputName) FlushStandardOutput();
+}
 
 // Name of a layer's file: town_lines.shp for town.shp, unless it is the only one.
 std::string Destination::PathOfLayer(const char* layer, bool oneLayer) const {
