@@ -52,7 +52,14 @@ std::optional<Header> ReadHeader(const Source& source, size_t file) {
     ModuleSession session;
     const auto opened = ElementReader::Open(session, source, file);
     if (opened == nullptr) return std::nullopt;
-    return Header{opened->importer.Scale(), opened->importer.Relative()};
+    return opened->Header(source.encoding);
+}
+
+Header ElementReader::OpenedFile::Header(client::Encoding encoding) const {
+    client::TextDecoder decoder(encoding);
+    const std::string date = decoder.Decode(importer.Details().GetHeaderDate());
+    return {importer.Scale(), importer.Relative(), date.substr(0, date.find_first_of(" \t")),
+            decoder.Decode(importer.Details().GetHeaderComments())};
 }
 
 ElementReader::ElementReader(Source& readSource, Content wanted, Skips skipsFiles)
@@ -104,7 +111,7 @@ bool ElementReader::OpenNext(ModuleSession& session) {
     if (isMap) opened = Open(session, source, nextFile);
     ++nextFile;
     if (opened != nullptr) {
-        mapScale = opened->importer.Scale();
+        header = opened->Header(source.encoding);
     } else if (source.keepGoing) {
         file.unusable = true;
     } else {

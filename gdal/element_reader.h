@@ -51,6 +51,8 @@ struct Source {
 struct Header {
     double mapScale = 1000.0;
     bool relative = false;
+    std::string date;   // second field of the D record, in UTF-8 as the title
+    std::string title;  // the comments, one a line
 };
 
 // complete: all files were read to their ends.
@@ -77,11 +79,13 @@ class ElementReader {
     bool SkipsFiles() const { return static_cast<bool>(skips); }
     bool IsSkipped(size_t file) const { return skips && skips(file); }
     // Of the file that was opened last.
-    double MapScale() const { return mapScale; }
+    const Header& LastHeader() const { return header; }
 
   private:
     struct OpenedFile {
         explicit OpenedFile(const Source& source) : reading(importer, source.encoding, source.angleUnit) {}
+
+        gdal::Header Header(client::Encoding encoding) const;
 
         map::Importer importer;
         map::Reading reading;
@@ -99,7 +103,7 @@ class ElementReader {
     BatchWriter writer;
     Skips skips;
     std::unique_ptr<OpenedFile> opened;  // null between files
-    double mapScale = 1000.0;
+    Header header;
     size_t nextFile = 0;
     ReadState state = ReadState::reading;
 };

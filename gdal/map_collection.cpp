@@ -10,7 +10,7 @@
 #include "archives/archive_files.h"
 #include "archives/map_files.h"
 #include "client/system.h"
-#include "sheet_header.h"
+#include "last_change.h"
 #include "vkm_dataset.h"
 
 namespace vemrado::gdal {

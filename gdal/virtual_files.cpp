@@ -153,14 +153,6 @@ size_t FileReading::Read(char* to, size_t count) {
     return got > 0 ? static_cast<size_t>(got) : 0;
 }
 
-std::string FileReading::Start(size_t most) {
-    std::string start(most, '\0');
-    size_t length = 0;
-    while (const size_t got = Read(start.data() + length, start.size() - length)) length += got;
-    start.resize(length);
-    return start;
-}
-
 const FrameworkFileProvider virtualFiles = {nullptr, OpenFile, ReadFile, LengthUnknown, CloseFile};
 
 }  // namespace vemrado::gdal

@@ -25,8 +25,6 @@ class FileReading {
 
     // As many bytes as come at once; 0 at the end.
     size_t Read(char* to, size_t count);
-    // No more than so many from here on.
-    std::string Start(size_t most);
 
   private:
     void* file;

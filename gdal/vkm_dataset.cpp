@@ -33,7 +33,7 @@ std::unique_ptr<VkmDataset> VkmDataset::Open(const std::string& file, const Open
     if (settings.guessEncoding) source.encoding = evidence.Guess().value_or(settings.encoding);
     const std::optional<Header> header = ReadHeader(source, 0);
     if (!header) return nullptr;
-    dataset->TellHeader(*header, ReadSheetHeader(source.files.front(), source.encoding));
+    dataset->TellHeader(*header);
     dataset->AddLayers(settings);
     return dataset;
 }
@@ -59,7 +59,7 @@ std::unique_ptr<VkmDataset> VkmDataset::OpenCollection(const std::vector<Collect
         if (state.unusable || header) continue;
         header = ReadHeader(source, source.files.size() - 1);
         state.unusable = !header;
-        if (header) dataset->TellHeader(*header, {});
+        if (header) dataset->TellHeader({header->mapScale, header->relative, {}, {}});
     }
     if (!header) {
         CPLError(CE_Failure, CPLE_OpenFailed, "%s: none of the maps can be read", maps.front().file.c_str());
@@ -71,11 +71,11 @@ std::unique_ptr<VkmDataset> VkmDataset::OpenCollection(const std::vector<Collect
     return dataset;
 }
 
-void VkmDataset::TellHeader(const Header& header, const SheetHeader& more) {
+void VkmDataset::TellHeader(const Header& header) {
     SetMetadataItem("MAP_SCALE", CPLString().Printf("%.15g", header.mapScale));
     SetMetadataItem("RELATIVE_COORDINATES", header.relative ? "YES" : "NO");
-    if (!more.date.empty()) SetMetadataItem("DATE", more.date.c_str());
-    if (!more.title.empty()) SetMetadataItem("TITLE", more.title.c_str());
+    if (!header.date.empty()) SetMetadataItem("DATE", header.date.c_str());
+    if (!header.title.empty()) SetMetadataItem("TITLE", header.title.c_str());
 }
 
 void VkmDataset::AddLayers(const OpenSettings& settings) {

@@ -13,7 +13,6 @@
 
 #include "map_collection.h"
 #include "parcels.h"
-#include "sheet_header.h"
 #include "spooled_input.h"
 #include "vkm_layer.h"
 
@@ -50,7 +49,7 @@ class VkmDataset : public GDALDataset {
   private:
     explicit VkmDataset(const OpenSettings& settings);
     void AddLayers(const OpenSettings& settings);
-    void TellHeader(const Header& header, const SheetHeader& more);
+    void TellHeader(const Header& header);
 
     SharedState state;
     std::vector<std::unique_ptr<OGRLayer>> layers;

@@ -2,12 +2,11 @@
 
 #include <cpl_vsi.h>
 
-#include <unistd.h>
-
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
-#include <string_view>
+
+#include "client/system.h"
 
 namespace vemrado::gdal {
 
@@ -101,16 +100,8 @@ const char* CheckedStandardOutput() {
 }
 
 void FlushStandardOutput() {
-    std::string_view rest = waiting;
-    while (!rest.empty() && failedWrite.empty()) {
-        errno = 0;
-        const ssize_t written = write(STDOUT_FILENO, rest.data(), rest.size());
-        if (written > 0) {
-            rest.remove_prefix(static_cast<size_t>(written));
-        } else if (errno != EINTR) {
-            Remember();
-        }
-    }
+    errno = 0;
+    if (failedWrite.empty() && client::WriteStandardOutput(waiting) != client::WriteResult::done) Remember();
     waiting.clear();
 }
 

@@ -7,6 +7,7 @@
 #include <memory>
 #include <utility>
 
+#include "last_change.h"
 #include "virtual_files.h"
 
 namespace vemrado::gdal {
@@ -78,7 +79,8 @@ bool Sheet::Read() {
         }
         if (allKept) kept.push_back(std::move(batch));
     }
-    facts.mapScale = reader.MapScale();
+    header = reader.LastHeader();
+    facts.mapScale = header.mapScale;
     facts.complete = !source.states.front().truncated;
     return reader.State() == ReadState::complete;
 }

@@ -7,7 +7,6 @@
 #include <vector>
 
 #include "element_reader.h"
-#include "sheet_header.h"
 #include "summary.h"
 #include "vkm_dataset.h"
 
@@ -47,7 +46,7 @@ class Sheet {
     bool InMemory() const { return allKept; }
     const std::string& Name() const { return source.names.front(); }
     const std::string& File() const { return source.files.front(); }
-    SheetHeader Header() const { return ReadSheetHeader(File(), source.encoding); }
+    const gdal::Header& Header() const { return header; }
 
     // Its elements, a batch at a time. False when visit says so or the sheet cannot be read again.
     bool ForEach(const std::function<bool(const Batch&)>& visit);
@@ -59,6 +58,7 @@ class Sheet {
     bool ReadThrough(const std::function<bool(const Batch&)>& visit);
 
     Source source;
+    gdal::Header header;
     bool guessEncoding = false;
     SheetFacts facts;
     std::vector<Batch> kept;

@@ -106,7 +106,7 @@ bool SheetTable::CountsParcels() const {
 }
 
 bool SheetTable::Put(OutputLayers& output, const std::string& name, const Row& row, double mapScale,
-                     const SheetHeader& header) {
+                     const Header& header) {
     OGRFeature feature(definition.Get());
     feature.SetField(sheetSource, name.c_str());
     feature.SetField(sheetScale, mapScale);

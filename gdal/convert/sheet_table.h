@@ -36,7 +36,7 @@ class SheetTable {
     bool CountsParcels() const;
 
     bool Put(OutputLayers& output, const std::string& name, const Row& row, double mapScale,
-             const SheetHeader& header);
+             const Header& header);
 
   private:
     void Load(OGRLayer& layer);
