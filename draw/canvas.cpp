@@ -1,10 +1,11 @@
 #include "canvas.h"
 
 #include <algorithm>
-#include <cctype>
 #include <cmath>
 #include <cstdio>
 #include <stdexcept>
+
+#include "client/text_encoding.h"
 
 namespace vemrado::draw {
 namespace {
@@ -42,8 +43,7 @@ void CheckMillimetres(const PageSize& page, double largest, const char* limit) {
 bool FormatOf(std::string_view fileName, Format& format) {
     const size_t dot = fileName.rfind('.');
     if (dot == std::string_view::npos) return false;
-    std::string ending(fileName.substr(dot + 1));
-    std::ranges::transform(ending, ending.begin(), [](unsigned char c) { return std::tolower(c); });
+    const std::string ending = client::LowerAscii(fileName.substr(dot + 1));
     if (ending == "png") {
         format = Format::png;
     } else if (ending == "svg") {

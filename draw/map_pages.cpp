@@ -154,11 +154,7 @@ void MapPages::DrawOverview(Canvas& canvas) const {
 }
 
 void MapPages::DrawGridOfPages(Canvas& canvas, const Box& framed, const Box& frame, double zoom) const {
-    const double perMetre = scene.MillimetresPerMetre();
-    const auto onPaper = [&](Point point) {
-        return Point{frame.minX + (point.x - framed.minX) * perMetre,
-                     frame.minY + (framed.maxY - point.y) * perMetre};
-    };
+    const MapWindow window{framed, frame};
     TextStyle style;
     style.face.bold = true;
     style.across = Across::middle;
@@ -168,14 +164,14 @@ void MapPages::DrawGridOfPages(Canvas& canvas, const Box& framed, const Box& fra
     canvas.BeginClip(frame);
     for (size_t part = 0; part < grid.Cells().size(); ++part) {
         const Box cell = grid.GroundOf(grid.Cells()[part]);
-        const Point topLeft = onPaper({cell.minX, cell.maxY});
-        const Point bottomRight = onPaper({cell.maxX, cell.minY});
+        const Point topLeft = view.OnPaper({cell.minX, cell.maxY}, window);
+        const Point bottomRight = view.OnPaper({cell.maxX, cell.minY}, window);
         canvas.Line(std::array<Point, 5>{topLeft, Point{bottomRight.x, topLeft.y}, bottomRight,
                                          Point{topLeft.x, bottomRight.y}, topLeft},
                     pagesPen, 0);
         const double height = numberShare * (bottomRight.x - topLeft.x) * zoom;
         style.height = std::clamp(height, smallestNumber, largestNumber) / zoom;
-        canvas.Text(std::to_string(PageOf(part)), onPaper(cell.Middle()), style);
+        canvas.Text(std::to_string(PageOf(part)), view.OnPaper(cell.Middle(), window), style);
     }
     canvas.EndClip();
 }

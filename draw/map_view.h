@@ -32,8 +32,9 @@ class MapView {
     // Strokes, symbols and texts.
     uint64_t Count() const;
 
-  private:
     Point OnPaper(Point ground, const MapWindow& window) const;
+
+  private:
     void DrawStrokes(Canvas& canvas, const Layer& layer, const MapWindow& window) const;
     void DrawSymbols(Canvas& canvas, const Layer& layer, const MapWindow& window) const;
     void DrawTexts(Canvas& canvas, const Layer& layer, const MapWindow& window) const;

@@ -10,7 +10,7 @@ namespace {
 
 constexpr std::string_view replacementCharacter = "\xEF\xBF\xBD";
 
-char LowerAscii(char letter) {
+char Lower(char letter) {
     return letter >= 'A' && letter <= 'Z' ? static_cast<char>(letter - 'A' + 'a') : letter;
 }
 
@@ -28,11 +28,17 @@ bool IsAscii(std::string_view text) {
 
 }  // namespace
 
+std::string LowerAscii(std::string_view text) {
+    std::string lower(text);
+    std::transform(lower.begin(), lower.end(), lower.begin(), Lower);
+    return lower;
+}
+
 std::optional<Encoding> FindEncoding(std::string_view name) {
     for (size_t i = 0; i < encodingNames.size(); ++i) {
         const std::string_view known = encodingNames[i];
         if (std::equal(name.begin(), name.end(), known.begin(), known.end(),
-                       [](char a, char b) { return LowerAscii(a) == b; })) {
+                       [](char a, char b) { return Lower(a) == b; })) {
             return static_cast<Encoding>(i);
         }
     }

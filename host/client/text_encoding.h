@@ -19,6 +19,9 @@ inline constexpr std::array<std::string_view, 4> encodingNames = {"windows-1250"
 // The encoding of a name as above (case does not matter); none for any other name.
 std::optional<Encoding> FindEncoding(std::string_view name);
 
+// The text with its letters A to Z as small ones.
+std::string LowerAscii(std::string_view text);
+
 // Length of the valid UTF-8 sequence at the start of a text, 1 to 4; 0 when the text is empty or starts
 // otherwise.
 size_t Utf8SequenceLength(std::string_view text);

@@ -37,8 +37,8 @@ struct VkmLine {
     int room;        // entries of each array
     double* points;  // x and y of each element, turned as GetElementPoint has it: two entries
     char* types;     // C, K, L, P or R; ? for any other letter, 0 for none
-    const char**
-        codes;  // K values; "" for none. Neighbours of one code share one text. Valid as long as the line
+    // K values; "" for none. Neighbours of one code share one text. Valid as long as the line.
+    const char** codes;
     // Written only when an element has one of them.
     int* symbolCodes;  // S
     double* valuesM;

@@ -97,7 +97,7 @@ void Conversion::Check() const {
         throw Failure(exitUsage, "--append and --update exclude each other");
     if (options.output == gdal::standardOutputName && options.format.empty())
         throw Failure(exitUsage,
-                      Filled("--output: standard output needs --format GeoJSONSeq, GeoJSON or CSV", {}));
+                      Translated("--output: standard output needs --format GeoJSONSeq, GeoJSON or CSV"));
     if (options.prune && !options.update) throw Failure(exitUsage, "--prune needs --update");
     const bool toFolder = IsFolder(options.output);
     if (toFolder && (options.append || options.update))

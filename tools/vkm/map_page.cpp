@@ -1,7 +1,5 @@
 #include "map_page.h"
 
-#include <algorithm>
-#include <cctype>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
@@ -107,8 +105,7 @@ bool EmbedMap(const PageContent& content, const draw::ByteSink& sink, Environmen
 
 // Tables and shape files; what else lies in the folder does not concern a map.
 bool IsSymbology(const fs::path& file) {
-    std::string ending = file.extension().string();
-    std::ranges::transform(ending, ending.begin(), [](unsigned char c) { return std::tolower(c); });
+    const std::string ending = client::LowerAscii(file.extension().string());
     return ending == ".tb" || ending == ".car" || ending == ".col" || ending == ".sym" || ending == ".ksh";
 }
 

@@ -12,9 +12,9 @@ namespace vemrado::tools {
 class Environment;
 
 struct PageContent {
-    std::string map;            // as FindOneInput gives it
-    client::Encoding encoding;  // of the map's texts
-    std::string symbology;      // the directory that holds VKMSym; empty: that of the page
+    std::string map;              // as FindOneInput gives it
+    client::Encoding encoding{};  // of the map's texts
+    std::string symbology;        // the directory that holds VKMSym; empty: that of the page
 };
 
 // Writes the page. False when the map is incomplete, which has been said. Throws Failure when this build has

@@ -1,6 +1,5 @@
 #include "paper.h"
 
-#include <algorithm>
 #include <array>
 #include <charconv>
 #include <cmath>
@@ -8,6 +7,7 @@
 #include <utility>
 
 #include "client/system.h"
+#include "client/text_encoding.h"
 #include "program.h"
 #include "translations.h"
 
@@ -38,8 +38,7 @@ bool ReadNumber(std::string_view text, double& number) {
 
 // By its name in either case, or WIDTHxHEIGHT.
 std::pair<double, double> SidesOf(const std::string& page) {
-    std::string name = page;
-    std::ranges::transform(name, name.begin(), [](unsigned char c) { return std::tolower(c); });
+    const std::string name = client::LowerAscii(page);
     for (const Paper& paper : papers) {
         if (paper.name == name) return {paper.width, paper.height};
     }
@@ -53,7 +52,7 @@ std::pair<double, double> SidesOf(const std::string& page) {
     }
     for (const double side : {sides.first, sides.second}) {
         if (side < smallestSide || side > largestSide)
-            throw Failure(exitUsage, Filled("--page: a side of a page has 100 to 5080 mm", {}));
+            throw Failure(exitUsage, Translated("--page: a side of a page has 100 to 5080 mm"));
     }
     return sides;
 }
@@ -103,7 +102,7 @@ draw::PageOptions ReadPaper(const PaperOptions& options, const PictureOptions& p
     if (FormatOf(picture) != draw::Format::pdf)
         throw Failure(
             exitUsage,
-            Filled("--page: pages are made as PDF; take a name that ends in .pdf or --format pdf", {}));
+            Translated("--page: pages are made as PDF; take a name that ends in .pdf or --format pdf"));
     std::tie(paper.width, paper.height) = SidesOf(options.page);
     if (options.landscape && paper.width < paper.height) std::swap(paper.width, paper.height);
     return paper;

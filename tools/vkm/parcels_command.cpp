@@ -7,7 +7,6 @@
 #include <cstdlib>
 #include <memory>
 #include <nlohmann/json.hpp>
-#include <optional>
 #include <tuple>
 
 #include "client/standard_input.h"
@@ -174,13 +173,13 @@ int RunParcels(const ParcelOptions& options, Environment& environment) {
     const ReadOutcome outcome = ReadElements(importer, open, environment, take, "nothing was listed").outcome;
     if (outcome != ReadOutcome::complete && outcome != ReadOutcome::incomplete) return exitInput;
     const std::string name = client::SystemTextToUtf8(client::ShownName(file.c_str()));
-    std::optional<StopWatch> watch;
-    watch.emplace([&] {
-        environment.Error(name + ": stopped on request; nothing was listed");
-        std::_Exit(exitInput);
-    });
-    const map::Parcels made = builder.Build();
-    watch.reset();
+    const map::Parcels made = [&] {
+        const StopWatch watch([&] {
+            environment.Error(name + ": stopped on request; nothing was listed");
+            std::_Exit(exitInput);
+        });
+        return builder.Build();
+    }();
     WarnOfFindings(made, name, environment);
     const ParcelList list(made.parcels);
     if (options.csv) {

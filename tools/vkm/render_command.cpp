@@ -1,14 +1,11 @@
 // vkm render: draws a file as a map.
 
-#include <algorithm>
-#include <cctype>
 #include <charconv>
 #include <cmath>
 #include <memory>
 #include <optional>
 #include <set>
 
-#include "client/data_directory.h"
 #include "client/standard_input.h"
 #include "client/system.h"
 #include "client/text_encoding.h"
@@ -21,8 +18,8 @@
 #include "input_progress.h"
 #include "inputs.h"
 #include "map/diff.h"
-#include "map_page.h"
 #include "map_states.h"
+#include "page_output.h"
 #include "paper.h"
 #include "picture.h"
 #include "program.h"
@@ -233,48 +230,6 @@ void CheckScene(const draw::Scene& scene, const RenderOptions& options, const st
     if (!options.sheet.box) WarnOfStrayPoints(scene, name, environment);
 }
 
-// --- A page for the browser ---
-
-constexpr std::string_view pageFormat = "html";
-
-bool WantsPage(const PictureOptions& options) {
-    std::string name = options.format.empty() ? options.file : "." + options.format;
-    std::ranges::transform(name, name.begin(), [](unsigned char c) { return std::tolower(c); });
-    return name.ends_with(".html") || name.ends_with(".htm");
-}
-
-// The reader of a page chooses what else there is to choose.
-void RefusePictureOptions(const CLI::App& command) {
-    for (const CLI::Option* option : command.get_options()) {
-        static const std::set<std::string> ofPages = {"--output", "--format",    "--encoding",
-                                                      "--data",   "--quiet",     "--help",
-                                                      "FILE",     "--recursive", "--files-from"};
-        const std::string name = option->get_single_name();
-        const std::string shown = option->get_lnames().empty() ? name : "--" + name;
-        if (option->count() > 0 && !ofPages.contains(shown))
-            throw Failure(exitUsage, Filled("{}: does not apply to a page for the browser", {shown}));
-    }
-}
-
-int MakePage(const RenderOptions& options, const std::vector<Input>& inputs, Environment& environment) {
-    RefusePictureOptions(*options.command);
-    if (inputs.size() != 1)
-        throw Failure(exitUsage, Translated("--output: a page for the browser holds one map"));
-    const Input& input = inputs.front();
-    if (!input.problem.empty()) throw Failure(exitInput, input.problem);
-    RefuseInputAsOutput(input.name, options.picture.file);
-    PageContent content = {input.name, {}, {}};
-    if (!ChooseEncoding(options.encoding, input.name, environment, content.encoding)) return exitInput;
-    if (const CLI::Option* data = options.command->get_option("--data"); data->count() > 0)
-        content.symbology = client::DataDirectoryOf(data->as<std::string>());
-    const bool complete =
-        options.picture.file == client::standardInputName
-            ? WriteMapPage(
-                  content, [&](std::string_view bytes) { environment.output.Write(bytes); }, environment)
-            : WriteMapPage(content, options.picture.file, environment);
-    return complete ? exitDone : exitInput;
-}
-
 void DrawPages(const draw::Scene& scene, const RenderOptions& options, const std::string& name,
                Environment& environment) {
     draw::PageOptions wanted = options.pages;
@@ -303,7 +258,8 @@ void DrawSheet(const draw::Scene& scene, const RenderOptions& options, Environme
 
 int RunRender(RenderOptions options, Environment& environment) {
     const std::vector<Input> inputs = FindInputs(options.inputs);
-    if (WantsPage(options.picture)) return MakePage(options, inputs, environment);
+    if (WantsPage(options.picture))
+        return MakePage(*options.command, options.picture, options.encoding, inputs, environment);
     CheckRenderOptions(options, inputs);
     const std::string& first = inputs.front().name;
     if (!ChooseEncoding(options.encoding, first, environment, options.scene.encoding)) return exitInput;

@@ -4,13 +4,12 @@
 #include <memory>
 #include <stdexcept>
 
-#include "client/data_directory.h"
 #include "client/standard_input.h"
 #include "client/system.h"
 #include "commands.h"
 #include "common_options.h"
 #include "inputs.h"
-#include "map_page.h"
+#include "page_output.h"
 #include "program.h"
 #include "translations.h"
 
@@ -20,7 +19,7 @@ namespace {
 struct ViewOptions {
     std::string file;
     EncodingChoice encoding;
-    const CLI::Option* data = nullptr;
+    const CLI::App* command = nullptr;
 };
 
 // The map's own name with another ending, in a new folder.
@@ -48,10 +47,9 @@ bool WriteOrClear(const PageContent& content, const std::string& page, Environme
 }
 
 int RunView(const ViewOptions& options, Environment& environment) {
-    PageContent content = {FindOneInput(options.file), {}, {}};
-    if (!ChooseEncoding(options.encoding, content.map, environment, content.encoding)) return exitInput;
-    if (options.data->count() > 0)
-        content.symbology = client::DataDirectoryOf(options.data->as<std::string>());
+    PageContent content;
+    if (!ChooseContent(content, FindOneInput(options.file), options.encoding, *options.command, environment))
+        return exitInput;
     const std::string page = NewPageFile(content.map);
     const bool complete = WriteOrClear(content, page, environment);
     const std::string shownPage = client::SystemTextToUtf8(page);
@@ -80,7 +78,7 @@ void AddViewCommand(Program& program) {
     CLI::App& command =
         program.Add(text, [options](Environment& environment) { return RunView(*options, environment); });
     AddFileArgument(command, options->file);
-    options->data = command.get_option("--data");
+    options->command = &command;
     AddEncodingOption(program, command, options->encoding);
 }
 
