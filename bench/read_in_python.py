@@ -15,7 +15,7 @@ def columns(path):
 
     def read():
         with vemrado.open(path, symbology="") as opened:
-            return len(opened.lines) + len(opened.texts)
+            return sum(len(table) for table in opened.tables("lines", "texts"))
 
     return read
 

@@ -243,7 +243,7 @@ def measure_python():
 
     large = generated(200_000_000)
     alone = imported(large, 5)["import"]
-    for way, figure in (("lines", "Python: columns of lines"), ("columns", "Python: columns of lines and texts, two passes")):
+    for way, figure in (("lines", "Python: columns of lines"), ("columns", "Python: columns of lines and texts")):
         columns = read_in_python(way, large)
         row(f"{figure}, 200 MB", shown(columns), "import alone", f"{alone:.2f} s", columns["seconds"] / alone)
 

@@ -62,6 +62,8 @@ const char* vkm_status_text(vkm_status status) {
             return "no element is left";
         case VKM_NOTHING:
             return "there is no such thing";
+        case VKM_INCOMPLETE:
+            return "the closing record is missing";
         case VKM_ERROR_ARGUMENT:
             return "bad argument or order of calls";
         case VKM_ERROR_MEMORY:

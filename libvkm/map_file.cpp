@@ -10,9 +10,10 @@ constexpr uint32_t elementsBetweenProgress = 4096;
 
 }  // namespace
 
-void TellWarning(const Options& options, const std::string& reason, const std::string& file, uint64_t line) {
+void TellWarning(const Options& options, const std::string& reason, const std::string& file, uint64_t line,
+                 vkm_status status) {
     if (options.onWarning == nullptr) return;
-    const Failure warning(VKM_OK, reason, file, line);
+    const Failure warning(status, reason, file, line);
     options.onWarning(options.callbackContext, &warning.Error());
 }
 
@@ -110,14 +111,14 @@ void MapFile::CheckStop() {
 void MapFile::TellEnd() {
     WarnOfBoxes();
     if (!Complete())
-        Warn("the file ends without its closing record; its last element is lost",
-             static_cast<uint64_t>(importer.LineCount()));
+        TellWarning(options, "the file ends without its closing record; its last element is lost",
+                    source->Name(), static_cast<uint64_t>(importer.LineCount()), VKM_INCOMPLETE);
     if (BadBytes() > 0) Warn(std::to_string(BadBytes()) + " bytes make no character of the encoding");
     if (leftOut > 0) Warn(std::to_string(leftOut) + " points whose coordinates are no place were left out");
 }
 
-void MapFile::Warn(const std::string& reason, uint64_t line) {
-    TellWarning(options, reason, source->Name(), line);
+void MapFile::Warn(const std::string& reason) {
+    TellWarning(options, reason, source->Name());
 }
 
 void MapFile::WarnOfBoxes() {

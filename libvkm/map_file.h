@@ -42,7 +42,7 @@ class MapFile {
     map::ElementKind ReadNext();
     void CheckStop();
     void TellEnd();
-    void Warn(const std::string& reason, uint64_t line = 0);
+    void Warn(const std::string& reason);
     void WarnOfBoxes();
 
     std::shared_ptr<Source> source;
@@ -56,6 +56,6 @@ class MapFile {
 
 // Tells the caller's function, if there is one.
 void TellWarning(const Options& options, const std::string& reason, const std::string& file,
-                 uint64_t line = 0);
+                 uint64_t line = 0, vkm_status status = VKM_OK);
 
 }  // namespace vemrado::capi

@@ -71,6 +71,7 @@ enum {
     VKM_OK = 0,
     VKM_END = 1,     /* no element is left */
     VKM_NOTHING = 2, /* there is no such thing: a code that the symbology lacks, the extent of an empty map */
+    VKM_INCOMPLETE = 3, /* of a warning alone: the closing record is missing, so the last element is lost */
 
     VKM_ERROR_ARGUMENT = -1,    /* a bad argument or order of calls */
     VKM_ERROR_MEMORY = -2,      /* out of memory */
@@ -87,7 +88,8 @@ VKM_API const char* vkm_status_text(vkm_status status);
 
 typedef struct vkm_error vkm_error;
 
-/* Of null VKM_OK; the next ones give "" and 0 for it. */
+/* Of null VKM_OK; the next ones give "" and 0 for it. Of a warning VKM_INCOMPLETE, or VKM_OK where there is
+ * no status of its own. */
 VKM_API vkm_status vkm_error_status(const vkm_error* error);
 /* One sentence that names file, line and reason: "map.vkm, line 812: Input/output error". */
 VKM_API const char* vkm_error_text(const vkm_error* error);

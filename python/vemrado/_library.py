@@ -14,7 +14,7 @@ from typing import Any, Iterator
 _HERE = Path(__file__).resolve().parent
 _NAMES = ("vkm.dll",) if sys.platform == "win32" else ("libvkm.so.1", "libvkm.so")
 
-OK, END, NOTHING = 0, 1, 2
+OK, END, NOTHING, INCOMPLETE = 0, 1, 2, 3
 (
     ERROR_ARGUMENT,
     ERROR_MEMORY,

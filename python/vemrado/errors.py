@@ -178,7 +178,8 @@ def _on_warning(_: Any, warning: Any) -> None:
     if not _collected.stack:
         return  # a stream that somebody else reads
     text = _text(lib.vkm_error_text(warning))
-    kind = IncompleteMapWarning if "closing record" in text else MapWarning
+    incomplete = lib.vkm_error_status(warning) == _library.INCOMPLETE
+    kind = IncompleteMapWarning if incomplete else MapWarning
     file, line = _text(lib.vkm_error_file(warning)), lib.vkm_error_line(warning) or None
     _collected.stack[-1].append(kind(text, file, line))
 

@@ -4,6 +4,8 @@ import ctypes
 import struct
 from ctypes import POINTER, byref, c_char_p, c_double, c_int, c_int32, c_int64, c_size_t, c_uint32, c_uint64, c_void_p
 
+OK, INCOMPLETE = 0, 3
+
 
 class Stroke(ctypes.Structure):
     _fields_ = [("first", c_size_t), ("count", c_size_t), ("code", c_int32)]
@@ -270,7 +272,7 @@ class Library:
         self.lib = lib = ctypes.CDLL(path)
         for name in ["vkm_version", "vkm_error_text", "vkm_status_text"]:
             getattr(lib, name).restype = c_char_p
-        lib.vkm_error_text.argtypes = [c_void_p]
+        lib.vkm_error_text.argtypes = lib.vkm_error_status.argtypes = [c_void_p]
         lib.vkm_error_line.argtypes = [c_void_p]
         lib.vkm_error_line.restype = c_uint64
         lib.vkm_error_free.argtypes = [c_void_p]
