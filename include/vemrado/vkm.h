@@ -291,7 +291,10 @@ VKM_API vkm_status vkm_symbol_codes(vkm_reader* reader, const int32_t** codes, s
 
 /* --- Columns --- */
 
-struct ArrowArrayStream; /* of the Arrow C stream interface; vkm_arrow.h has it for those who have no other */
+/* Of the Arrow C data and stream interfaces; vkm_arrow.h has them for those who have no other. */
+struct ArrowSchema;
+struct ArrowArray;
+struct ArrowArrayStream;
 
 typedef int32_t vkm_table;
 enum { VKM_LINES = 0, VKM_POINTS = 1, VKM_TEXTS = 2, VKM_PARCELS = 3 };
@@ -309,6 +312,28 @@ VKM_API vkm_status vkm_stream(vkm_reader* reader, vkm_table table, struct ArrowA
  * them. */
 VKM_API vkm_status vkm_streams(vkm_reader* reader, const vkm_table* tables, size_t count,
                                struct ArrowArrayStream* streams, vkm_error** error);
+
+/* A table that has been read: batches in memory. */
+typedef struct vkm_columns vkm_columns;
+
+/* Reads a stream to its end and releases it, whatever comes of it. Null on failure. */
+VKM_API vkm_columns* vkm_columns_read(struct ArrowArrayStream* stream, vkm_error** error);
+/* What it has, to look at: valid until vkm_columns_free, and the caller's to leave as it is. Null for null,
+ * and for a batch that is not there. */
+VKM_API const struct ArrowSchema* vkm_columns_schema(const vkm_columns* columns);
+VKM_API size_t vkm_columns_count(const vkm_columns* columns); /* of batches */
+VKM_API const struct ArrowArray* vkm_columns_batch(const vkm_columns* columns, size_t number);
+
+/* Fills in a stream over the batches of one or more tables that have the same columns, without a copy: what
+ * it hands out keeps the memory of its batch, for itself, whatever is freed before. A name adds a column of
+ * texts, the last, which has texts[i] in all rows of tables[i]: "u", or "U" where a batch would have 2 GB of
+ * them. Any number of streams may be made of one table, in any thread. */
+VKM_API vkm_status vkm_columns_stream(const vkm_columns* const* tables, size_t count, const char* name,
+                                      const char* const* texts, struct ArrowArrayStream* stream,
+                                      vkm_error** error);
+
+/* Null is ignored. */
+VKM_API void vkm_columns_free(vkm_columns* columns);
 
 /* --- Pictures --- */
 

@@ -2,11 +2,14 @@ from __future__ import annotations
 
 import os
 import shutil
+import sys
 from pathlib import Path
 
 import pytest
 
-DATA = Path(os.environ.get("VKM_DATA", Path(__file__).resolve().parents[2] / "data"))
+REPOSITORY = Path(__file__).resolve().parents[2]
+DATA = Path(os.environ.get("VKM_DATA", REPOSITORY / "data"))
+sys.path.append(str(REPOSITORY / "tests" / "libvkm"))
 
 SMALL = b"""&V Lhota 740000.00 1043000.00
 &R 0 0 0 0 1000 r

@@ -13,9 +13,8 @@ from typing import Any, Callable, Iterator
 
 import pytest
 import vemrado
-from conftest import SMALL
+from conftest import REPOSITORY, SMALL
 
-REPOSITORY = Path(__file__).resolve().parents[2]
 SHEETS, BAD, CUT = 24, 7, 9
 pytest.importorskip("distributed")
 

@@ -14,11 +14,10 @@ from typing import Callable
 
 import pytest
 import vemrado
-from conftest import SMALL
+from conftest import REPOSITORY, SMALL
 from hypothesis import HealthCheck, given, settings
 from hypothesis import strategies as st
 
-REPOSITORY = Path(__file__).resolve().parents[2]
 
 anything = st.one_of(
     st.none(), st.booleans(), st.integers(), st.floats(), st.text(max_size=20), st.binary(max_size=40),

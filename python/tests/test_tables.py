@@ -4,62 +4,68 @@ from __future__ import annotations
 
 import ctypes
 import gc
-import struct
 from pathlib import Path
 from typing import Any
 
 import numpy as np
 import pytest
 import vemrado
+import vkm  # of the tests of the C interface
 from conftest import SMALL
 
-SLOT = 8  # bytes of a pointer or a 64-bit number
 
-
-def words(address: int, count: int) -> tuple[int, ...]:
-    return struct.unpack(f"<{count}q", ctypes.string_at(address, count * SLOT))
-
-
-def call(function: int, *arguments: int) -> int:
-    types = [ctypes.c_void_p] * len(arguments)
-    return int(ctypes.CFUNCTYPE(ctypes.c_int, *types)(function)(*arguments))
-
-
-def read_capsule(capsule: Any) -> tuple[list[str], int]:
-    """Names of the columns and number of rows, by the words of the structures as the interface lays them out."""
+def read_capsule(capsule: Any, most: Any = None) -> list[dict[str, Any]]:
+    """Its rows, by a reading of the structures that knows nothing of the package; of the first batches only."""
     pointer = ctypes.pythonapi.PyCapsule_GetPointer
     pointer.restype, pointer.argtypes = ctypes.c_void_p, [ctypes.py_object, ctypes.c_char_p]
-    stream = pointer(capsule, b"arrow_array_stream")
-    get_schema, get_next, _, release, _ = words(stream, 5)
-    schema, array = ctypes.create_string_buffer(9 * SLOT), ctypes.create_string_buffer(10 * SLOT)
-    assert call(get_schema, stream, ctypes.addressof(schema)) == 0
-    kind, _, _, _, count, children, _, end, _ = words(ctypes.addressof(schema), 9)
-    assert ctypes.string_at(kind) == b"+s"
-    names = [ctypes.string_at(words(child, 2)[1]).decode() for child in words(children, count)]
-    call(end, ctypes.addressof(schema))
-    assert words(ctypes.addressof(schema), 9)[7] == 0, "a released schema says so"
-    rows = 0
-    while True:
-        assert call(get_next, stream, ctypes.addressof(array)) == 0
-        length, _, _, _, _, _, _, _, end, _ = words(ctypes.addressof(array), 10)
-        if end == 0:
-            break
-        rows += length
-        call(end, ctypes.addressof(array))
-    call(release, stream)
-    assert words(stream, 5)[3] == 0
-    return names, rows
+    stream = vkm.ArrowStream.from_address(pointer(capsule, b"arrow_array_stream"))
+    return list(vkm.Library.rows_of(None, stream, most)[0])
 
 
 @pytest.mark.parametrize("name", ["lines", "points", "texts", "parcels"])
-def test_streams_have_what_the_tables_have(name: str, town: Path) -> None:
-    with vemrado.open(town) as opened:
-        table = opened.table(name)
-        dropped = table.__arrow_c_stream__()
-        names, rows = read_capsule(table.__arrow_c_stream__())
-    assert set(names) == {*table.columns, "geometry"} and rows == len(table) > 0
-    del dropped  # unread, after its map was closed
+def test_streams_have_what_the_tables_have(name: str, town: Path, tmp_path: Path) -> None:
+    path = tmp_path / "town.vkm"
+    path.write_bytes(town.read_bytes())
+    with vemrado.open(path) as opened:
+        table, stream = opened.table(name), opened.stream(name)
+        rows = read_capsule(stream.__arrow_c_stream__())
+        assert read_capsule(stream.__arrow_c_stream__()) == rows
+        dropped = [source.__arrow_c_stream__() for source in (table, stream)]
+    path.unlink()
+    assert read_capsule(table.__arrow_c_stream__()) == rows == read_capsule(table.__arrow_c_stream__())
+    assert set(rows[0]) == {*table.columns, "geometry"}
+    for column in table.columns:
+        assert table[column].tolist() == [row[column] for row in rows]
+    del dropped  # unread, after their map was closed
     gc.collect()
+
+
+def test_many_sheets_are_one_stream(town: Path, tmp_path: Path) -> None:
+    empty, small = tmp_path / "empty.vkm", tmp_path / "malý.vkm"
+    empty.write_bytes(b"&K\n")
+    small.write_bytes(SMALL)
+    for paths in ([small, empty, town], [empty], [small] * 300):
+        table = vemrado.read_many(paths, layer="texts", progress=False)
+        rows = read_capsule(table.__arrow_c_stream__())
+        assert [row["source"] for row in rows] == table["source"].tolist()
+        assert [row["text"] for row in rows] == table["text"].tolist()
+    with vemrado.open(town) as opened:
+        assert len(rows) == 600 and rows[0]["source"] == str(small) and len(opened.texts) > 600
+    assert len(read_capsule(table.__arrow_c_stream__(), most=7)) == 14  # dropped half read
+    capsule = table.__arrow_c_stream__()
+    del table
+    gc.collect()
+    assert read_capsule(capsule) == rows
+
+
+def test_a_stream_of_a_map_that_is_cut_or_closed() -> None:
+    with vemrado.open(SMALL[:-3], strict=True) as opened:
+        with pytest.raises(vemrado.ReadError, match="closing record"):
+            opened.stream("texts")
+    with vemrado.open(SMALL) as opened:
+        stream = opened.stream("texts")
+    with pytest.raises(ValueError, match="closed"):
+        stream.__arrow_c_stream__()
 
 
 def test_tables_of_one_passage_are_those_of_their_own(town: Path) -> None:

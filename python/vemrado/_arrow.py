@@ -3,15 +3,16 @@
 from __future__ import annotations
 
 import ctypes
-import os
-from ctypes import CFUNCTYPE, POINTER, Structure, c_char_p, c_int, c_int64, c_void_p
+from ctypes import CFUNCTYPE, POINTER, Structure, byref, c_char_p, c_int, c_int64, c_void_p
 from dataclasses import dataclass, field
-from typing import Any, Callable, Optional
+from typing import Any, Callable, Optional, Sequence
 
 import numpy as np
 import numpy.typing as npt
 
 from ._exit import calls
+from ._library import lib
+from .errors import Call
 
 
 class ArrowSchema(Structure):
@@ -143,14 +144,13 @@ def read_field(schema: ArrowSchema) -> Field:
 
 
 class _Owner:
-    """Keeps a record batch of the library until no array looks into it any more."""
+    """Keeps a table in the library's memory until no array looks into it any more."""
 
-    def __init__(self, array: ArrowArray, *kept: object) -> None:
-        self.array = array
-        self.kept = kept
+    def __init__(self, handle: int) -> None:
+        self.handle = handle
 
-    def __del__(self, release: Callable[[Any], None] = release) -> None:
-        release(self.array)
+    def __del__(self, free: Callable[[int], None] = lib.vkm_columns_free) -> None:
+        free(self.handle)
 
 
 class Array:
@@ -234,36 +234,56 @@ class Array:
         return [item if good else None for item, good in zip(items, self.valid.tolist())]
 
 
-def read_stream(stream: ArrowArrayStream) -> tuple[Field, list[Array]]:
+class Columns:
+    """A table that the library holds, for as long as anything looks into it.
+
+    Attributes
+    ----------
+    kind : Field
+    batches : list of Array
+    """
+
+    def __init__(self, handle: int) -> None:
+        self._owner = _Owner(handle)
+        self.kind = read_field(ArrowSchema.from_address(lib.vkm_columns_schema(handle)))
+        places = [lib.vkm_columns_batch(handle, i) for i in range(lib.vkm_columns_count(handle))]
+        self.batches = [Array(self.kind, ArrowArray.from_address(place), self._owner) for place in places]
+
+    @property
+    def handle(self) -> int:
+        return self._owner.handle
+
+
+def read_stream(stream: ArrowArrayStream, call: Call) -> Columns:
     """Reads a stream to its end and releases it.
 
     Raises
     ------
-    OSError
+    ReadError
         When the stream fails; the text is its own.
     """
-    try:
-        schema = ArrowSchema()
-        _check(stream, stream.get_schema(ctypes.byref(stream), ctypes.byref(schema)))
-        try:
-            kind = read_field(schema)
-        finally:
-            release(schema)
-        batches: list[Array] = []
-        while True:
-            array = ArrowArray()
-            _check(stream, stream.get_next(ctypes.byref(stream), ctypes.byref(array)))
-            if not array.release:
-                return kind, batches
-            batches.append(Array(kind, array, _Owner(array)))
-    finally:
-        release(stream)
+    return Columns(call.check_pointer(lib.vkm_columns_read(byref(stream), call.error)))
 
 
-def _check(stream: ArrowArrayStream, code: int) -> None:
-    if code != 0:
-        text = stream.get_last_error(ctypes.byref(stream)) or os.strerror(code).encode()
-        raise OSError(code, text.decode("utf-8", "replace"))
+def stream_of(
+    tables: Sequence[Columns], column: Optional[str] = None, texts: Sequence[str] = ()
+) -> ArrowArrayStream:
+    """A stream over what tables of one kind hold; it keeps that alive.
+
+    Parameters
+    ----------
+    column : str, optional
+        A column more, which has ``texts[i]`` in the rows of ``tables[i]``.
+    """
+    stream = ArrowArrayStream()
+    handles = (c_void_p * len(tables))(*(table.handle for table in tables))
+    name = told = None
+    if column is not None:
+        name = column.encode()
+        told = (c_char_p * len(tables))(*(text.encode("utf-8", "replace") for text in texts))
+    with Call() as call:
+        call.check(lib.vkm_columns_stream(handles, len(tables), name, told, byref(stream), call.error))
+    return stream
 
 
 _STREAM_NAME = b"arrow_array_stream"

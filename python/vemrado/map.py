@@ -15,12 +15,13 @@ from ._library import lib
 from ._source import Layers, OpenedSource, Source, close_reader, int32, make_options
 from .elements import Line, Text, copy_element
 from .errors import Call, IncompleteMapWarning, ReadError, UnsupportedError, _text
-from .table import Table
+from .table import RowStream, Table
 
 if TYPE_CHECKING:
     import matplotlib.axes
 
 Element = Union[Line, Text]
+_STREAMED_ROWS = 65536  # of a batch at most
 _CELL_WIDTH = 900  # pixels of a map in a notebook
 
 
@@ -217,23 +218,6 @@ class Map:
 
     # --- Tables ---
 
-    def _export(self, table: str) -> _arrow.ArrowArrayStream:
-        """A stream in batches, in constant memory, for whoever takes the table through a capsule.
-
-        What there is to warn of has been told when the table was read.
-        """
-        batched = _library.Options.from_buffer_copy(self._options)
-        batched.batch_rows = 65536
-        batched.on_warning = _library.no_warning
-        stream = _arrow.ArrowArrayStream()
-        with Call() as call:
-            reader = self._source.open(batched)
-            try:
-                call.check(lib.vkm_stream(reader, _library.TABLES[table], addressof(stream), call.error))
-            finally:
-                close_reader(reader)
-        return stream
-
     def table(self, name: str) -> Table:
         """One of the tables ``"lines"``, ``"points"``, ``"texts"`` and ``"parcels"``, read at the first call.
 
@@ -252,14 +236,18 @@ class Map:
         ReadError
             As for `table`.
         """
-        for name in names:
-            if name not in _library.TABLES:
-                raise ValueError(f"there is no table '{name}'; there are {', '.join(_library.TABLES)}")
+        self._check_tables(names)
         with self._lock:
             missing = [name for name in dict.fromkeys(names) if name not in self._tables]
             if missing:
                 self._read(missing)
             return tuple(self._tables[name] for name in names)
+
+    @staticmethod
+    def _check_tables(names: Sequence[str]) -> None:
+        for name in names:
+            if name not in _library.TABLES:
+                raise ValueError(f"there is no table '{name}'; there are {', '.join(_library.TABLES)}")
 
     def _read(self, names: list[str]) -> None:
         streams = (_arrow.ArrowArrayStream * len(names))()
@@ -270,18 +258,42 @@ class Map:
         try:
             with Call(self._incomplete) as call:
                 for name, stream in zip(names, streams):
-                    kind, batches = _arrow.read_stream(stream)
-                    read[name] = Table(name, kind, batches, partial(self._export, name))
+                    read[name] = Table(name, [_arrow.read_stream(stream, call)])
                 lost = any(isinstance(one, IncompleteMapWarning) for one in call.warnings)
                 self._complete = not lost
-        except ReadError:
-            raise
-        except OSError as error:
-            raise ReadError(error.strerror or str(error), self.name) from None
+        except ReadError as error:  # a stream does not say the file's name apart
+            raise ReadError(error.reason, self.name, error.line) from None
         finally:
             for stream in streams:
                 _arrow.release(stream)
         self._tables.update(read)
+
+    def stream(self, name: str) -> RowStream:
+        """A table for programs that take Arrow streams, read from the source in constant memory.
+
+        Nobody tells what is wrong with the map while somebody else reads it: `complete` says whether it ends as it
+        should, and with ``strict=True`` it is looked at before.
+        """
+        self._check_tables([name])
+        if self._incomplete == "error" and not self.complete:
+            raise ReadError(f"{self.name}: the file ends without its closing record", self.name)
+        return RowStream(partial(self._new_stream, name))
+
+    def _new_stream(self, name: str) -> _arrow.ArrowArrayStream:
+        options = _library.Options.from_buffer_copy(self._options)
+        options.batch_rows = _STREAMED_ROWS
+        # The thread that reads may not have Python's lock, and another may wait for it with the lock held.
+        options.on_warning = _library.no_warning
+        stream = _arrow.ArrowArrayStream()
+        if self._reader is None:
+            raise ValueError(f"{self.name}: the map is closed")
+        reader = self._source.open(options)
+        try:
+            with Call() as call:
+                call.check(lib.vkm_stream(reader, _library.TABLES[name], addressof(stream), call.error))
+        finally:
+            close_reader(reader)
+        return stream
 
     @property
     def lines(self) -> Table:

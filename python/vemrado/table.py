@@ -23,6 +23,20 @@ if TYPE_CHECKING:
 _SHOWN_ROWS = 10
 
 
+class RowStream:
+    """A table that is read while it is taken, batch by batch, by whoever takes an Arrow stream.
+
+    Each taking reads the source anew, from its beginning.
+    """
+
+    def __init__(self, make: Callable[[], _arrow.ArrowArrayStream]) -> None:
+        self._make = make
+
+    def __arrow_c_stream__(self, requested_schema: object = None) -> object:
+        """A capsule with the stream."""
+        return _arrow.capsule_of(self._make())
+
+
 class Table:
     """Rows of lines, points, texts or parcels, by columns.
 
@@ -44,21 +58,22 @@ class Table:
     def __init__(
         self,
         name: str,
-        kind: _arrow.Field,
-        batches: Sequence[Array],
-        export: Optional[Callable[[], _arrow.ArrowArrayStream]] = None,
-        extra: Optional[dict[str, npt.NDArray[Any]]] = None,
+        parts: Sequence[_arrow.Columns],
+        source: Optional[str] = None,
+        names: Sequence[str] = (),
     ) -> None:
         self.name = name
-        self._kind = kind
-        self._batches = list(batches)
-        self._export = export
-        self._cache: dict[str, npt.NDArray[Any]] = dict(extra or {})
-        self._extra = list(extra or {})
+        self._parts = list(parts)
+        self._source, self._names = source, names  # a column more, and its text for each part
+        self._kind = kind = parts[0].kind
+        self._batches = [batch for part in parts for batch in part.batches]
+        self._cache: dict[str, npt.NDArray[Any]] = {}
         self._geometry: Optional[Geometry] = None
         self._places = {field.name: i for i, field in enumerate(kind.children)}
         self._length: int = sum(batch.length for batch in self._batches)
-        self.columns = [field.name for field in kind.children if not _is_geometry(field)] + self._extra
+        self.columns = [field.name for field in kind.children if not _is_geometry(field)]
+        if source is not None:
+            self.columns.append(source)
         self.crs = _crs_of(kind)
 
     def __len__(self) -> int:
@@ -74,10 +89,17 @@ class Table:
         if column not in self._cache:
             if column not in self.columns:
                 raise KeyError(column)
-            place = self._places[column]
-            parts = [_to_numpy(batch.children[place]) for batch in self._batches]
-            self._cache[column] = _joined(parts) if parts else _empty(self._kind.children[place])
+            self._cache[column] = self._told() if column == self._source else self._read(column)
         return self._cache[column]
+
+    def _read(self, column: str) -> npt.NDArray[Any]:
+        place = self._places[column]
+        parts = [_to_numpy(batch.children[place]) for batch in self._batches]
+        return _joined(parts) if parts else _empty(self._kind.children[place])
+
+    def _told(self) -> npt.NDArray[Any]:
+        rows = [sum(batch.length for batch in part.batches) for part in self._parts]
+        return np.repeat(np.array(self._names, dtype=object), rows)
 
     @property
     def types(self) -> dict[str, str]:
@@ -99,10 +121,8 @@ class Table:
         return self._geometry
 
     def __arrow_c_stream__(self, requested_schema: object = None) -> object:
-        """A capsule with a stream of record batches, read anew from the source in constant memory."""
-        if self._export is None:
-            raise TypeError(f"this table of {self.name} has been put together and has no stream of its own")
-        return _arrow.capsule_of(self._export())
+        """A capsule with a stream of the record batches that the table holds, without a copy."""
+        return _arrow.capsule_of(_arrow.stream_of(self._parts, self._source, self._names))
 
     def to_arrow(self) -> Any:
         """The table as a pyarrow.Table."""
@@ -167,10 +187,8 @@ class Table:
     @staticmethod
     def joined(tables: Sequence[Table], column: str, values: Sequence[str]) -> Table:
         """The rows of several tables of one kind, with a column that tells them apart."""
-        batches = [batch for table in tables for batch in table._batches]
-        lengths = [len(table) for table in tables]
-        told = np.repeat(np.array(values, dtype=object), lengths)
-        return Table(tables[0].name, tables[0]._kind, batches, extra={column: told})
+        parts = [(part, value) for table, value in zip(tables, values) for part in table._parts]
+        return Table(tables[0].name, [part for part, _ in parts], column, [value for _, value in parts])
 
 
 def _is_geometry(field: _arrow.Field) -> bool:

@@ -201,18 +201,53 @@ class Columns(unittest.TestCase):
 
     def test_lets_a_child_be_moved_out(self):
         reader = opened()
-        stream, batch, moved = vkm.ArrowStream(), vkm.ArrowArray(), vkm.ArrowArray()
+        stream = vkm.ArrowStream()
         LIBRARY.call("vkm_stream", reader, 0, byref(stream))
+        self.move_out(stream, 1, [1, 1])
+        LIBRARY.lib.vkm_close(reader)
+
+    def test_hands_on_what_it_holds(self):
+        reader = opened()
+        held = []
+        for table in (0, 0, 2):
+            stream = vkm.ArrowStream()
+            LIBRARY.call("vkm_stream", reader, table, byref(stream))
+            held.append(LIBRARY.call("vkm_columns_read", byref(stream)))
+            self.assertFalse(stream.release)
+        LIBRARY.lib.vkm_close(reader)
+
+        def stream_of(tables, *texts):
+            handles, stream = (vkm.c_void_p * len(tables))(*tables), vkm.ArrowStream()
+            name, told = (b"sheet", (vkm.c_char_p * len(texts))(*texts)) if texts else (None, None)
+            LIBRARY.call("vkm_columns_stream", handles, len(tables), name, told, byref(stream))
+            return stream
+
+        rows, _, _ = LIBRARY.rows_of(stream_of(held[:1]))
+        both, sizes, _ = LIBRARY.rows_of(stream_of(held[:2], "č".encode(), b""))
+        self.assertEqual(sizes, [2, 2])
+        self.assertEqual(both, [{**row, "sheet": sheet} for sheet in ("č", "") for row in rows])
+        for tables in (held, [], [None]):
+            with self.assertRaises(vkm.Failed):
+                stream_of(tables)
+        with self.assertRaises(vkm.Failed):
+            LIBRARY.call("vkm_columns_read", byref(vkm.ArrowStream()))
+        waiting = stream_of(held[:1], b"a")
+        for columns in held:
+            LIBRARY.lib.vkm_columns_free(columns)
+        self.move_out(waiting, 1, [1, 1])
+
+    def move_out(self, stream, place, values):
+        """Takes one child of the first batch and gives back the rest before it is looked at."""
+        batch, moved = vkm.ArrowArray(), vkm.ArrowArray()
         stream.get_next(byref(stream), byref(batch))
-        child = batch.children[1][0]
+        child = batch.children[place][0]
         ctypes.pointer(moved)[0] = child
         child.release = type(child.release)()
         batch.release(byref(batch))
-        layers = ctypes.cast(moved.buffers[1], vkm.POINTER(vkm.c_int32))
-        self.assertEqual(layers[: moved.length], [1, 1])
-        moved.release(byref(moved))
         stream.release(byref(stream))
-        LIBRARY.lib.vkm_close(reader)
+        shown = ctypes.cast(moved.buffers[1], vkm.POINTER(vkm.c_int32))
+        self.assertEqual(shown[: moved.length], values)
+        moved.release(byref(moved))
 
 
 class Threads(unittest.TestCase):

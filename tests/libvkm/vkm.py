@@ -303,6 +303,17 @@ class Library:
         lib.vkm_check.argtypes = [c_void_p, c_void_p, OnFinding, c_void_p, POINTER(c_void_p)]
         lib.vkm_diff.argtypes = [c_void_p, c_void_p, c_void_p, OnChange, c_void_p, POINTER(c_void_p)]
         lib.vkm_stream.argtypes = [c_void_p, c_int32, POINTER(ArrowStream), POINTER(c_void_p)]
+        lib.vkm_columns_read.argtypes = [POINTER(ArrowStream), POINTER(c_void_p)]
+        lib.vkm_columns_read.restype = c_void_p
+        lib.vkm_columns_stream.argtypes = [
+            POINTER(c_void_p),
+            c_size_t,
+            c_char_p,
+            POINTER(c_char_p),
+            POINTER(ArrowStream),
+            POINTER(c_void_p),
+        ]
+        lib.vkm_columns_free.argtypes = [c_void_p]
         lib.vkm_streams.argtypes = [c_void_p, POINTER(c_int32), c_size_t, POINTER(ArrowStream), POINTER(c_void_p)]
 
     def options(self, **members):
