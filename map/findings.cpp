@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "map/finding_translations.h"
+
 namespace vemrado::map {
 namespace {
 
@@ -150,6 +152,58 @@ constexpr std::array<RuleText, ruleCount> rules = {{
 static_assert(std::all_of(rules.begin(), rules.end(),
                           [](const RuleText& rule) { return !rule.name.empty(); }));
 
+// What the message is when an argument says it all.
+constexpr std::string_view argumentAlone = "%1";
+
+static_assert(std::all_of(rules.begin(), rules.end(),
+                          [](const RuleText& rule) {
+                              return IsIn(findingTranslations, rule.summary) &&
+                                     (rule.message == argumentAlone ||
+                                      IsIn(findingTranslations, rule.message));
+                          }),
+              "a rule is not in the table of translations");
+
+// The marks of a sentence: a bit for each.
+constexpr unsigned MarksOf(std::string_view sentence) {
+    unsigned marks = 0;
+    for (const char mark : {'f', '1', '2'}) {
+        const char name[] = {'%', mark};
+        marks = 2 * marks + (sentence.find(std::string_view(name, 2)) != std::string_view::npos ? 1 : 0);
+    }
+    return marks;
+}
+
+static_assert(std::all_of(std::begin(findingTranslations), std::end(findingTranslations),
+                          [](const Translation& row) {
+                              return MarksOf(row.english) == MarksOf(row.czech) &&
+                                     MarksOf(row.english) == MarksOf(row.german);
+                          }),
+              "a translation lacks a value of its sentence");
+
+// The arguments of these are sentences; of others they stand in the file, or are numbers.
+constexpr bool SaysSentence(Rule rule) {
+    return rule == Rule::notVkm || rule == Rule::freeEnd;
+}
+
+// A sentence of a rule with the field and the arguments in their places.
+std::string FilledMessage(std::string_view sentence, std::string_view field,
+                          const std::array<std::string, 2>& arguments) {
+    std::string message;
+    for (size_t i = 0; i < sentence.size(); ++i) {
+        const char next = sentence[i] == '%' && i + 1 < sentence.size() ? sentence[i + 1] : '\0';
+        if (next == 'f') {
+            message += field;
+        } else if (next == '1' || next == '2') {
+            message += arguments[next == '1' ? 0 : 1];
+        } else {
+            message += sentence[i];
+            continue;
+        }
+        ++i;
+    }
+    return message;
+}
+
 }  // namespace
 
 const RuleText& TextOf(Rule rule) {
@@ -167,22 +221,10 @@ std::string MessageOf(const Finding& finding, std::string_view field) {
     return FilledMessage(TextOf(finding.rule).message, field, finding.arguments);
 }
 
-std::string FilledMessage(std::string_view sentence, std::string_view field,
-                          const std::array<std::string, 2>& arguments) {
-    std::string message;
-    for (size_t i = 0; i < sentence.size(); ++i) {
-        const char next = sentence[i] == '%' && i + 1 < sentence.size() ? sentence[i + 1] : '\0';
-        if (next == 'f') {
-            message += field;
-        } else if (next == '1' || next == '2') {
-            message += arguments[next == '1' ? 0 : 1];
-        } else {
-            message += sentence[i];
-            continue;
-        }
-        ++i;
-    }
-    return message;
+std::string MessageOf(const Finding& finding, std::string_view field, const Translator& translator) {
+    const std::string_view sentence = translator.Text(TextOf(finding.rule).message);
+    if (!SaysSentence(finding.rule)) return FilledMessage(sentence, field, finding.arguments);
+    return FilledMessage(sentence, field, {translator.Sentence(finding.arguments[0]), finding.arguments[1]});
 }
 
 }  // namespace vemrado::map

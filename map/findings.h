@@ -10,6 +10,7 @@
 #include <string_view>
 
 #include "map/geometry.h"
+#include "map/translator.h"
 
 namespace vemrado::map {
 
@@ -131,9 +132,7 @@ class FindingSink {
 // The sentence of a finding in UTF-8, without a full stop; field is the finding's in UTF-8.
 std::string MessageOf(const Finding& finding, std::string_view field);
 
-// A sentence with %f, %1 and %2, as a rule has one, with the finding's field and these arguments in their
-// places.
-std::string FilledMessage(std::string_view sentence, std::string_view field,
-                          const std::array<std::string, 2>& arguments);
+// The same in another language.
+std::string MessageOf(const Finding& finding, std::string_view field, const Translator& translator);
 
 }  // namespace vemrado::map

@@ -7,11 +7,17 @@
 
 #include "map/box_tree.h"
 #include "map/diff_keys.h"
+#include "map/finding_translations.h"
 #include "map/map_rules.h"
 #include "map/parcels.h"
 
 namespace vemrado::map {
 namespace {
+
+// What is said of a free end.
+constexpr std::string_view nothingNear = "no other one is near";
+constexpr std::string_view nearestAway = "the nearest other one is {} m away";
+static_assert(IsIn(findingTranslations, nothingNear) && IsIn(findingTranslations, nearestAway));
 
 std::string Metres(double value) {
     char text[32];
@@ -127,9 +133,10 @@ const MapRules::Vertex* MapRules::BoundaryVertexAt(Point point) const {
 
 void MapRules::CheckBoundaries(const Parcels& parcels) {
     for (const FreeEnd& end : parcels.freeEnds) {
-        const std::string gap = std::isfinite(end.gap)
-                                    ? "the nearest other one is " + Metres(end.gap) + " m away"
-                                    : "no other one is near";
+        const std::string metres = Metres(end.gap);
+        const std::string_view value = metres;
+        const std::string gap =
+            std::isfinite(end.gap) ? FilledPattern(nearestAway, {&value, 1}) : std::string(nothingNear);
         Report(Rule::freeEnd, PlaceOfCorner(end.place), end.place, gap);
     }
 }

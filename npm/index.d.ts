@@ -32,7 +32,7 @@ export interface OpenOptions {
     name?: string;
     /** Of texts; "windows-1250" by default. */
     encoding?: "windows-1250" | "cp852" | "iso-8859-2" | "utf-8";
-    /** Of messages; "en" by default. */
+    /** Of findings, messages and legends; "en" by default. */
     language?: "en" | "cs" | "de";
     /** Stops reading; openMap rejects with its reason. */
     signal?: AbortSignal;

@@ -6,6 +6,7 @@ import {
     VkmError,
     type Commands,
     type Encoding,
+    type Language,
     type ModuleFactory,
     type Passage,
 } from "../../web/engine/engine.ts";
@@ -52,7 +53,7 @@ export class Service {
         program: WebAssembly.Module,
         origin: Origin,
         encoding: Encoding,
-        language: string,
+        language: Language,
     ): Promise<Summary> {
         const source = await openSource(origin);
         try {

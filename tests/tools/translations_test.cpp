@@ -41,34 +41,13 @@ TEST(Translations, LeaveNoSentenceOfTheHelpInEnglish) {
     }
 }
 
-// The marks %f, %1 and %2 of a sentence, sorted.
-std::string MarksOf(std::string_view sentence) {
-    std::string marks;
-    for (size_t i = 0; i + 1 < sentence.size(); ++i) {
-        if (sentence[i] == '%') marks += sentence[i + 1];
-    }
-    std::ranges::sort(marks);
-    return marks;
-}
-
-TEST(Translations, HoldEveryRuleOfCheckWithItsMarks) {
-    namespace tools = vemrado::tools;
-    for (size_t i = 0; i < vemrado::map::ruleCount; ++i) {
-        const vemrado::map::RuleText& rule = vemrado::map::TextOf(static_cast<vemrado::map::Rule>(i));
-        EXPECT_TRUE(tools::IsTranslated(rule.summary)) << rule.summary;
-        EXPECT_TRUE(rule.message == "%1" || tools::IsTranslated(rule.message)) << rule.message;
-    }
-    for (const tools::Translation& row : tools::findingTranslations) {
-        EXPECT_EQ(MarksOf(row.english), MarksOf(row.czech)) << row.czech;
-        EXPECT_EQ(MarksOf(row.english), MarksOf(row.german)) << row.german;
-    }
-}
-
 TEST(Translations, ReachWhatTheLibrariesSay) {
     const TestFolder folder;
     const std::string map =
         folder.Add("map.vkm", "&U 1\n&L P 0 0\nL 9 9 K=\xFF\n&T 1 1 '\xC5\xA1\xC4\x8D' H=x\n&K\n");
     const std::string json = folder.Add("data.vkm", "{\"a\": 1}\n");
+    const std::string covered =
+        folder.Add("covered.vkm", "&U 1\n&L P 0 0\nL 9 9\n&T 1 1 'none'\n&T 1 1 'none'\n&K\n");
     const struct {
         std::vector<std::string> arguments;
         std::array<const char*, 2> said;
@@ -84,6 +63,8 @@ TEST(Translations, ReachWhatTheLibrariesSay) {
         {{"convert", map, "-o", "-"}, {"--output: standardní výstup", "--output: die Standardausgabe"}},
         {{"dump", map, "-e", "cp852x"}, {"kódování 'cp852x' neexistuje", "Kodierung 'cp852x' gibt es nicht"}},
         {{"check", map}, {"chyba: 'x' není číslo", "Fehler: 'x' ist keine Zahl"}},
+        {{"check", covered}, {"zakrývá 'none' z řádku 4", "verdeckt 'none' aus Zeile 4"}},
+        {{"check", covered}, {"žádná jiná není blízko", "keine andere ist in der Nähe"}},
     };
     for (const auto& test : cases) {
         for (size_t i = 0; i < countries.size(); ++i) {

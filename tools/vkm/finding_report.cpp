@@ -15,9 +15,7 @@ std::string Counted(uint64_t count, Message one, Message many) {
 
 // The sentence of a finding as people read it.
 std::string ShownMessage(const map::Finding& finding, std::string_view field) {
-    std::array<std::string, 2> arguments;
-    for (size_t i = 0; i < arguments.size(); ++i) arguments[i] = TranslatedSentence(finding.arguments[i]);
-    return map::FilledMessage(TranslatedText(map::TextOf(finding.rule).message), field, arguments);
+    return map::MessageOf(finding, field, HostTranslator());
 }
 
 std::string ShownSeverity(const map::RuleText& rule) {

@@ -2,12 +2,12 @@
 
 #pragma once
 
-#include "translation.h"
+#include "map/translation.h"
 
 namespace vemrado::tools {
 
 // clang-format off
-inline constexpr Translation helpTranslations[] = {
+inline constexpr map::Translation helpTranslations[] = {
 
 {"The reader of a map passes over what it does not understand. This command tells it: each finding has its "
  "place in the file, its severity and its rule, in the form in which compilers report, so that editors jump "

@@ -1,14 +1,14 @@
-// Translations of messages, also of those that the libraries below the program say in English: such a sentence
-// is found by its pattern, behind the name of the file that it is about.
+// Translations of messages, also of those that the libraries below the program say in English: such a
+// sentence is found by its pattern, behind the name of the file that it is about.
 
 #pragma once
 
-#include "translation.h"
+#include "map/translation.h"
 
 namespace vemrado::tools {
 
 // clang-format off
-inline constexpr Translation messageTranslations[] = {
+inline constexpr map::Translation messageTranslations[] = {
 
 // --- Options that make no sense ---
 {"{} is required", "{} je povinné", "{} wird gebraucht"},
@@ -105,34 +105,12 @@ inline constexpr Translation messageTranslations[] = {
 {"it cannot be opened", "nelze jej otevřít", "nicht zu öffnen"},
 {"it cannot be read", "nelze jej číst", "nicht zu lesen"},
 {"it is no regular file", "není to obyčejný soubor", "es ist keine gewöhnliche Datei"},
-{"No such file or directory", "takový soubor nebo adresář neexistuje", "Datei oder Verzeichnis nicht gefunden"},
-{"Permission denied", "přístup odmítnut", "keine Berechtigung"},
-{"Is a directory", "je to adresář", "ist ein Verzeichnis"},
-{"Not a directory", "není to adresář", "ist kein Verzeichnis"},
 {"No space left on device", "na zařízení není místo", "auf dem Gerät ist kein Platz mehr"},
 {"disk is full", "disk je plný", "der Datenträger ist voll"},
 {"{}: the file cannot be read", "{}: soubor nelze číst", "{}: die Datei ist nicht zu lesen"},
 {"the list cannot be opened", "seznam nelze otevřít", "die Liste ist nicht zu öffnen"},
 {"the list names no file", "seznam neobsahuje žádný soubor", "die Liste nennt keine Datei"},
 {"holds {} maps; name one, such as {}", "obsahuje více map ({}); uveďte jednu, například {}", "enthält {} Karten; eine ist zu nennen, etwa {}"},
-{"not a VKM file (looks like {})", "není soubor VKM (vypadá jako {})", "keine VKM-Datei (sieht aus wie {})"},
-{"not a VKM file (no line opens a record)", "není soubor VKM (žádný řádek neotevírá záznam)", "keine VKM-Datei (keine Zeile beginnt einen Satz)"},
-{"plain text without a record", "prostý text bez záznamu", "reiner Text ohne Satz"},
-{"binary data", "binární data", "Binärdaten"},
-{"a Windows program", "program pro Windows", "ein Windows-Programm"},
-{"an office document", "kancelářský dokument", "ein Office-Dokument"},
-{"a shape file of polygons or lines", "shapefile s polygony nebo čarami", "eine Shape-Datei mit Flächen oder Linien"},
-{"UTF-16 text", "text v UTF-16", "Text in UTF-16"},
-{"the UTF-8 byte order mark before its first record was skipped",
- "značka pořadí bajtů UTF-8 před prvním záznamem byla přeskočena",
- "die UTF-8-Bytereihenfolge-Marke vor dem ersten Satz wurde übergangen"},
-{"{} bytes are no characters of {} and were replaced by U+FFFD; {}",
- "počet bajtů, které nejsou znaky {1} a byly nahrazeny U+FFFD: {0}; {2}",
- "{} Bytes sind keine Zeichen von {} und wurden durch U+FFFD ersetzt; {}"},
-{"{} bytes are no characters of {} and were replaced by U+FFFD",
- "počet bajtů, které nejsou znaky {1} a byly nahrazeny U+FFFD: {0}",
- "{} Bytes sind keine Zeichen von {} und wurden durch U+FFFD ersetzt"},
-{"the texts look like {}: try {}", "texty vypadají jako {}: zkuste {}", "die Texte sehen nach {} aus: zu versuchen ist {}"},
 {"the archive holds no VKM file", "v archivu není žádný soubor VKM", "das Archiv enthält keine VKM-Datei"},
 {"the folder holds no VKM file", "ve složce není žádný soubor VKM", "der Ordner enthält keine VKM-Datei"},
 {"its packed data are damaged", "jeho komprimovaná data jsou poškozena", "seine gepackten Daten sind beschädigt"},

@@ -1,21 +1,21 @@
 // The texts in three languages: those of the first shape of the program here, the others by subject in the
-// headers that are included. English is what stands in the code.
+// headers that are included, findings and what is said of files in those of map/. English is what stands in
+// the code.
 
 #pragma once
 
 #include <algorithm>
 #include <array>
-#include <span>
 
-#include "finding_translations.h"
 #include "help_translations.h"
+#include "map/file_translations.h"
+#include "map/finding_translations.h"
 #include "message_translations.h"
-#include "translation.h"
 
 namespace vemrado::tools {
 
 // clang-format off
-inline constexpr Translation generalTranslations[] = {
+inline constexpr map::Translation generalTranslations[] = {
 
 // --- The program ---
 {"Reads VKM files, the text exchange format of digital cadastral maps.",
@@ -337,21 +337,15 @@ inline constexpr Translation generalTranslations[] = {
 };
 // clang-format on
 
-inline constexpr std::array<std::span<const Translation>, 4> translationTables = {
-    generalTranslations, helpTranslations, messageTranslations, findingTranslations};
+inline constexpr std::array<map::TranslationTable, 5> translationTables = {
+    generalTranslations, helpTranslations, messageTranslations, map::findingTranslations,
+    map::fileTranslations};
 
 constexpr bool IsTranslated(std::string_view english) {
-    return std::ranges::any_of(translationTables, [&](std::span<const Translation> table) {
-        return std::ranges::any_of(table, [&](const Translation& row) { return row.english == english; });
-    });
+    return std::ranges::any_of(translationTables,
+                               [&](map::TranslationTable table) { return map::IsIn(table, english); });
 }
 
-static_assert(std::ranges::all_of(translationTables,
-                                  [](std::span<const Translation> table) {
-                                      return std::ranges::none_of(table, [](const Translation& row) {
-                                          return row.czech.empty() || row.german.empty();
-                                      });
-                                  }),
-              "a text lacks a language");
+static_assert(std::ranges::all_of(translationTables, map::IsComplete), "a text lacks a language");
 
 }  // namespace vemrado::tools

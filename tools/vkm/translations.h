@@ -7,6 +7,7 @@
 #include <string>
 #include <string_view>
 
+#include "map/translator.h"
 #include "translation_table.h"
 
 namespace vemrado::tools {
@@ -22,7 +23,10 @@ struct Message {
     std::string_view english;
 };
 
-// The text in the language of GetZrvCountry.
+// Into the language of GetZrvCountry, by all tables.
+const map::Translator& HostTranslator();
+
+// The text in that language.
 std::string Translated(Message message);
 
 // The translated text with the values in the places marked {}, in order, or {1}, the second.
@@ -36,8 +40,7 @@ std::string PaddedLeft(std::string_view text, size_t letters);
 // A text of any origin: as it is when the table does not have it.
 std::string TranslatedText(std::string_view english);
 
-// A sentence with values in it that the table has as a pattern, such as "cannot be opened: {}"; also behind
-// names and other things that end in a colon. As it is when there is no such pattern.
+// A sentence of the libraries below, with values in it; as it is when the table has nothing like it.
 std::string TranslatedSentence(std::string_view english);
 
 }  // namespace vemrado::tools

@@ -10,6 +10,7 @@ import type {
     ColumnOptions,
     Comparison,
     Element,
+    Finding,
     Hit,
     Inspection,
     Legend,
@@ -52,6 +53,12 @@ export type ModuleFactory = (settings: object) => Promise<Module>;
 export const encodings = ["windows-1250", "cp852", "iso-8859-2", "utf-8"] as const;
 export type Encoding = (typeof encodings)[number];
 
+export type Language = "en" | "cs" | "de";
+
+export interface FindingsInLanguages extends Omit<CheckReport, "findings"> {
+    findings: (Omit<Finding, "message"> & { messages: Record<Language, string> })[];
+}
+
 // The module refuses nothing by itself; a map takes about one and a half times its bytes of the 4 GB there are.
 export const largestFile = 2 * 1024 ** 3;
 
@@ -89,18 +96,19 @@ export class Engine {
     private readonly decoder = new TextDecoder();
     private lastFile = 0;
 
-    private constructor(private readonly module: Module) {
+    private constructor(
+        private readonly module: Module,
+        private language: Language,
+    ) {
         module.readFile = (file, offset, destination, count) =>
             this.readFile(file, offset, destination, count);
     }
 
-    // language: a country's number or the name of a language, for the words of messages and legends.
     static async load(
         factory: ModuleFactory,
         wasm: BufferSource | WebAssembly.Module,
-        language = "en",
+        language: Language = "en",
     ): Promise<Engine> {
-        let engine: Engine | undefined;
         const environment = (module: { ENV?: Record<string, string> }): void => {
             if (module.ENV) module.ENV["VEMRADO_COUNTRY"] = language;
         };
@@ -119,9 +127,15 @@ export class Engine {
             print: () => undefined,
             printErr: () => undefined,
         });
-        engine = new Engine(module);
+        const engine = new Engine(module, language);
         engine.withText(sampleSymbology, (directory) => module._web_symbology!(directory));
         return engine;
+    }
+
+    // Of findings, messages and legends from now on. What the module says of a symbology stays in its first language.
+    speak(language: Language): void {
+        this.language = language;
+        this.withText(language, (name) => this.module._web_language!(name));
     }
 
     // Opens a source as the next sheet of the map. Its number.
@@ -288,22 +302,30 @@ export class Engine {
         return this.json(this.module._web_parcel_rings!(parcel)) as ParcelRings;
     }
     check(sheet: number, most: number): CheckReport {
-        return this.json(this.module._web_check!(sheet, most)) as CheckReport;
+        const report = this.findings(sheet, most);
+        const findings = report.findings.map(({ messages, ...finding }) => ({
+            ...finding,
+            message: messages[this.language],
+        }));
+        return { ...report, findings };
+    }
+    // The same in every language.
+    findings(sheet: number, most: number): FindingsInLanguages {
+        return JSON.parse(this.answered(this.module._web_check!(sheet, most))) as FindingsInLanguages;
     }
     // What changed since another state of the map.
     compare(old: Source, encoding: Encoding, most: number): Comparison {
         const file = this.offer(old);
         try {
-            return this.json(
-                this.module._web_compare!(file, encodings.indexOf(encoding), most),
-            ) as Comparison;
+            const changes = this.module._web_compare!(file, encodings.indexOf(encoding), most);
+            return JSON.parse(this.answered(changes)) as Comparison;
         } finally {
             this.sources.delete(file);
         }
     }
     svg(sheet: number, box: Box, legend: boolean, title: string): string {
         return this.withText(title, (text) =>
-            this.text(this.module._web_svg!(sheet, ...box, legend ? 1 : 0, text)),
+            this.answered(this.module._web_svg!(sheet, ...box, legend ? 1 : 0, text)),
         );
     }
 
@@ -365,5 +387,10 @@ export class Engine {
     }
     private json(pointer: number): unknown {
         return JSON.parse(this.text(pointer));
+    }
+    // What the module may fail to give. Throws VkmError.
+    private answered(pointer: number): string {
+        if (pointer === 0) throw new VkmError(this.text(this.module._web_failure!()), "", 0, "read");
+        return this.text(pointer);
     }
 }

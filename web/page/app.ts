@@ -227,6 +227,7 @@ export class App {
 
     speak(language: Language): void {
         setLanguage(language);
+        void this.client.call("speak", language);
         sayEverywhere();
         if (!this.summary) document.title = say("title");
         this.view.redraw();

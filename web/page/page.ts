@@ -6,7 +6,7 @@ import { byId } from "./dom.ts";
 import { filesOfDrop, type MapFile } from "./files.ts";
 import { reasonOf, setState, warn } from "./status.ts";
 import type { Encoding } from "../engine/engine.ts";
-import { browserLanguage, say } from "./words.ts";
+import { browserLanguage, say, type Language } from "./words.ts";
 import type { Font } from "./worker.ts";
 import assets from "page-assets";
 
@@ -33,7 +33,7 @@ async function unpack(base64: string): Promise<Blob> {
     return new Response(bytes.pipeThrough(new DecompressionStream("gzip"))).blob();
 }
 
-async function startWorker(language: string): Promise<Client> {
+async function startWorker(language: Language): Promise<Client> {
     const script = await unpack(assets.worker);
     const client = new Client(new Worker(URL.createObjectURL(script)));
     const fonts: Font[] = assets.fonts.map(({ base64, ...face }) => ({

@@ -1,11 +1,12 @@
 // What is wrong with the file, and what changed since another state of it: lists that lead to their places.
 
-import type { Change, ChangeSide, CheckReport, Comparison, Finding } from "../engine/types.ts";
+import type { FindingsInLanguages } from "../engine/engine.ts";
+import type { Change, ChangeSide, Comparison } from "../engine/types.ts";
 import type { Client } from "./client.ts";
 import { button, make } from "./dom.ts";
 import type { MapFile } from "./files.ts";
 import type { MapView, Point } from "./map_view.ts";
-import { say, type Words } from "./words.ts";
+import { language, say, type Words } from "./words.ts";
 
 const mostListed = 300;
 const colours = {
@@ -70,7 +71,7 @@ function points(outline: number[]): Point[] {
 }
 
 export class Findings extends Review {
-    private reports: CheckReport[] = [];
+    private reports: FindingsInLanguages[] = [];
 
     override clear(): void {
         super.clear();
@@ -80,7 +81,7 @@ export class Findings extends Review {
     async panel(sheets: string[]): Promise<Node[]> {
         if (this.reports.length === 0) {
             for (const sheet of sheets.keys())
-                this.reports.push(await this.client.call("check", sheet, mostListed));
+                this.reports.push(await this.client.call("findings", sheet, mostListed));
         }
         const total = (name: "error" | "warning" | "note"): number =>
             this.reports.reduce((sum, report) => sum + report[name], 0);
@@ -99,8 +100,8 @@ export class Findings extends Review {
         ];
     }
 
-    private row(finding: Finding, sheet: string): HTMLElement {
-        const { x, y, line, column, message, severity } = finding;
+    private row(finding: FindingsInLanguages["findings"][number], sheet: string): HTMLElement {
+        const { x, y, line, column, messages, severity } = finding;
         const place = `${sheet}${line}:${column}`;
         const content = [
             make("span", {
@@ -108,7 +109,7 @@ export class Findings extends Review {
                 title: say(severity),
                 "aria-label": say(severity),
             }),
-            make("span", { class: "grow" }, message),
+            make("span", { class: "grow" }, messages[language()]),
             make("span", { class: "number" }, place),
         ];
         if (x === undefined || y === undefined) return make("li", { class: "finding" }, ...content);

@@ -1,13 +1,14 @@
 // What the page says, in the language of its reader.
 
+import type { Language } from "../engine/engine.ts";
 import { czech } from "./words_cs.ts";
 import { german } from "./words_de.ts";
 import { english, type Words } from "./words_en.ts";
 
 export type { Words };
 
-export const languages = { en: english, cs: czech, de: german };
-export type Language = keyof typeof languages;
+export type { Language };
+export const languages: Record<Language, Words> = { en: english, cs: czech, de: german };
 
 // The language of a person who has chosen none.
 export function browserLanguage(): Language {

@@ -2,7 +2,7 @@
 // never waits.
 
 import createModule from "vkm_web";
-import { Engine, type Encoding, type Source } from "../engine/engine.ts";
+import { Engine, type Encoding, type Language, type Source } from "../engine/engine.ts";
 import { replay } from "../engine/replay.ts";
 import { reportParcels } from "./parcel_report.ts";
 import type { Box, Comparison, Picked, Summary, View } from "../engine/types.ts";
@@ -135,7 +135,7 @@ function warmUp(): void {
 }
 
 const methods = {
-    async init(wasm: ArrayBuffer, fonts: Font[], language: string): Promise<void> {
+    async init(wasm: ArrayBuffer, fonts: Font[], language: Language): Promise<void> {
         const loaded = fonts.map((font) => {
             const { weight, style } = font;
             return new FontFace(font.family, font.bytes, { weight, style }).load();
@@ -145,6 +145,8 @@ const methods = {
         for (const face of await Promise.all(loaded)) faces.add(face);
         setTimeout(warmUp);
     },
+
+    speak: (language: Language) => engine.speak(language),
 
     // Reads a file as a further sheet of the map. Pictures of what has come so far are as large as the page asks.
     async open(
@@ -200,7 +202,7 @@ const methods = {
     compare(name: string, blob: Blob, encoding: Encoding, most: number): Comparison {
         return engine.compare(new BlobSource(name, blob), encoding, most);
     },
-    check: (sheet: number, most: number) => engine.check(sheet, most),
+    findings: (sheet: number, most: number) => engine.findings(sheet, most),
     svg(sheet: number, box: Box, legend: boolean, title: string): string {
         return engine.svg(sheet, box, legend, title);
     },

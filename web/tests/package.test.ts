@@ -94,7 +94,7 @@ test("failures are VkmErrors that name the file, the line and the kind", () => {
         for (const worker of [true, false]) {
             const given = { name: "given", worker };
             await attempt(() => openMap("missing.vkm", { worker }));
-            await attempt(() => openMap(new Blob(["%PDF-1.4 no map"]), given));
+            await attempt(() => openMap(new Blob(["%PDF-1.4 no map"]), { ...given, language: "cs" }));
             await attempt(() => openMap(gzipSync("&V").subarray(0, 12), given));
             await attempt(() => openMap("http://127.0.0.1:" + port + "/town.vkm", { worker }));
             const map = await openMap("town.vkm", { worker });
@@ -113,7 +113,7 @@ test("failures are VkmErrors that name the file, the line and the kind", () => {
         console.log(JSON.stringify(failures));`) as unknown[];
     const expected = [
         ["VkmError", "missing.vkm", 0, "open", "missing.vkm: no such file or directory"],
-        ["VkmError", "given", 0, "open", "given: not a VKM file (looks like PDF)"],
+        ["VkmError", "given", 0, "open", "given: není soubor VKM (vypadá jako PDF)"],
         ["VkmError", "given", 0, "open", "given: the packed file is damaged"],
         ["VkmError", "town.vkm", 0, "open", "town.vkm: the server answers 404 Not Found"],
         ["RangeError", null, null, null, "there is no table 'streets'"],

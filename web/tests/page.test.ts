@@ -139,6 +139,13 @@ test("packed maps, several sheets, pasted text", async () => {
     await page.close();
 });
 
+test("why a file is no map is said in the language of the page", async () => {
+    const { page } = await openPage({ languages: ["cs-CZ"] });
+    const { problems } = await openFiles(page, fileWith("report.pdf", "%PDF-1.4\n1 0 obj\n"));
+    assert.equal(problems.replace("×", ""), "report.pdf: není soubor VKM (vypadá jako PDF)");
+    await page.close();
+});
+
 test("incomplete, foreign, empty and huge files are told in one sentence", async () => {
     const { page, errors } = await openPage();
     const bytes = readFileSync(town);

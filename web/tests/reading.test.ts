@@ -117,5 +117,12 @@ test("a source that fails in its middle is told with the line", () => {
         while (columns.next());
     }, failed);
     columns.close();
+    assert.throws(() => engine.check(sheet, 10), {
+        name: "VkmError",
+        message: "the file cannot be read any more",
+    });
+    engine.speak("de");
+    assert.throws(() => [...engine.elements(source)], { message: `${path}: Lesefehler` });
+    engine.speak("en");
     engine.clear();
 });

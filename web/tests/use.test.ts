@@ -1,7 +1,7 @@
 // What people do with a map that is open: the page must say what the command line says of the same map.
 
 import assert from "node:assert/strict";
-import { execFileSync } from "node:child_process";
+import { execFileSync, spawnSync } from "node:child_process";
 import { copyFileSync, mkdirSync, readFileSync, readdirSync, rmSync } from "node:fs";
 import { join } from "node:path";
 import { after, test } from "node:test";
@@ -149,6 +149,17 @@ test("findings are those of vkm check, and lead to their places", async () => {
     const before = await page.evaluate(() => location.hash);
     await page.click("#panel-body button.finding");
     await until(page, `location.hash !== "${before}"`);
+    for (const language of ["cs", "de"]) {
+        const { stdout } = spawnSync(join(programs, "vkm"), ["check", path], {
+            encoding: "utf8",
+            env: { VEMRADO_COUNTRY: language },
+        });
+        const message = /^.*?\.vkm:\d+:\d+: .*?: (.*) \[[a-z-]+\]$/m.exec(stdout)![1]!;
+        await openPanel(page, "tools");
+        await page.select("#panel-body select:has(option[value=cs])", language);
+        await page.click('button[data-panel="check"]');
+        await until(page, `document.querySelector("#panel-body .finding .grow")?.innerText === "${message}"`);
+    }
     await page.close();
 });
 

@@ -1,6 +1,7 @@
-// The findings of a file for the page.
+// The findings of a file for the page, in every language that it may turn to.
 
 #include <array>
+#include <utility>
 
 #include "byte_source.h"
 #include "json.h"
@@ -9,6 +10,9 @@
 
 namespace vemrado::web {
 namespace {
+
+constexpr std::array<std::pair<const char*, map::Language>, 3> languages = {
+    {{"en", map::Language::english}, {"cs", map::Language::czech}, {"de", map::Language::german}}};
 
 class FindingList : public map::FindingSink {
   public:
@@ -23,7 +27,7 @@ class FindingList : public map::FindingSink {
         json.Begin('{').Member("severity",
                                std::string(map::severityNames[static_cast<size_t>(rule.severity)]));
         json.Member("rule", std::string(rule.name));
-        json.Member("message", map::MessageOf(finding, decoder.Decode(finding.field)));
+        PutMessages(finding);
         json.Member("line", finding.place.line).Member("column", finding.place.column);
         // The picture has north up.
         if (finding.point) json.Member("x", -finding.point->y).Member("y", -finding.point->x);
@@ -39,6 +43,14 @@ class FindingList : public map::FindingSink {
     }
 
   private:
+    void PutMessages(const map::Finding& finding) {
+        const std::string field = decoder.Decode(finding.field);
+        json.Key("messages").Begin('{');
+        for (const auto& [name, language] : languages)
+            json.Member(name, map::MessageOf(finding, field, map::TranslatorTo(language)));
+        json.End('}');
+    }
+
     client::TextDecoder decoder;
     size_t most;
     size_t kept = 0;

@@ -9,6 +9,7 @@
 #include <stdexcept>
 
 #include "client/text_encoding.h"
+#include "said.h"
 #include "source.h"
 
 namespace vemrado::web {
@@ -113,7 +114,7 @@ const char* Attempt(Function function) {
     } catch (const std::bad_alloc&) {
         failure = "out of memory";
     } catch (const std::exception& error) {
-        failure = error.what();
+        failure = web::Said(std::string(error.what()));
     }
     return failure.c_str();
 }

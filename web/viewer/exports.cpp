@@ -2,12 +2,15 @@
 
 #include <emscripten.h>
 
+#include <cstdlib>
 #include <map>
 #include <new>
 
 #include "client/data_directory.h"
 #include "elements.h"
+#include "framework/framework.h"
 #include "queries.h"
+#include "said.h"
 
 namespace {
 
@@ -27,6 +30,20 @@ struct Page {
         answer = std::move(text);
         return answer.c_str();
     }
+
+    // What the function gives, or null where it fails; web_failure says why, without the name of the file.
+    template <typename Function>
+    const char* Attempt(Function function) {
+        try {
+            return Answer(function());
+        } catch (const CFileException& error) {
+            Answer(Said(client::MessageToUtf8(error.Reason())));
+            return nullptr;
+        } catch (const std::exception& error) {
+            Answer(Said(error));
+            return nullptr;
+        }
+    }
 };
 
 Page& ThePage() {
@@ -41,6 +58,11 @@ View ViewOf(double x, double y, double pixelsPerMetre, int width, int height) {
 }  // namespace
 
 extern "C" {
+
+// "cs", "de" or "en": of what is said from now on. The module itself keeps the one that it was started with.
+EMSCRIPTEN_KEEPALIVE void web_language(const char* language) {
+    setenv("VEMRADO_COUNTRY", language, 1);
+}
 
 // The directory that holds VKMSym, for sheets opened from now on.
 EMSCRIPTEN_KEEPALIVE void web_symbology(const char* directory) {
@@ -165,7 +187,7 @@ EMSCRIPTEN_KEEPALIVE const char* web_elements_open(const char* name, int file, d
                                   axisOrientation);
         return "";
     } catch (const std::exception& error) {
-        return page.Answer(client::MessageToUtf8(error.what()));
+        return page.Answer(Said(error));
     }
 }
 
@@ -176,7 +198,7 @@ EMSCRIPTEN_KEEPALIVE int web_elements_next(int file, int numbers) {
     try {
         return static_cast<int>(page.elements.at(file).Next(static_cast<size_t>(numbers)).numbers.size());
     } catch (const std::exception& error) {
-        page.Answer(client::MessageToUtf8(error.what()));
+        page.Answer(Said(error));
         return -1;
     }
 }
@@ -210,22 +232,27 @@ EMSCRIPTEN_KEEPALIVE void web_elements_close(int file) {
     ThePage().elements.erase(file);
 }
 
-// What is wrong with a sheet's file, at most so many findings.
+// What is wrong with a sheet's file, at most so many findings. Null: it cannot, see web_failure; so those
+// below.
 EMSCRIPTEN_KEEPALIVE const char* web_check(int sheet, int most) {
     const Sheet& checked = *ThePage().viewer.Sheets()[static_cast<size_t>(sheet)];
-    return ThePage().Answer(Check(checked, static_cast<size_t>(most)));
+    return ThePage().Attempt([&] { return Check(checked, static_cast<size_t>(most)); });
 }
 
 // What changed since the state in a file of the page's.
 EMSCRIPTEN_KEEPALIVE const char* web_compare(int oldFile, int encoding, int most) {
-    return ThePage().Answer(Compare(ThePage().viewer, oldFile, static_cast<client::Encoding>(encoding),
-                                    static_cast<size_t>(most)));
+    return ThePage().Attempt([&] {
+        return Compare(ThePage().viewer, oldFile, static_cast<client::Encoding>(encoding),
+                       static_cast<size_t>(most));
+    });
 }
 
 // What lies in a box as an SVG drawing, of one sheet or, for a negative number, of all.
 EMSCRIPTEN_KEEPALIVE const char* web_svg(int sheet, double minX, double minY, double maxX, double maxY,
                                          int legend, const char* title) {
-    return ThePage().Answer(DrawSvg(ThePage().viewer, sheet, {minX, minY, maxX, maxY}, legend != 0, title));
+    return ThePage().Attempt([&] {
+        return DrawSvg(ThePage().viewer, sheet, {minX, minY, maxX, maxY}, legend != 0, title);
+    });
 }
 
 }  // extern "C"

@@ -9,6 +9,7 @@
 #include "draw/clip.h"
 #include "fold.h"
 #include "json.h"
+#include "said.h"
 
 namespace vemrado::web {
 namespace {
@@ -39,7 +40,7 @@ void PutPoint(Json& json, draw::Point point) {
 void PutSheet(Json& json, const Sheet& sheet) {
     const draw::Scene& scene = sheet.Scene();
     json.Begin('{').Member("name", sheet.Name()).Member("state", StateName(sheet.State()));
-    json.Member("failure", sheet.Failure()).Member("failureLine", sheet.FailureLine());
+    json.Member("failure", Said(sheet.Failure())).Member("failureLine", sheet.FailureLine());
     json.Member("lines", sheet.Lines()).Member("texts", sheet.Texts());
     json.Member("scale", scene.mapScale).Member("scaleUsable", scene.mapScaleUsable);
     json.Member("skipped", scene.skipped.Count()).Member("length", sheet.Length());

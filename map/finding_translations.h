@@ -1,11 +1,11 @@
-// Translations of the rules of `vkm check`: what each looks for, and what is said of a finding. What stands in
-// place of %f, %1 and %2 is that of the English sentence.
+// Translations of the rules of `vkm check`: what each looks for, and what is said of a finding. What stands
+// in place of %f, %1 and %2 is that of the English sentence.
 
 #pragma once
 
-#include "translation.h"
+#include "map/translation.h"
 
-namespace vemrado::tools {
+namespace vemrado::map {
 
 // clang-format off
 inline constexpr Translation findingTranslations[] = {
@@ -362,4 +362,6 @@ inline constexpr Translation findingTranslations[] = {
 };
 // clang-format on
 
-}  // namespace vemrado::tools
+static_assert(IsComplete(findingTranslations), "a text lacks a language");
+
+}  // namespace vemrado::map
