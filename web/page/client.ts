@@ -1,5 +1,6 @@
 // The page's side of the Worker: calls that give promises, and its events.
 
+import { say } from "./words.ts";
 import type { WorkerEvent, WorkerMethods } from "./worker.ts";
 
 type Result<Name extends keyof WorkerMethods> = Promise<Awaited<ReturnType<WorkerMethods[Name]>>>;
@@ -14,7 +15,7 @@ export class Client {
 
     constructor(private readonly worker: Worker) {
         worker.onmessage = (message) => this.receive(message.data);
-        worker.onerror = (event) => this.fail(event.message || "the program ended unexpectedly");
+        worker.onerror = (event) => this.fail(event.message || say("programEnded"));
     }
 
     call<Name extends keyof WorkerMethods>(

@@ -23,13 +23,16 @@ async function inflate(blob: Blob, format: "gzip" | "deflate-raw"): Promise<Blob
     const counted = new TransformStream<Uint8Array<ArrayBuffer>, Uint8Array<ArrayBuffer>>({
         transform(bytes, stream) {
             size += bytes.length;
-            if (size > largestFile) throw new Error(say("unpacksTooLarge"));
-            stream.enqueue(bytes);
+            if (size > largestFile) stream.error();
+            else stream.enqueue(bytes);
         },
     });
-    return new Response(
-        blob.stream().pipeThrough(new DecompressionStream(format)).pipeThrough(counted),
-    ).blob();
+    const unpacked = blob.stream().pipeThrough(new DecompressionStream(format)).pipeThrough(counted);
+    try {
+        return await new Response(unpacked).blob();
+    } catch {
+        throw new Error(say(size > largestFile ? "unpacksTooLarge" : "damaged"));
+    }
 }
 
 interface ZipEntry {
@@ -46,10 +49,10 @@ async function zipEntries(blob: Blob): Promise<ZipEntry[]> {
     const tail = new DataView(await blob.slice(tailBegin).arrayBuffer());
     let end = tail.byteLength - 22;
     while (end >= 0 && tail.getUint32(end, true) !== 0x06054b50) end--;
-    if (end < 0) throw new Error("it is no zip file, or its end is missing");
+    if (end < 0) throw new Error(say("noZip"));
     const size = tail.getUint32(end + 12, true);
     const offset = tail.getUint32(end + 16, true);
-    if (offset === 0xffffffff) throw new Error("it is a zip file of more than 4 GB");
+    if (offset === 0xffffffff) throw new Error(say("zipTooLarge"));
     const directory = new DataView(await blob.slice(offset, offset + size).arrayBuffer());
     const entries: ZipEntry[] = [];
     for (let at = 0; at + 46 <= directory.byteLength && directory.getUint32(at, true) === 0x02014b50;) {
@@ -77,7 +80,7 @@ async function unzip(blob: Blob): Promise<MapFile[]> {
         const name = entry.name.slice(entry.name.lastIndexOf("/") + 1);
         if (entry.method === 0) files.push({ name, blob: packed });
         else if (entry.method === 8) files.push({ name, blob: await inflate(packed, "deflate-raw") });
-        else throw new Error(`${entry.name} is packed in a way that browsers do not know`);
+        else throw new Error(say("zipMethod", { name: entry.name }));
     }
     return files;
 }

@@ -85,7 +85,7 @@ export class Opening {
             try {
                 this.summary = await this.client.call("open", name, blob, this.encoding, width!, height!);
             } catch (error) {
-                warn(say("failed", { reason: `${name}: ${reasonOf(error)}` }));
+                warn(`${name}: ${reasonOf(error)}`);
             }
             if (turn !== this.turn) return;
         }

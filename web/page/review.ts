@@ -85,8 +85,12 @@ export class Findings extends Review {
         }
         const total = (name: "error" | "warning" | "note"): number =>
             this.reports.reduce((sum, report) => sum + report[name], 0);
-        const counts = { errors: total("error"), warnings: total("warning"), notes: total("note") };
-        const count = counts.errors + counts.warnings + counts.notes;
+        const count = total("error") + total("warning") + total("note");
+        const counts = {
+            errors: say("errorCount", { count: total("error") }),
+            warnings: say("warningCount", { count: total("warning") }),
+            notes: say("noteCount", { count: total("note") }),
+        };
         const summary = make("p", {}, count === 0 ? say("nothingWrong") : say("findingCounts", counts));
         const rows = this.reports.flatMap((report, i) =>
             report.findings.map((finding) => this.row(finding, sheets.length > 1 ? `${sheets[i]} ` : "")),

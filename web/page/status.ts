@@ -21,7 +21,14 @@ export function setState(state: State, summary: Summary | null): void {
     status.setAttribute("data-complete", String(sheets.every((sheet) => sheet.state === "complete")));
     status.replaceChildren(
         make("strong", {}, sheets.map((sheet) => sheet.name).join(", ")),
-        make("span", { class: "quiet" }, say("shown", { lines, texts })),
+        make(
+            "span",
+            { class: "quiet" },
+            say("shown", {
+                lines: say("lineCount", { count: lines }),
+                texts: say("textCount", { count: texts }),
+            }),
+        ),
     );
 }
 

@@ -21,6 +21,12 @@ export function browserLanguage(): Language {
     return "en";
 }
 
+const plurals: Record<Language, Intl.PluralRules> = {
+    en: new Intl.PluralRules("en"),
+    cs: new Intl.PluralRules("cs"),
+    de: new Intl.PluralRules("de"),
+};
+
 let current: Language = "en";
 
 export function setLanguage(language: Language): void {
@@ -29,8 +35,14 @@ export function setLanguage(language: Language): void {
 export function language(): Language {
     return current;
 }
+// A word with a count takes the form that its language has for the count.
 export function say(word: keyof Words, values: Record<string, string | number> = {}): string {
-    return languages[current][word].replace(/\{(\w+)\}/g, (_, name: string) => {
+    const found = languages[current][word];
+    const pattern =
+        typeof found === "string"
+            ? found
+            : (found[plurals[current].select(Number(values["count"]))] ?? found.other);
+    return pattern.replace(/\{(\w+)\}/g, (_, name: string) => {
         const value = values[name];
         return typeof value === "number" ? sayNumber(value) : (value ?? "");
     });

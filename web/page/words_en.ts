@@ -55,16 +55,25 @@ export const english = {
     nothingHere: "There is nothing here.",
     reading: "Reading {name}… {percent} %",
     stop: "Stop",
-    shown: "{lines} lines, {texts} texts",
+    shown: "{lines}, {texts}",
+    lineCount: { one: "{count} line", other: "{count} lines" },
+    textCount: { one: "{count} text", other: "{count} texts" },
     incomplete: "{name} is incomplete: its closing record is missing. What was read is shown.",
     stopped: "{name}: reading was stopped. What was read is shown.",
     readFailed: "{name} could not be read to its end: {reason} What was read is shown.",
     nothingIn: "{name} is no VKM map: there is nothing in it to draw.",
     unpacksTooLarge: "it unpacks to more than 2 GB, which is more than a browser can hold",
     tooLarge: "{name} is larger than 2 GB, which is more than a browser can hold.",
-    failed: "{reason}",
+    noZip: "it is no zip file, or its end is missing",
+    zipTooLarge: "it is a zip file of more than 4 GB",
+    zipMethod: "{name} is packed in a way that browsers do not know",
+    damaged: "the packed file is damaged",
+    programEnded: "the program ended unexpectedly",
     noMap: "{reason} has no map in it.",
-    skipped: "{count} elements of {name} have impossible places or sizes and are left out.",
+    skipped: {
+        one: "{count} element of {name} has an impossible place or size and is left out.",
+        other: "{count} elements of {name} have impossible places or sizes and are left out.",
+    },
     noWebAssembly: "This browser is too old for the map: it needs WebAssembly.",
     pasteName: "pasted map",
     scale: "Scale",
@@ -87,13 +96,16 @@ export const english = {
     printScale: "Print at scale",
     parcelsHint:
         "Areas enclosed by the boundaries, with the number that lies inside. Click one in the map or the list.",
-    parcelCount: "{count} parcels, {area} in all",
+    parcelCount: { one: "{count} parcel, {area} in all", other: "{count} parcels, {area} in all" },
     parcelNumber: "Parcel {number}",
     withoutNumber: "without number",
-    freeEnds: "{count} free ends",
-    crossings: "{count} crossings without a point",
-    numbersOutside: "{count} numbers in no parcel",
-    severalNumbers: "{count} parcels with more than one number",
+    freeEnds: { one: "{count} free end", other: "{count} free ends" },
+    crossings: { one: "{count} crossing without a point", other: "{count} crossings without a point" },
+    numbersOutside: { one: "{count} number in no parcel", other: "{count} numbers in no parcel" },
+    severalNumbers: {
+        one: "{count} parcel with more than one number",
+        other: "{count} parcels with more than one number",
+    },
     freeEnd: "Free end",
     crossing: "Crossing",
     noParcels: "The boundaries enclose nothing.",
@@ -106,7 +118,10 @@ export const english = {
     changes: "Changes",
     checkHint: "What the file has that a reader of maps passes over, cuts or takes for something else.",
     nothingWrong: "Nothing is wrong with the file.",
-    findingCounts: "{errors} errors, {warnings} warnings, {notes} notes",
+    findingCounts: "{errors}, {warnings}, {notes}",
+    errorCount: { one: "{count} error", other: "{count} errors" },
+    warningCount: { one: "{count} warning", other: "{count} warnings" },
+    noteCount: { one: "{count} note", other: "{count} notes" },
     error: "Error",
     warning: "Warning",
     note: "Note",
@@ -120,4 +135,10 @@ export const english = {
     moved: "moved",
 };
 
-export type Words = typeof english;
+// A word with a count has forms, which every language has for the categories of its plurals.
+type Categories = Intl.LDMLPluralRule;
+export type Words<Needed extends Categories = "other"> = {
+    [Word in keyof typeof english]: (typeof english)[Word] extends string
+        ? string
+        : Record<Needed, string> & Partial<Record<Categories, string>>;
+};

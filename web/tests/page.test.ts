@@ -136,6 +136,7 @@ test("packed maps, several sheets, pasted text", async () => {
         document.body.dispatchEvent(new ClipboardEvent("paste", { clipboardData: data, bubbles: true }));
     });
     await page.waitForSelector('#map-status[data-state="shown"][data-lines="1"]', { timeout: 20000 });
+    assert.equal(await page.$eval("#map-status .quiet", (counts) => counts.textContent), "1 line, 1 text");
     await page.close();
 });
 
@@ -159,8 +160,11 @@ test("incomplete, foreign, empty and huge files are told in one sentence", async
     for (const [path, sentence] of [
         [fileWith("report.pdf", "%PDF-1.4\n1 0 obj\n"), /report\.pdf/],
         [fileWith("nothing.vkm", ""), /nothing\.vkm/],
-        [fileWith("broken.vkm.gz", gzipSync(bytes).subarray(0, 1000)), /broken\.vkm\.gz/],
-        [fileWith("broken.zip", "PK\u0003\u0004 and no more"), /broken\.zip/],
+        [
+            fileWith("broken.vkm.gz", gzipSync(bytes).subarray(0, 1000)),
+            /broken\.vkm\.gz: the packed file is damaged/,
+        ],
+        [fileWith("broken.zip", "PK\u0003\u0004 and no more"), /broken\.zip: it is no zip file/],
         [huge, /huge\.vkm is larger than 2 GB/],
     ] as const) {
         const status = await openFiles(page, path);

@@ -144,7 +144,7 @@ test("findings are those of vkm check, and lead to their places", async () => {
     const said = (await openPanel(page, "check")).replaceAll(",", "");
     assert.match(
         said,
-        new RegExp(`${count("error")} errors ${count("warning")} warnings ${count("note")} notes`),
+        new RegExp(`${count("error")} errors? ${count("warning")} warnings? ${count("note")} notes?`),
     );
     const before = await page.evaluate(() => location.hash);
     await page.click("#panel-body button.finding");
