@@ -94,6 +94,23 @@ def test_columns_are_views_and_agree_with_the_elements(town: Path) -> None:
             table["nothing"]
 
 
+def test_shapes_are_the_rows(town: Path) -> None:
+    """Of one part and of more, as the well-known binary has them, which is made another way."""
+    wkb = pytest.importorskip("shapely.wkb")
+    island = b" L 20.00 10.00\n P 30.00 20.00\n L 32.00 20.00\n L 32.00 24.00\n L 30.00 20.00\n"
+    found = set()
+    for source in (town, SMALL.replace(b" L 20.00 10.00\n", island)):
+        with vemrado.open(source) as opened:
+            for table in opened.tables("lines", "points", "texts", "parcels"):
+                for shape, binary in zip(table.geometry.to_shapely(), table.geometry.to_wkb()):
+                    expected = wkb.loads(binary)
+                    if table.name == "lines" and len(expected.geoms) == 1:
+                        expected = expected.geoms[0]
+                    assert type(shape) is type(expected) and shape.wkb == expected.wkb
+                    found.add((shape.geom_type, len(getattr(shape, "interiors", []))))
+    assert found == {("Point", 0), ("LineString", 0), ("MultiLineString", 0), ("Polygon", 0), ("Polygon", 1)}
+
+
 def test_frames(town: Path) -> None:
     geopandas = pytest.importorskip("geopandas")
     parcels = vemrado.read_geopandas(town, layer="parcels")

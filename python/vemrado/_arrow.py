@@ -209,29 +209,55 @@ class Array:
         bits = self._buffer(array, 0, "u1", (end + 7) // 8)
         return np.unpackbits(bits, bitorder="little")[array.offset : end].astype(np.bool_)
 
-    def to_list(self) -> list[Any]:
-        """The values as Python objects, None where there is none."""
-        items: list[Any]
-        if self.field.kind in ("u", "U"):
-            assert self.values is not None and self.offsets is not None
-            data = self.values.tobytes()
-            ends = self.offsets.tolist()
-            if data.isascii():
-                text = data.decode()
-                items = [text[a:b] for a, b in zip(ends, ends[1:])]
-            else:
-                items = [data[a:b].decode() for a, b in zip(ends, ends[1:])]
-        elif self.field.kind in ("+l", "+L"):
-            assert self.offsets is not None
-            inner = self.children[0].to_list()
-            ends = self.offsets.tolist()
-            items = [inner[a:b] for a, b in zip(ends, ends[1:])]
-        else:
-            assert self.values is not None
-            items = self.values.tolist()
+    def rows(self) -> list[int]:
+        """Numbers of the rows that have a value."""
         if self.valid is None:
-            return items
-        return [item if good else None for item, good in zip(items, self.valid.tolist())]
+            return list(range(self.length))
+        numbers: list[int] = np.flatnonzero(self.valid).tolist()
+        return numbers
+
+    def objects(self) -> list[Any]:
+        """The values of these rows as Python objects."""
+        items = self._items()
+        if self.field.kind in ("+l", "+L"):
+            return [items[a:b] for a, b in zip(*self._spans())]
+        return items if self.valid is None else [items[row] for row in self.rows()]
+
+    def _items(self) -> list[Any]:
+        """Numbers or texts of all rows, or what is in lists, None where there is none."""
+        if self.field.kind in ("u", "U"):
+            return self._texts()
+        if self.offsets is None:
+            assert self.values is not None
+            return list(self.values.tolist())
+        inner = self.children[0]
+        if inner.valid is None:
+            return inner.objects()
+        items: list[Any] = [None] * inner.length
+        for row, value in zip(inner.rows(), inner.objects()):
+            items[row] = value
+        return items
+
+    def _texts(self) -> list[str]:
+        """Of all rows. A split gives them in half the time of as many slices; none has a zero of its own."""
+        assert self.values is not None and self.offsets is not None
+        if self.length == 0:
+            return []
+        places = self.offsets
+        data = self.values[places[0] : places[-1]]
+        parted = np.zeros(data.size + self.length - 1, np.uint8)
+        letters = np.ones(parted.size, np.bool_)
+        letters[places[1:-1] - places[0] + np.arange(self.length - 1)] = False
+        parted[letters] = data
+        return parted.tobytes().decode().split("\0")
+
+    def _spans(self) -> tuple[list[int], list[int]]:
+        """Where the lists of the rows that have one begin and end."""
+        assert self.offsets is not None
+        if self.valid is None:
+            places = self.offsets.tolist()
+            return places[:-1], places[1:]
+        return self.offsets[:-1][self.valid].tolist(), self.offsets[1:][self.valid].tolist()
 
 
 class Columns:

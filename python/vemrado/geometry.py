@@ -11,12 +11,6 @@ import numpy.typing as npt
 from ._arrow import Array
 
 _DEPTH = {"point": 0, "linestring": 1, "multilinestring": 2, "polygon": 2}
-_SHAPES = {
-    "point": "Point",
-    "linestring": "LineString",
-    "multilinestring": "MultiLineString",
-    "polygon": "Polygon",
-}
 _WKB_TYPES = {"point": 1, "linestring": 2, "polygon": 3, "multilinestring": 5}
 
 
@@ -136,41 +130,14 @@ class Geometry:
         """Each row as a shapely geometry; a line of one stroke is a LineString."""
         import shapely
 
+        if not hasattr(shapely, "from_ragged_array"):
+            from ._shapely1 import shapes_of
+
+            return shapes_of(self)
         shapes = np.empty(len(self), dtype=object)
-        if hasattr(shapely, "from_ragged_array"):
-            kind = shapely.GeometryType[self.kind.upper()]
-            shapes[:] = shapely.from_ragged_array(kind, self.points, tuple(reversed(self.offsets)) or None)
-            if self.kind == "multilinestring":
-                single = np.diff(self.offsets[0]) == 1
-                shapes[single] = shapely.get_geometry(shapes[single], 0)
-            return shapes
-        single_head = struct.pack("<BI", 1, _WKB_TYPES["linestring"])
-        binaries = self.to_wkb()
-        kinds = [_SHAPES[self.kind]] * len(binaries)
+        kind = shapely.GeometryType[self.kind.upper()]
+        shapes[:] = shapely.from_ragged_array(kind, self.points, tuple(reversed(self.offsets)) or None)
         if self.kind == "multilinestring":
-            # Of a multi-line of one part its part: it begins behind the head and the number of parts.
-            for row in np.flatnonzero(np.diff(self.offsets[0]) == 1).tolist():
-                binaries[row] = single_head + binaries[row][14:]
-                kinds[row] = "LineString"
-        _fill_from_wkb(shapes, binaries, kinds)
+            single = np.diff(self.offsets[0]) == 1
+            shapes[single] = shapely.get_geometry(shapes[single], 0)
         return shapes
-
-
-def _fill_from_wkb(shapes: npt.NDArray[Any], binaries: list[bytes], kinds: list[str]) -> None:
-    """What shapely.wkb.loads does, for shapely 1.8, which takes twice as long to find out what each shape is."""
-    from shapely import geometry, wkb
-    from shapely.geos import WKBReader, lgeos
-
-    reader = WKBReader(lgeos)
-    read, handle = lgeos.GEOSWKBReader_read, reader._reader
-    classes = {kind: getattr(geometry, kind) for kind in set(kinds)}
-    for row, (binary, kind) in enumerate(zip(binaries, kinds)):
-        made = read(handle, binary, len(binary))
-        if not made:
-            wkb.loads(binary)  # raises with the reason
-        cls = classes[kind]
-        shape = cls.__new__(cls)
-        shape.__geom__ = made
-        shape._ndim = 2
-        shape._is_empty = False
-        shapes[row] = shape

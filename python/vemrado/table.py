@@ -234,7 +234,7 @@ def without_mask(values: npt.NDArray[Any]) -> npt.NDArray[Any]:
 def _to_numpy(column: Array) -> npt.NDArray[Any]:
     if column.values is None or column.offsets is not None:
         objects = np.empty(column.length, dtype=object)
-        for row, value in enumerate(column.to_list()):
+        for row, value in zip(column.rows(), column.objects()):
             objects[row] = value
         return objects
     if column.valid is None:
