@@ -138,12 +138,12 @@ export class Engine {
         this.withText(language, (name) => this.module._web_language!(name));
     }
 
-    // Opens a source as the next sheet of the map. Its number.
-    open(source: Source, encoding: Encoding = "windows-1250"): number {
+    // Opens a source as the next sheet of the map, where wanted with no more than its parcels need. Its number.
+    open(source: Source, encoding: Encoding = "windows-1250", onlyParcels = false): number {
         if (source.size > largestFile) throw new RangeError(`${source.name}: larger than 2 GB`);
         const file = this.offer(source);
         return this.withText(source.name, (name) =>
-            this.module._web_open!(name, file, source.size, encodings.indexOf(encoding)),
+            this.module._web_open!(name, file, source.size, encodings.indexOf(encoding), onlyParcels ? 1 : 0),
         );
     }
     // Reads on for so long; false when all is read.

@@ -15,7 +15,7 @@ import { Pointing } from "./pointing.ts";
 import { Changes, Findings } from "./review.ts";
 import * as share from "./share.ts";
 import { SidePanel, type PanelName } from "./side_panel.ts";
-import { isShown, reasonOf, setState, warn } from "./status.ts";
+import { isShown, setState, warn } from "./status.ts";
 import { toolsPanel, type ToolActions } from "./tools_panel.ts";
 import { sayEverywhere } from "./labels.ts";
 import { say, setLanguage, type Language } from "./words.ts";
@@ -32,7 +32,10 @@ export class App {
     private readonly find: FindField;
     private legendTimer = 0;
 
-    constructor(private readonly client: Client) {
+    constructor(
+        private readonly client: Client,
+        startWorker: () => Promise<Client>,
+    ) {
         this.view = new MapView(
             byId<HTMLCanvasElement>("map-canvas"),
             byId<HTMLCanvasElement>("overlay-canvas"),
@@ -53,9 +56,12 @@ export class App {
             (before) => this.panelChanged(before),
         );
         this.pointing = new Pointing(client, this.view);
-        this.parcels = new Parcels(client, this.view, () => this.panel.refresh("parcels"));
-        this.findings = new Findings(client, this.view);
-        this.changes = new Changes(client, this.view);
+        // Workers of their own, which have the sheets of the map before them.
+        const start = (): Promise<Client> => this.opening.offerTo(startWorker(), false);
+        const startForParcels = (): Promise<Client> => this.opening.offerTo(startWorker(), true);
+        this.parcels = new Parcels(this.view, startForParcels, () => this.panel.refresh("parcels"));
+        this.findings = new Findings(this.view, start, () => this.panel.refresh("check"));
+        this.changes = new Changes(this.view, start, () => this.panel.refresh("changes"));
         this.measuring = new Measuring(this.view, () => this.panel.refresh("tools"));
         this.find = new FindField(
             byId<HTMLInputElement>("find-text"),
@@ -195,13 +201,9 @@ export class App {
     private async compare(given: MapFile[]): Promise<void> {
         const { maps, problems } = await sortFiles(given);
         problems.forEach(warn);
-        if (!maps[0]) return;
-        try {
-            await this.changes.compare(maps[0], this.opening.encoding);
-            this.panel.show("changes");
-        } catch (error) {
-            warn(`${maps[0].name}: ${reasonOf(error)}`);
-        }
+        if (!maps[0] || !this.summary) return;
+        this.changes.compareWith(maps[0], this.opening.encoding);
+        this.panel.show("changes");
     }
 
     private toolActions(): ToolActions {

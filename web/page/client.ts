@@ -29,6 +29,12 @@ export class Client {
         });
     }
 
+    // Nothing comes back any more.
+    end(): void {
+        this.worker.terminate();
+        this.fail("ended");
+    }
+
     private receive(data: WorkerEvent | { id: number; result?: never; error?: string }): void {
         if ("event" in data) {
             this.onEvent(data);

@@ -4,7 +4,7 @@ import { largestFile, type Encoding } from "../engine/engine.ts";
 import type { Summary } from "../engine/types.ts";
 import type { Client } from "./client.ts";
 import { byId } from "./dom.ts";
-import { sortFiles, type MapFile } from "./files.ts";
+import { sortFiles, type MapFile, type OpenedFiles } from "./files.ts";
 import type { MapView, Point } from "./map_view.ts";
 import * as share from "./share.ts";
 import {
@@ -24,6 +24,7 @@ export class Opening {
     summary: Summary | null = null; // of them; null while there is no map
     encoding: Encoding = "windows-1250";
     settled = false; // the map is there, and the place on the screen is worth keeping
+    private symbology: OpenedFiles["symbology"] = []; // of one's own
     private place: share.Place | null = null; // that the address asks for
     private lookedAt: { center: Point; scale: number } | null = null; // where the last fit has gone
     private turn = 0; // of what is being opened; what is opened later ends it
@@ -44,6 +45,7 @@ export class Opening {
         const { maps, symbology, problems } = await sortFiles(given);
         if (turn !== this.turn) return;
         if (symbology.length > 0) {
+            this.symbology = symbology;
             await this.client.call("useSymbology", symbology);
             if (maps.length === 0 && this.files.length > 0) maps.push(...this.files);
         }
@@ -54,6 +56,15 @@ export class Opening {
         if (maps.length > 0) return this.read(maps);
         if (problems.length === 0) warn(say("noMap", { reason: given.map((file) => file.name).join(", ") }));
         this.fail();
+    }
+
+    // Offers the sheets to another Worker.
+    async offerTo(starting: Promise<Client>, onlyParcels: boolean): Promise<Client> {
+        const client = await starting;
+        if (this.symbology.length > 0) await client.call("useSymbology", this.symbology);
+        for (const { name, blob } of this.files)
+            await client.call("offer", name, blob, this.encoding, onlyParcels);
+        return client;
     }
 
     async readAgain(): Promise<void> {

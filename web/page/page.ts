@@ -6,7 +6,7 @@ import { byId } from "./dom.ts";
 import { filesOfDrop, type MapFile } from "./files.ts";
 import { reasonOf, setState, warn } from "./status.ts";
 import type { Encoding } from "../engine/engine.ts";
-import { browserLanguage, say, type Language } from "./words.ts";
+import { browserLanguage, language, say, type Language } from "./words.ts";
 import type { Font } from "./worker.ts";
 import assets from "page-assets";
 
@@ -33,14 +33,20 @@ async function unpack(base64: string): Promise<Blob> {
     return new Response(bytes.pipeThrough(new DecompressionStream("gzip"))).blob();
 }
 
-async function startWorker(language: Language): Promise<Client> {
-    const script = await unpack(assets.worker);
-    const client = new Client(new Worker(URL.createObjectURL(script)));
-    const fonts: Font[] = assets.fonts.map(({ base64, ...face }) => ({
-        ...face,
-        bytes: bytesOf(base64).buffer,
-    }));
+let scriptAddress: Promise<string> | undefined;
+
+// Fonts are for those that draw.
+async function startWorker(language: Language, fonts: Font[]): Promise<Client> {
+    scriptAddress ??= unpack(assets.worker).then((script) => URL.createObjectURL(script));
+    const client = new Client(new Worker(await scriptAddress));
     await client.call("init", await (await unpack(assets.wasm)).arrayBuffer(), fonts, language);
+    return client;
+}
+
+async function startDrawing(language: Language): Promise<Client> {
+    const fonts = assets.fonts.map(({ base64, ...face }) => ({ ...face, bytes: bytesOf(base64).buffer }));
+    const client = await startWorker(language, fonts);
+    void client.call("warmUp");
     return client;
 }
 
@@ -130,14 +136,12 @@ function windows1250(text: string): Blob {
 }
 
 async function start(): Promise<void> {
-    const language = browserLanguage();
     document.body.classList.add("without-map");
     let app: App | null = null;
     const early: MapFile[] = [];
     watchForFiles((files) => (app ? void app.opening.open(files) : early.push(...files)));
-    const client = await startWorker(language);
-    app = new App(client);
-    app.speak(language);
+    app = new App(await startDrawing(browserLanguage()), () => startWorker(language(), []));
+    app.speak(browserLanguage());
     byId("map").setAttribute("data-ready", "true");
     const encoding = document.getElementById("embedded-map")?.dataset["encoding"];
     if (encoding) app.opening.encoding = encoding as Encoding;

@@ -3,6 +3,7 @@
 import type { Box, ParcelRings } from "../engine/types.ts";
 import type { Client } from "./client.ts";
 import { button, make } from "./dom.ts";
+import { Errand } from "./errand.ts";
 import type { MapView, Point } from "./map_view.ts";
 import type { Marked, MarkedPlace, ParcelReport } from "./parcel_report.ts";
 import { say, sayArea, sayNumber } from "./words.ts";
@@ -10,32 +11,36 @@ import { say, sayArea, sayNumber } from "./words.ts";
 const mostListed = 300;
 
 export class Parcels {
-    private list: ParcelReport | null = null; // once it was asked for
+    private readonly errand: Errand<ParcelReport>;
     private chosen: ParcelRings | null = null;
     private chosenNumber = -1;
 
     constructor(
-        private readonly client: Client,
         private readonly view: MapView,
+        start: () => Promise<Client>,
         private readonly changed: () => void,
-    ) {}
+    ) {
+        this.errand = new Errand("searchingParcels", start, changed, true);
+    }
 
     clear(): void {
-        this.list = null;
+        this.errand.clear();
         this.chosen = null;
         this.chosenNumber = -1;
     }
 
     // True when there was a parcel at the place.
     async chooseAt(place: Point): Promise<boolean> {
-        const parcel = await this.client.call("parcelAt", place.x, place.y);
+        const parcel = await this.errand.worker?.call("parcelAt", place.x, place.y);
+        if (parcel === undefined) return false;
         await this.choose(parcel);
         return parcel >= 0;
     }
 
     private async choose(parcel: number, box?: Box): Promise<void> {
         this.chosenNumber = parcel;
-        this.chosen = parcel < 0 ? null : await this.client.call("parcelRings", parcel);
+        const { worker } = this.errand;
+        this.chosen = parcel < 0 || !worker ? null : await worker.call("parcelRings", parcel);
         if (box) this.view.show(box, 0.3);
         this.view.redraw();
         this.changed();
@@ -58,10 +63,10 @@ export class Parcels {
             context.lineWidth = 2.5;
             context.stroke();
         }
-        if (!this.list) return;
+        if (!this.errand.answer) return;
         context.strokeStyle = "rgb(196 60 20)";
         context.lineWidth = 2;
-        const { marks } = this.list;
+        const { marks } = this.errand.answer;
         for (let i = 0; i < marks.length; i += 2) this.drawMark(context, { x: marks[i]!, y: marks[i + 1]! });
     }
     private drawMark(context: CanvasRenderingContext2D, place: Point): void {
@@ -73,9 +78,10 @@ export class Parcels {
     }
 
     async panel(): Promise<Node[]> {
-        this.list ??= await this.client.call("parcels", mostListed);
+        const waiting = await this.errand.waiting((client) => client.call("parcels", mostListed));
+        if (waiting) return waiting;
         this.view.redraw();
-        const { list } = this;
+        const list = this.errand.answer!;
         if (list.tooManyCrossings) return [make("p", {}, say("tooManyCrossings"))];
         if (list.count === 0) return [make("p", {}, say("noParcels")), ...this.problems(list)];
         const nodes: Node[] = [make("p", { class: "quiet" }, say("parcelsHint"))];

@@ -1,9 +1,10 @@
 // What is wrong with the file, and what changed since another state of it: lists that lead to their places.
 
-import type { FindingsInLanguages } from "../engine/engine.ts";
+import type { Encoding, FindingsInLanguages } from "../engine/engine.ts";
 import type { Change, ChangeSide, Comparison } from "../engine/types.ts";
 import type { Client } from "./client.ts";
 import { button, make } from "./dom.ts";
+import { Errand } from "./errand.ts";
 import type { MapFile } from "./files.ts";
 import type { MapView, Point } from "./map_view.ts";
 import { language, say, type Words } from "./words.ts";
@@ -21,10 +22,7 @@ abstract class Review {
     protected marked: ChangeSide[] = [];
     private colour = "rgb(200 40 40)";
 
-    constructor(
-        protected readonly client: Client,
-        protected readonly view: MapView,
-    ) {}
+    constructor(protected readonly view: MapView) {}
 
     clear(): void {
         this.marked = [];
@@ -71,20 +69,27 @@ function points(outline: number[]): Point[] {
 }
 
 export class Findings extends Review {
-    private reports: FindingsInLanguages[] = [];
+    private readonly errand: Errand<FindingsInLanguages[]>;
 
+    constructor(view: MapView, start: () => Promise<Client>, changed: () => void) {
+        super(view);
+        this.errand = new Errand("checking", start, changed);
+    }
     override clear(): void {
         super.clear();
-        this.reports = [];
+        this.errand.clear();
     }
 
     async panel(sheets: string[]): Promise<Node[]> {
-        if (this.reports.length === 0) {
-            for (const sheet of sheets.keys())
-                this.reports.push(await this.client.call("findings", sheet, mostListed));
-        }
+        const waiting = await this.errand.waiting(async (client) => {
+            const reports: FindingsInLanguages[] = [];
+            for (const sheet of sheets.keys()) reports.push(await client.call("findings", sheet, mostListed));
+            return reports;
+        });
+        if (waiting) return waiting;
+        const reports = this.errand.answer!;
         const total = (name: "error" | "warning" | "note"): number =>
-            this.reports.reduce((sum, report) => sum + report[name], 0);
+            reports.reduce((sum, report) => sum + report[name], 0);
         const count = total("error") + total("warning") + total("note");
         const counts = {
             errors: say("errorCount", { count: total("error") }),
@@ -92,7 +97,7 @@ export class Findings extends Review {
             notes: say("noteCount", { count: total("note") }),
         };
         const summary = make("p", {}, count === 0 ? say("nothingWrong") : say("findingCounts", counts));
-        const rows = this.reports.flatMap((report, i) =>
+        const rows = reports.flatMap((report, i) =>
             report.findings.map((finding) => this.row(finding, sheets.length > 1 ? `${sheets[i]} ` : "")),
         );
         if (count > rows.length)
@@ -125,33 +130,42 @@ export class Findings extends Review {
 }
 
 export class Changes extends Review {
-    comparison: Comparison | null = null;
-    private oldName = "";
+    private readonly errand: Errand<Comparison>;
+    private old: { file: MapFile; encoding: Encoding } | null = null;
 
+    constructor(view: MapView, start: () => Promise<Client>, changed: () => void) {
+        super(view);
+        this.errand = new Errand("comparing", start, changed);
+    }
     override clear(): void {
         super.clear();
-        this.comparison = null;
+        this.errand.clear();
+        this.old = null;
     }
 
     // All that the list has in its colours, what was chosen of it more boldly.
     override draw(context: CanvasRenderingContext2D): void {
-        for (const { kind, old, now } of this.comparison?.changes ?? []) {
+        for (const { kind, old, now } of this.errand.answer?.changes ?? []) {
             for (const side of [old, now]) if (side) this.drawSide(context, side, colours[kind], 2);
         }
         super.draw(context);
     }
 
-    async compare(old: MapFile, encoding: "windows-1250" | "cp852" | "iso-8859-2" | "utf-8"): Promise<void> {
-        this.oldName = old.name;
-        this.comparison = await this.client.call("compare", old.name, old.blob, encoding, mostListed);
+    compareWith(file: MapFile, encoding: Encoding): void {
+        this.clear();
+        this.old = { file, encoding };
     }
 
-    panel(): Node[] {
-        const { comparison } = this;
-        if (!comparison) return [];
-        const { added, removed, changed, moved } = comparison;
+    async panel(): Promise<Node[]> {
+        if (!this.old) return [];
+        const { file, encoding } = this.old;
+        const waiting = await this.errand.waiting((client) =>
+            client.call("compare", file.name, file.blob, encoding, mostListed),
+        );
+        if (waiting) return waiting;
+        const { added, removed, changed, moved, changes } = this.errand.answer!;
         const count = added + removed + changed + moved;
-        const rows = comparison.changes.map((change) => {
+        const rows = changes.map((change) => {
             const sides = [change.old, change.now].filter((side): side is ChangeSide => side !== undefined);
             const row = button("", () => this.mark(sides, colours[change.kind]));
             row.append(
@@ -164,7 +178,7 @@ export class Changes extends Review {
         if (count > rows.length)
             rows.push(make("li", { class: "quiet" }, say("moreFound", { count: count - rows.length })));
         return [
-            make("p", { class: "quiet" }, say("comparedWith", { name: this.oldName })),
+            make("p", { class: "quiet" }, say("comparedWith", { name: file.name })),
             make(
                 "p",
                 {},

@@ -8,6 +8,7 @@ export type PanelContents = Record<PanelName, () => Node[] | Promise<Node[]>>;
 
 export class SidePanel {
     shown: PanelName | null = null;
+    private lastFill = 0;
 
     constructor(
         private readonly contents: PanelContents,
@@ -47,8 +48,9 @@ export class SidePanel {
         byId("panel-title").textContent = say(name);
         if (body.dataset["of"] !== name) body.replaceChildren();
         body.dataset["of"] = name;
+        const turn = ++this.lastFill;
         const nodes = await this.contents[name]();
-        if (this.shown !== name) return;
+        if (this.shown !== name || turn !== this.lastFill) return;
         const focused = [...body.querySelectorAll("button, select, input")].indexOf(document.activeElement!);
         body.replaceChildren(...nodes);
         // What is built anew under the fingers of somebody at the keyboard keeps the focus at its place.

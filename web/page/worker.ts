@@ -4,7 +4,7 @@
 import createModule from "vkm_web";
 import { Engine, type Encoding, type Language, type Source } from "../engine/engine.ts";
 import { replay } from "../engine/replay.ts";
-import { reportParcels } from "./parcel_report.ts";
+import { reportParcels, type ParcelReport } from "./parcel_report.ts";
 import type { Box, Comparison, Picked, Summary, View } from "../engine/types.ts";
 
 export interface Font {
@@ -38,7 +38,12 @@ class BlobSource implements Source {
     constructor(
         readonly name: string,
         private readonly blob: Blob,
+        private readonly onPiece: () => void = () => undefined,
     ) {}
+    // Of the bytes that were asked for.
+    get end(): number {
+        return this.begin + this.kept.length;
+    }
     get size(): number {
         return this.blob.size;
     }
@@ -47,6 +52,7 @@ class BlobSource implements Source {
             const end = Math.min(offset + window4, this.blob.size);
             this.kept = new Uint8Array(this.reader.readAsArrayBuffer(this.blob.slice(offset, end)));
             this.begin = offset;
+            this.onPiece();
         }
         const from = offset - this.begin;
         const bytes = this.kept.subarray(from, from + length);
@@ -57,6 +63,13 @@ class BlobSource implements Source {
 
 function emit(event: WorkerEvent): void {
     postMessage(event, { transfer: event.event === "preview" ? [event.picture.bitmap] : [] });
+}
+
+function toldSource(name: string, blob: Blob): BlobSource {
+    const source: BlobSource = new BlobSource(name, blob, () =>
+        emit({ event: "progress", name, done: source.end, total: blob.size }),
+    );
+    return source;
 }
 
 // Lets messages that have come meanwhile be answered. A timer would wait 4 ms.
@@ -87,7 +100,6 @@ export function fit(box: Box, width: number, height: number, margin = 0.04): Vie
 
 let engine: Engine;
 let stopWanted = false;
-const encodingOf = new Map<number, Encoding>();
 
 function bitmapOf(view: View, draw: (context: OffscreenCanvasRenderingContext2D) => void): ImageBitmap {
     const canvas = new OffscreenCanvas(view.width, view.height);
@@ -143,8 +155,8 @@ const methods = {
         engine = await Engine.load(createModule, wasm, language);
         const faces = (self as unknown as { fonts: FontFaceSet }).fonts;
         for (const face of await Promise.all(loaded)) faces.add(face);
-        setTimeout(warmUp);
     },
+    warmUp,
 
     speak: (language: Language) => engine.speak(language),
 
@@ -159,7 +171,6 @@ const methods = {
         stopWanted = false;
         const source = new BlobSource(name, blob);
         const sheet = engine.open(source, encoding);
-        encodingOf.set(sheet, encoding);
         const began = performance.now();
         let nextPreview = began + firstPreview;
         while (engine.read(sheet, slice)) {
@@ -194,15 +205,27 @@ const methods = {
     isThin(scale: number): boolean {
         return engine.isThin(scale);
     },
+    // A file that is not read now, but for what takes long: of that it tells the progress.
+    offer(name: string, blob: Blob, encoding: Encoding, onlyParcels: boolean): void {
+        engine.open(toldSource(name, blob), encoding, onlyParcels);
+    },
+    compare(name: string, blob: Blob, encoding: Encoding, most: number): Comparison {
+        return engine.compare(toldSource(name, blob), encoding, most);
+    },
+    findings: (sheet: number, most: number) => engine.findings(sheet, most),
+    // Of the sheets that were offered.
+    parcels(most: number): ParcelReport {
+        for (const sheet of engine.summary().sheets.keys()) while (engine.read(sheet, Infinity));
+        return reportParcels(engine.parcels(), most);
+    },
+    parcelAt: (x: number, y: number) => engine.parcelAt(x, y),
+    parcelRings: (parcel: number) => engine.parcelRings(parcel),
+
     async png(view: View): Promise<Blob> {
         const canvas = new OffscreenCanvas(view.width, view.height);
         drawView(canvas.getContext("2d", { willReadFrequently: true })!, view);
         return canvas.convertToBlob();
     },
-    compare(name: string, blob: Blob, encoding: Encoding, most: number): Comparison {
-        return engine.compare(new BlobSource(name, blob), encoding, most);
-    },
-    findings: (sheet: number, most: number) => engine.findings(sheet, most),
     svg(sheet: number, box: Box, legend: boolean, title: string): string {
         return engine.svg(sheet, box, legend, title);
     },
@@ -213,9 +236,6 @@ const methods = {
     find: (text: string, most: number) => engine.find(text, most),
     pick: (x: number, y: number, distance: number) => engine.pick(x, y, distance),
     inspect: (picked: Picked) => engine.inspect(picked),
-    parcels: (most: number) => reportParcels(engine.parcels(), most),
-    parcelAt: (x: number, y: number) => engine.parcelAt(x, y),
-    parcelRings: (parcel: number) => engine.parcelRings(parcel),
 };
 
 export type WorkerMethods = typeof methods;

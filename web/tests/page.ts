@@ -153,9 +153,13 @@ export async function openPanel(page: Page, name: string): Promise<string> {
 }
 // What stands in the panel that is open, once there is something.
 export async function panelText(page: Page): Promise<string> {
-    await page.waitForFunction(() => document.getElementById("panel-body")!.childElementCount > 0, {
-        timeout: 30000,
-    });
+    await page.waitForFunction(
+        () => {
+            const body = document.getElementById("panel-body")!;
+            return body.childElementCount > 0 && !body.querySelector("progress");
+        },
+        { timeout: 30000 },
+    );
     return page.$eval("#panel-body", (body) => (body as HTMLElement).innerText);
 }
 

@@ -332,3 +332,32 @@ test("Stop ends the reading of all sheets and keeps what was read", async () => 
     assert.match(status.problems, /large.vkm: reading was stopped/);
     await page.close();
 });
+
+test("a check, parcels and a comparison can be stopped, while the map stays alive", async () => {
+    const { page, errors } = await openPage();
+    const large = join(folder, "long.vkm");
+    execFileSync(join(programs, "vkm-generate"), ["--size", "30M", "-o", large]);
+    await openFiles(page, large);
+    const compare = async (): Promise<void> => {
+        const input = (await page.$("#old-file"))!;
+        await (input as unknown as { uploadFile(path: string): Promise<void> }).uploadFile(large);
+    };
+    for (const [begin, done] of [
+        [() => page.click('button[data-panel="check"]'), "Nothing is wrong"],
+        [() => page.click('button[data-panel="parcels"]'), "parcels, "],
+        [compare, "The two states are equal"],
+    ] as const) {
+        await begin();
+        await page.waitForSelector("#panel-body progress");
+        await page.type("#find-text", "1");
+        await page.waitForSelector("#find-hits li"); // which the other Worker has found meanwhile
+        assert.ok(await page.$("#panel-body progress"), "it was too quick to be stopped");
+        await page.keyboard.press("Backspace");
+        await page.click("#panel-body .working button");
+        await until(page, `document.getElementById("panel-body").innerText.startsWith("Stopped.")`);
+        await press(page, "Start again");
+        await until(page, `document.getElementById("panel-body").innerText.includes("${done}")`);
+    }
+    assert.deepEqual(errors, []);
+    await page.close();
+});

@@ -69,10 +69,17 @@ EMSCRIPTEN_KEEPALIVE void web_symbology(const char* directory) {
     client::UseDataDirectory(directory);
 }
 
-// Number of the sheet.
-EMSCRIPTEN_KEEPALIVE int web_open(const char* name, int file, double length, int encoding) {
+// Number of the sheet, which may be read for its parcels only.
+EMSCRIPTEN_KEEPALIVE int web_open(const char* name, int file, double length, int encoding, int onlyParcels) {
     Viewer& viewer = ThePage().viewer;
-    viewer.Add(std::make_unique<Sheet>(name, file, length, static_cast<client::Encoding>(encoding)));
+    draw::SceneOptions options;
+    options.encoding = static_cast<client::Encoding>(encoding);
+    if (onlyParcels != 0) {
+        const map::ParcelLayers from;
+        options.layers = {from.boundaries, from.numbers};
+        options.symbols = false;
+    }
+    viewer.Add(std::make_unique<Sheet>(name, file, length, std::move(options)));
     return static_cast<int>(viewer.Sheets().size()) - 1;
 }
 

@@ -59,16 +59,14 @@ void IndexTexts(const draw::Scene& scene, const draw::Layer& layer, LayerIndex& 
 
 }  // namespace
 
-Sheet::Sheet(std::string sheetName, int fileNumber, double fileLength, client::Encoding textEncoding)
+Sheet::Sheet(std::string sheetName, int fileNumber, double fileLength, draw::SceneOptions options)
     : name(std::move(sheetName)),
       file(fileNumber),
       length(fileLength),
-      encoding(textEncoding),
+      encoding(options.encoding),
       offered(std::make_unique<OfferedFile>(name, file, length)),
       importer(std::make_unique<map::Importer>()) {
-    draw::SceneOptions options;
-    options.encoding = encoding;
-    builder = std::make_unique<draw::SceneBuilder>(*importer, options);
+    builder = std::make_unique<draw::SceneBuilder>(*importer, std::move(options));
     if (!Open()) {
         state = SheetState::failed;
         if (failure.empty()) failure = offered->Boxes().empty() ? name : offered->Boxes().back();

@@ -27,7 +27,7 @@ struct LayerIndex {
 
 class Sheet {
   public:
-    Sheet(std::string name, int file, double length, client::Encoding encoding);
+    Sheet(std::string name, int file, double length, draw::SceneOptions options);
 
     // Reads on for about so long.
     void Read(double milliseconds);
