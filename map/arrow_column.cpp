@@ -96,7 +96,8 @@ void ArrowBuffer::Repeat(std::string_view text, size_t times) {
 ArrowColumn::ArrowColumn(const ColumnType& columnType)
     : type(columnType),
       nullable(type.nullable),
-      withOffsets(type.format == "u" || type.format == "+l"),
+      withBytes(type.format == "u" || type.format == "z"),
+      withOffsets(withBytes || type.format == "+l"),
       width(type.format == "i"                         ? sizeof(int32_t)
             : type.format == "l" || type.format == "g" ? sizeof(int64_t)
                                                        : 0),
@@ -182,7 +183,7 @@ void ArrowColumn::Export(ArrowArray* array) {
     ExpectAsMuchAs(column);
     kept->buffers.push_back(column.nulls > 0 ? column.validity.Data() : nullptr);
     if (withOffsets) kept->buffers.push_back(column.offsets.Data());
-    if (width != 0 || type.format == "u") kept->buffers.push_back(column.data.Data());
+    if (width != 0 || withBytes) kept->buffers.push_back(column.data.Data());
     kept->children.resize(column.children.size());
     for (ArrowArray& child : kept->children) kept->pointers.push_back(&child);
     array->length = column.rows;

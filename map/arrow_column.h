@@ -85,7 +85,7 @@ class ArrowBuffer {
     size_t expected = 0;
 };
 
-// What a column is. The format is one of Arrow's: i, l, g, u, +l, +w:2 and +s.
+// What a column is. The format is one of Arrow's: i, l, g, u, z, +l, +w:2 and +s.
 struct ColumnType {
     std::string name;
     std::string format;
@@ -179,6 +179,7 @@ class ArrowColumn {
 
     ColumnType type;
     bool nullable;
+    bool withBytes;  // texts or binary values
     bool withOffsets;
     size_t width;  // of a fixed value, bytes
     int64_t rows = 0;
