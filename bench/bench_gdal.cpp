@@ -11,12 +11,14 @@
 #include <cpl_vsi.h>
 #include <gdal_priv.h>
 #include <gdal_utils.h>
+#include <ogr_recordbatch.h>
 #include <ogrsf_frmts.h>
 
 #include <algorithm>
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
 #include <ctime>
 #include <memory>
 #include <random>
@@ -188,6 +190,36 @@ Seen ReadLayer(OGRLayer& layer) {
     return seen;
 }
 
+// The geometries are the last column.
+void ReadArray(const ArrowArray& array, Seen& seen) {
+    constexpr int heading = 9;  // bytes of a line string before its points
+    const ArrowArray& geometries = *array.children[array.n_children - 1];
+    const auto* offsets = static_cast<const int32_t*>(geometries.buffers[1]);
+    const auto* bytes = static_cast<const char*>(geometries.buffers[2]);
+    for (int64_t row = 0; row < array.length; ++row) {
+        for (int32_t i = offsets[row] + heading; i < offsets[row + 1]; i += 2 * int{sizeof(double)}) {
+            double point[2];
+            std::memcpy(point, bytes + i, sizeof point);
+            seen.sum += point[0] + point[1];
+        }
+    }
+    seen.lines += array.length;
+}
+
+Seen ReadStream(OGRLayer& layer, CSLConstList options) {
+    Seen seen;
+    layer.ResetReading();
+    ArrowArrayStream stream;
+    if (!layer.GetArrowStream(&stream, options)) throw std::runtime_error("there is no Arrow stream");
+    ArrowArray array;
+    while (stream.get_next(&stream, &array) == 0 && array.release != nullptr) {
+        ReadArray(array, seen);
+        array.release(&array);
+    }
+    stream.release(&stream);
+    return seen;
+}
+
 Seen Import(const char* path) {
     constexpr int eastAndNorth = 128;
     constexpr int lineRead = 1;
@@ -278,6 +310,10 @@ std::vector<Measured> MeasureAll(const Settings& settings, const Removed& map) {
     MadeUpLayer madeUp(*lines.GetLayerDefn(), wanted.lines, settings.seed);
     all.push_back(Measure("driver", settings.repetitions, [&] { return ReadLayer(lines); }));
     all.push_back(Measure("made_up", settings.repetitions, [&] { return ReadLayer(madeUp); }));
+    all.push_back(Measure("arrow", settings.repetitions, [&] { return ReadStream(lines, nullptr); }));
+    // The driver leaves a stream with an option that it does not know to GDAL.
+    const char* const unknown[] = {"UNKNOWN=YES", nullptr};
+    all.push_back(Measure("arrow_by_gdal", settings.repetitions, [&] { return ReadStream(lines, unknown); }));
     for (const Format& format : formats) {
         const Removed file(CPLFormFilename(settings.folder.c_str(), "bench_gdal_lines", format.extension));
         VSIUnlink(file.Path());

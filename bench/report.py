@@ -190,6 +190,8 @@ def measure_gdal(megabytes):
     size = f"{megabytes} MB"
     row(f"GDAL driver with styles, {size}", speed("driver"), "made-up features", speed("made_up"),
         times["driver"] / times["made_up"])
+    row(f"GDAL driver's Arrow stream, {size}", speed("arrow"), "made by GDAL from features", speed("arrow_by_gdal"),
+        times["arrow"] / times["arrow_by_gdal"])
     for name in ("DXF", "CSV", "GeoJSONSeq", "FlatGeobuf"):
         row(f"GDAL driver with styles, {size}", speed("driver"), f"{name} through GDAL", speed(name),
             times["driver"] / times[name])

@@ -39,9 +39,7 @@ class MapLayer : public OGRLayer {
     }
 
     Definition definition;
-
-  private:
-    int sourceField = -1;
+    int sourceField = -1;  // none
 };
 
 }  // namespace vemrado::gdal

@@ -197,6 +197,7 @@ int VkmLayer::TestCapability(const char* capability) {
     if (EQUAL(capability, OLCFastFeatureCount)) return known && Unfiltered();
     if (EQUAL(capability, OLCFastGetExtent)) return known;
     if (EQUAL(capability, OLCFastSpatialFilter)) return state.source.files.size() > 1 && state.KnowsFiles();
+    if (EQUAL(capability, OLCFastGetArrowStream)) return m_poAttrQuery == nullptr;
     if (EQUAL(capability, OLCStringsAsUTF8)) return TRUE;
     if (EQUAL(capability, OLCIgnoreFields)) return TRUE;
     return FALSE;

@@ -14,6 +14,8 @@
 
 namespace vemrado::gdal {
 
+class ArrowRows;
+
 // What the layers of one dataset share.
 struct SharedState {
     Source source;
@@ -46,6 +48,9 @@ class VkmLayer : public MapLayer {
     OGRErr GetExtent(OGREnvelope* extent, int force) override;
     int TestCapability(const char* capability) override;
 
+  protected:
+    int GetNextArrowArray(ArrowArrayStream* stream, ArrowArray* array) override;
+
   private:
     // A place in the layer.
     struct Cursor {
@@ -68,6 +73,12 @@ class VkmLayer : public MapLayer {
     OGRFeature* Make(const Cursor& cursor, size_t record);
     // The feature that the cursor stands on, passed; null when the filter's rectangle excludes it.
     OGRFeature* NextInRectangle(Cursor& cursor);
+    // Whether a stream's arrays are made without features.
+    bool MakesArrays() const;
+    bool IsInFilter(const Cursor& cursor, size_t record, const OGREnvelope& envelope);
+    // Adds the record that the cursor stands on, unless the filter excludes it, and passes it.
+    void AddRow(ArrowRows& rows, Cursor& cursor);
+    void FillArray(ArrowArray& array);
     // Over all files, or without those of which skips says so, whose features are known.
     std::unique_ptr<Cursor> StartCursor(ElementReader::Skips skips = {}) const;
     // Over the files that the filter's rectangle touches.
