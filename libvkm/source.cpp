@@ -13,6 +13,8 @@
 namespace vemrado::capi {
 namespace {
 
+[[maybe_unused]] const bool namesTold = (client::TakeNamesAsUtf8(), true);
+
 // Gives the caller's memory or functions back.
 class Release {
   public:

@@ -1,6 +1,7 @@
 #include "client/atomic_output.h"
 
 #include <cerrno>
+#include <filesystem>
 #include <system_error>
 
 #include "client/system.h"
@@ -26,7 +27,7 @@ AtomicOutput::AtomicOutput(const std::string& path)
 
 AtomicOutput::~AtomicOutput() {
     if (file != nullptr) std::fclose(file);
-    if (!temporary.empty()) std::remove(temporary.c_str());
+    RemoveTemporary();
 }
 
 void AtomicOutput::Write(std::string_view bytes) {
@@ -44,8 +45,13 @@ void AtomicOutput::Commit() {
     temporary.clear();
 }
 
+void AtomicOutput::RemoveTemporary() const {
+    std::error_code ignored;
+    if (!temporary.empty()) std::filesystem::remove(NativePath(temporary), ignored);
+}
+
 void AtomicOutput::Abandon() const {
-    if (!temporary.empty()) std::remove(temporary.c_str());
+    RemoveTemporary();
 }
 
 // The destructor of a finished object removes the temporary file; in the constructor there is none yet.

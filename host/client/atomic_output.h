@@ -35,6 +35,7 @@ class AtomicOutput {
     void Abandon() const;
 
   private:
+    void RemoveTemporary() const;
     [[noreturn]] void Fail(int error);
 
     std::string shownPath;

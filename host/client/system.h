@@ -54,6 +54,10 @@ bool InterruptCaught();
 
 enum class FileKind { none, regular, directory, other };
 
+// For a library whose callers give names as UTF-8 whatever the code page of their process: called while the
+// library is loaded.
+void TakeNamesAsUtf8();
+
 // A file name for the standard library, which takes narrow names in an encoding of its own on Windows.
 std::filesystem::path NativePath(const std::string& path);
 

@@ -161,6 +161,8 @@ bool InterruptCaught() {
     return interruptCaught != 0;
 }
 
+void TakeNamesAsUtf8() {}
+
 std::filesystem::path NativePath(const std::string& path) {
     return path;
 }

@@ -71,6 +71,8 @@ bool InterruptCaught() {
     return false;
 }
 
+void TakeNamesAsUtf8() {}
+
 std::filesystem::path NativePath(const std::string& path) {
     return path;
 }

@@ -20,6 +20,9 @@ namespace {
 
 std::atomic<bool> interruptCaught = false;
 
+// Of file names. Set when a library is loaded, never later.
+UINT nameCodePage = CP_ACP;
+
 // False passes the event on: to the program's end, at the second time.
 BOOL WINAPI OnConsoleEvent(DWORD event) {
     return event == CTRL_C_EVENT && !interruptCaught.exchange(true) ? TRUE : FALSE;
@@ -56,7 +59,7 @@ bool IsClosedPipe(DWORD error) {
 // A name in the system's code page. On systems that have no UTF-8 there a name may not fit: its short form
 // does.
 std::string SystemName(const std::wstring& name) {
-    if (GetACP() == CP_UTF8) return ToCodePage(name, CP_UTF8);
+    if (GetACP() == CP_UTF8 || nameCodePage == CP_UTF8) return ToCodePage(name, CP_UTF8);
     BOOL lossy = FALSE;
     WideCharToMultiByte(CP_ACP, WC_NO_BEST_FIT_CHARS, name.data(), static_cast<int>(name.size()), nullptr, 0,
                         nullptr, &lossy);
@@ -219,12 +222,16 @@ bool InterruptCaught() {
     return interruptCaught;
 }
 
+void TakeNamesAsUtf8() {
+    nameCodePage = CP_UTF8;
+}
+
 std::filesystem::path NativePath(const std::string& path) {
-    return FromCodePage(path, CP_ACP);
+    return FromCodePage(path, nameCodePage);
 }
 
 FileKind KindOfFile(const std::string& path) {
-    const DWORD attributes = GetFileAttributesA(path.c_str());
+    const DWORD attributes = GetFileAttributesW(NativePath(path).c_str());
     if (attributes == INVALID_FILE_ATTRIBUTES) return FileKind::none;
     if ((attributes & FILE_ATTRIBUTE_DIRECTORY) != 0) return FileKind::directory;
     return (attributes & FILE_ATTRIBUTE_DEVICE) != 0 ? FileKind::other : FileKind::regular;
@@ -239,7 +246,7 @@ std::FILE* CreateNewFile(const std::string& path) {
         errno = EEXIST;
         return nullptr;
     }
-    return std::fopen(path.c_str(), "wb");
+    return _wfopen(NativePath(path).c_str(), L"wb");
 }
 
 std::FILE* OpenForReading(const std::string& path) {
@@ -252,7 +259,7 @@ int64_t LengthOfFile(std::FILE* file) {
 }
 
 bool PutInPlace(const std::string& from, const std::string& to) {
-    if (MoveFileExA(from.c_str(), to.c_str(), MOVEFILE_REPLACE_EXISTING)) return true;
+    if (MoveFileExW(NativePath(from).c_str(), NativePath(to).c_str(), MOVEFILE_REPLACE_EXISTING)) return true;
     const DWORD error = GetLastError();
     errno = error == ERROR_ACCESS_DENIED || error == ERROR_SHARING_VIOLATION ? EACCES : EIO;
     return false;
@@ -317,7 +324,7 @@ char32_t CharacterOfByte(Encoding encoding, unsigned char byte) {
 }
 
 std::string SystemTextToUtf8(std::string_view text) {
-    return ToCodePage(FromCodePage(text, CP_ACP), CP_UTF8);
+    return ToCodePage(FromCodePage(text, nameCodePage), CP_UTF8);
 }
 
 }  // namespace vemrado::client

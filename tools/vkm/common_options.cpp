@@ -51,7 +51,7 @@ CLI::Option* AddToleranceOption(CLI::App& command, double& tolerance) {
 void RefuseInputAsOutput(const std::string& input, const std::string& output) {
     std::error_code none;
     if (input == client::standardInputName || output.empty() || output == client::standardInputName) return;
-    if (!std::filesystem::equivalent(input, output, none)) return;
+    if (!std::filesystem::equivalent(client::NativePath(input), client::NativePath(output), none)) return;
     throw Failure(exitUsage,
                   Filled("{}: an input cannot be the output as well", {client::SystemTextToUtf8(input)}));
 }
