@@ -22,6 +22,15 @@ constexpr double largestSvgSide = 1e6;                    // mm
     throw TooLarge(text);
 }
 
+// Beyond these sides the numbers of a drawing no longer have a scale between them.
+void CheckScale(const PageSize& page) {
+    constexpr double smallestSide = 1e-6, largestSide = 1e9;  // mm
+    if (std::min(page.width, page.height) >= smallestSide && std::max(page.width, page.height) <= largestSide)
+        return;
+    Refuse("a picture of %.6g x %.6g mm is too large or too small: %s", page.width, page.height,
+           "a side has from 1e-06 to 1e+09 mm before it is enlarged");
+}
+
 void CheckPixels(const PixelSize& size) {
     if (size.width <= largestPixelSide && size.height <= largestPixelSide &&
         size.width * size.height <= largestPixelCount) {
@@ -73,10 +82,12 @@ std::unique_ptr<Canvas> MakeCanvas(Format format, const PageSize& page, double d
     CheckSupport(format);
     if (format == Format::png) {
         CheckPixels(PixelsOf(page, dotsPerInch));
+        CheckScale(page);
         return MakePngCanvas(page, dotsPerInch, std::move(sink));
     }
     if (format == Format::pdf) {
         CheckMillimetres(page, largestPdfSide, "a side of a PDF page holds at most 5080 mm");
+        CheckScale(page);
         return MakePdfCanvas(page, title, std::move(sink));
     }
     CheckMillimetres(page, largestSvgSide, "a side holds at most 1000 m");

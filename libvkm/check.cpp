@@ -97,7 +97,7 @@ vkm_status vkm_check(vkm_reader* reader, const vkm_check_options* options, vkm_o
                      void* context, vkm_error** error) {
     return Guarded(error, [&] {
         Require(reader != nullptr && on_finding != nullptr, "vkm_check: null");
-        Require(options == nullptr || options->size >= sizeof(size_t),
+        Require(options == nullptr || SaysSize(options->size),
                 "vkm_check: the options do not say their size");
         const vkm_check_options known =
             options != nullptr ? KnownPart(*options, DefaultCheck()) : DefaultCheck();

@@ -76,8 +76,7 @@ vkm_status vkm_diff(vkm_reader* old_map, vkm_reader* new_map, const vkm_diff_opt
                     vkm_on_change on_change, void* context, vkm_error** error) {
     return Guarded(error, [&] {
         Require(old_map != nullptr && new_map != nullptr && on_change != nullptr, "vkm_diff: null");
-        Require(options == nullptr || options->size >= sizeof(size_t),
-                "vkm_diff: the options do not say their size");
+        Require(options == nullptr || SaysSize(options->size), "vkm_diff: the options do not say their size");
         const vkm_diff_options known =
             options != nullptr ? KnownPart(*options, DefaultDiff()) : DefaultDiff();
         Require(known.tolerance >= 0, "tolerance: below 0");

@@ -73,7 +73,7 @@ void TakeCrs(const char* crs, Options& options) {
 
 Options CopyOptions(const vkm_options* callers) {
     Options options;
-    Require(callers == nullptr || callers->size >= sizeof(size_t),
+    Require(callers == nullptr || SaysSize(callers->size),
             "the options do not say their size: vkm_options_init");
     const vkm_options known = callers != nullptr ? KnownPart(*callers, Defaults()) : Defaults();
     TakeEncoding(known.encoding, options);

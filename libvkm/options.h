@@ -34,6 +34,11 @@ struct Options {
 // Null gives the defaults. Throws Failure for a value that makes no sense.
 Options CopyOptions(const vkm_options* options);
 
+// Whether the first member of a structure of the caller's is a size that such a structure can have.
+inline bool SaysSize(size_t size) {
+    return size >= sizeof(size_t) && size % alignof(size_t) == 0;
+}
+
 // The start of a structure of the caller's that says its own size first, of which this library knows more or
 // fewer members: what the caller does not have is as in the defaults.
 template <typename Structure>

@@ -66,7 +66,8 @@ void Draw(vkm_reader& reader, const vkm_picture& picture, draw::Format format, c
     draw::SheetOptions options;
     options.box = BoxOf(picture.box);
     options.legend = picture.legend != 0;
-    options.title = picture.title != nullptr ? picture.title : TitleOf(name);
+    client::TextDecoder titleDecoder(client::Encoding::utf8);
+    options.title = titleDecoder.Decode(picture.title != nullptr ? picture.title : TitleOf(name));
     options.pixels = picture.width;
     const draw::Scene scene = SceneOf(reader, picture, options.box);
     if (scene.layers.empty() && !options.box) throw Failure(VKM_ERROR_ARGUMENT, "nothing to draw", name);
@@ -87,7 +88,7 @@ void Draw(vkm_reader& reader, const vkm_picture& picture, draw::Format format, c
 }
 
 vkm_picture KnownPicture(const vkm_picture* callers) {
-    Require(callers == nullptr || callers->size >= sizeof(size_t),
+    Require(callers == nullptr || SaysSize(callers->size),
             "the picture does not say its size: vkm_picture_init");
     const vkm_picture picture = callers != nullptr ? KnownPart(*callers, DefaultPicture()) : DefaultPicture();
     Require(picture.width >= 0 && picture.width <= widestPicture, "width: 0 to 32767 pixels");

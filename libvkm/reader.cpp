@@ -79,8 +79,7 @@ vkm_reader* vkm_open_memory(const void* data, size_t length, const char* name, c
 vkm_reader* vkm_open_source(const vkm_source* source, const char* name, const vkm_options* options,
                             vkm_error** error) {
     return Open(options, error, [&] {
-        Require(source != nullptr && source->size >= sizeof(size_t),
-                "source: null, or it does not say its size");
+        Require(source != nullptr && SaysSize(source->size), "source: null, or it does not say its size");
         return CallersSource(KnownPart(*source, vkm_source{}), name);
     });
 }
@@ -91,7 +90,7 @@ void vkm_close(vkm_reader* reader) {
 
 vkm_status vkm_get_header(vkm_reader* reader, vkm_header* header, vkm_error** error) {
     return Guarded(error, [&] {
-        Require(reader != nullptr && header != nullptr && header->size >= sizeof(size_t),
+        Require(reader != nullptr && header != nullptr && SaysSize(header->size),
                 "vkm_get_header: null, or a header that does not say its size");
         map::Importer& importer = reader->file->Importer();
         client::TextDecoder decoder(reader->options.encoding);
@@ -122,7 +121,7 @@ vkm_status vkm_next(vkm_reader* reader, const vkm_element** element, vkm_error**
             reader->failed = failure.Error();
             throw;
         } catch (const std::bad_alloc&) {
-            reader->ended = true;
+            reader->failed = vkm_error{VKM_ERROR_MEMORY, vkm_status_text(VKM_ERROR_MEMORY), {}, 0};
             throw;
         }
     });

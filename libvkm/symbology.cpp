@@ -67,7 +67,7 @@ SymbologyLookup& vkm_reader::Symbology() {
 
 vkm_status vkm_get_line_style(vkm_reader* reader, int32_t code, vkm_line_style* style, vkm_error** error) {
     return Guarded(error, [&] {
-        Require(reader != nullptr && style != nullptr && style->size >= sizeof(size_t),
+        Require(reader != nullptr && style != nullptr && SaysSize(style->size),
                 "vkm_get_line_style: null, or a style that does not say its size");
         const SymbologyLookup::Style& found = reader->Symbology().StyleOf(code);
         if (!found.known) return VKM_NOTHING;
@@ -85,7 +85,7 @@ vkm_status vkm_get_line_style(vkm_reader* reader, int32_t code, vkm_line_style* 
 
 vkm_status vkm_get_symbol(vkm_reader* reader, int32_t code, vkm_symbol* symbol, vkm_error** error) {
     return Guarded(error, [&] {
-        Require(reader != nullptr && symbol != nullptr && symbol->size >= sizeof(size_t),
+        Require(reader != nullptr && symbol != nullptr && SaysSize(symbol->size),
                 "vkm_get_symbol: null, or a symbol that does not say its size");
         const SymbologyLookup::Symbol& found = reader->Symbology().SymbolOf(code);
         if (!found.known) return VKM_NOTHING;

@@ -196,7 +196,9 @@ TEST(Canvas, RefusesWhatIsTooLarge) {
         {Format::png, {4000, 1, 1}, "40000 x 10 pixels"},
         {Format::png, {3000, 3000, 1}, "30000 x 30000 pixels"},
         {Format::png, {1e300, 1e300, 1}, "1e+301 x 1e+301 pixels"},
+        {Format::png, {1e300, 1e300, 1e-300}, "1e+300 x 1e+300 mm"},
         {Format::pdf, {6000, 100, 1}, "6000 x 100 mm"},
+        {Format::pdf, {1e-300, 1e-300, 1e300}, "1e-300 x 1e-300 mm"},
         {Format::svg, {100, 2e5, 10}, "1000 x 2e+06 mm"},
     };
     for (const auto& test : cases) {

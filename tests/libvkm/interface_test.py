@@ -60,7 +60,7 @@ class Elements(unittest.TestCase):
         ]:
             with self.subTest(path=path), self.assertRaisesRegex(vkm.Failed, reason):
                 LIBRARY.call("vkm_open", path, None)
-        for options in [{"encoding": b"koi8"}, {"orientation": b"z"}, {"size": 0}, {"batch_rows": 0}, {"crs": b'a"b'}]:
+        for options in [{"encoding": b"koi8"}, {"orientation": b"z"}, {"size": 0}, {"size": 12}, {"batch_rows": 0}, {"crs": b'a"b'}]:
             with self.subTest(options=options), self.assertRaises(vkm.Failed):
                 opened(**options)
         element = vkm.POINTER(vkm.Element)()
