@@ -31,7 +31,7 @@ class Places(unittest.TestCase):
         """The archive, unpacked in a folder of that name; the folder is where programs run."""
         place = self.root / folder
         (place / "bin").mkdir(parents=True)
-        for name in ["vkm.exe", *(path.name for path in PROGRAMS.glob("*.dll"))]:
+        for name in ["vkm.exe", "names_host.exe", *(path.name for path in PROGRAMS.glob("*.dll"))]:
             shutil.copy(PROGRAMS / name, place / "bin")
         shutil.copytree(DATA / "symbology", place / "share/vemrado/symbology")
         (place / "příliš žluťoučký.vkm").write_bytes(MAP)
@@ -58,6 +58,12 @@ class Places(unittest.TestCase):
                 drawn = self.vkm(place, "render", "příliš žluťoučký.vkm", "-o", "město.svg")
                 self.assertEqual((drawn.returncode, drawn.stderr), (0, b""))
                 self.assertIn("Dobřštice", (place / "město.svg").read_text())
+
+    def test_takes_utf_8_names_in_hosts_of_any_code_page(self):
+        place = self.unpack("Dvořák")
+        host = subprocess.run([*RUNNER, place / "bin/names_host.exe"], cwd=place, stdout=subprocess.PIPE, check=True)
+        self.assertEqual(host.stdout.decode().strip(), "50 symbols.")
+        self.assertIn("Dobřštice", (place / "město.svg").read_text())
 
     def test_expands_patterns_outside_quotes_only(self):
         place = self.unpack("Dvořák")
