@@ -27,6 +27,7 @@ class Passage {
         : source(std::move(passageSource)), options(std::move(passageOptions)) {
         for (const vkm_table table : tables) outputs.emplace_back(static_cast<map::Table>(table), options);
         file = std::make_unique<MapFile>(source, options, false);
+        WantWhatIsAskedFor();
     }
 
     void Schema(size_t table, ArrowSchema* schema) {
@@ -54,6 +55,7 @@ class Passage {
     void Drop(size_t table) noexcept {
         const std::lock_guard lock(mutex);
         outputs[table].Drop();
+        WantWhatIsAskedFor();
     }
 
   private:
@@ -80,6 +82,17 @@ class Passage {
         size_t nextParcel = 0;
         bool built = false;
     };
+
+    void WantWhatIsAskedFor() {
+        if (!file) return;
+        const auto anyOf = [&](auto... tables) {
+            return std::ranges::any_of(outputs, [&](const Output& output) {
+                return output.wanted && ((output.table == tables) || ...);
+            });
+        };
+        file->Want({anyOf(map::Table::lines, map::Table::parcels), anyOf(map::Table::points),
+                    anyOf(map::Table::texts, map::Table::parcels)});
+    }
 
     bool IsFull(const Output& output) const {
         return output.columns.Rows() >= int64_t{options.batchRows} ||

@@ -16,11 +16,6 @@ int32_t FaceBits(const map::Face& face) {
     return (face.serif ? 1 : 0) + (face.bold ? 2 : 0) + (face.italic ? 4 : 0);
 }
 
-template <typename Value>
-const Value* Array(std::span<const Value> values) {
-    return values.empty() ? nullptr : values.data();
-}
-
 }  // namespace
 
 ElementView::ElementView(bool split) : splitByCode(split) {
@@ -30,28 +25,55 @@ ElementView::ElementView(bool split) : splitByCode(split) {
 }
 
 const vkm_element* ElementView::Line(const map::MapLine& line) {
-    const std::span<const map::Stroke> from = splitByCode ? line.strokes : line.wholeStrokes;
-    if (strokes.size() < from.size() || strokes.size() > std::max(from.size(), keptStrokes)) [[unlikely]]
-        std::vector<vkm_stroke>(from.size()).swap(strokes);
-    for (size_t i = 0; i < from.size(); ++i) strokes[i] = {from[i].first, from[i].count, from[i].code.number};
-
     vkm_element& element = shownLine;
     element.layer = line.layer;
     element.layer_name = line.layerName.data();
     element.file_line = static_cast<uint64_t>(line.fileLine);
     element.point_count = line.points.size();
-    element.points = line.points.empty() ? nullptr : &line.points[0].x;
-    element.types = Array(line.types);
-    element.codes = Array(line.codes);
-    element.code_numbers = Array(line.codeNumbers);
-    element.pen_codes = Array(line.penCodes);
-    element.symbols = Array(line.symbolCodes);
-    element.m_values = Array(line.valuesM);
-    element.r_values = Array(line.valuesR);
-    element.u_values = Array(line.valuesU);
-    element.strokes = from.empty() ? nullptr : strokes.data();
-    element.stroke_count = from.size();
+    if (line.points.empty()) [[unlikely]] {
+        ShowNoElements();
+    } else {
+        ShowElements(line);
+    }
     return &element;
+}
+
+void ElementView::ShowElements(const map::MapLine& line) {
+    vkm_element& element = shownLine;
+    element.points = &line.points[0].x;
+    element.types = line.types.data();
+    element.codes = line.codes.data();
+    element.code_numbers = line.codeNumbers.data();
+    element.pen_codes = line.penCodes.data();
+    element.symbols = line.symbolCodes.data();
+    element.m_values = line.valuesM.data();
+    element.r_values = line.valuesR.data();
+    element.u_values = line.valuesU.data();
+    ShowStrokes(splitByCode ? line.strokes : line.wholeStrokes);
+}
+
+void ElementView::ShowStrokes(std::span<const map::Stroke> from) {
+    shownLine.stroke_count = from.size();
+    if (from.size() == 1) [[likely]] {
+        oneStroke = {from[0].first, from[0].count, from[0].code.number};
+        shownLine.strokes = &oneStroke;
+        return;
+    }
+    if (strokes.size() < from.size() || strokes.size() > std::max(from.size(), keptStrokes)) [[unlikely]]
+        std::vector<vkm_stroke>(from.size()).swap(strokes);
+    for (size_t i = 0; i < from.size(); ++i) strokes[i] = {from[i].first, from[i].count, from[i].code.number};
+    shownLine.strokes = from.empty() ? nullptr : strokes.data();
+}
+
+// Arrays without an entry are null.
+void ElementView::ShowNoElements() {
+    shownLine.points = nullptr;
+    shownLine.types = nullptr;
+    shownLine.codes = nullptr;
+    shownLine.code_numbers = shownLine.pen_codes = shownLine.symbols = nullptr;
+    shownLine.m_values = shownLine.r_values = shownLine.u_values = nullptr;
+    shownLine.strokes = nullptr;
+    shownLine.stroke_count = 0;
 }
 
 const vkm_element* ElementView::Text(const map::MapText& text) {

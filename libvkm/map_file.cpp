@@ -55,11 +55,19 @@ void MapFile::Open(bool withSymbology) {
 // reader's.
 map::ElementKind MapFile::ReadNext() {
     try {
-        return reading.Next();
+        return importer.Next();
     } catch (const CFileException& error) {
         throw Failure(VKM_ERROR_READ, error.Reason(), source->Name(),
                       static_cast<uint64_t>(importer.LineCount()) + 1);
     }
+}
+
+bool MapFile::Wants(map::ElementKind kind) const {
+    const bool wants = kind == map::ElementKind::text
+                           ? wanted.texts
+                           : wanted.points || (wanted.strokes && importer.Details().GetElementCount() > 1);
+    if (!wants) return false;
+    return options.layers.empty() || options.Wants(importer.Layer());
 }
 
 map::ElementKind MapFile::Next() {
@@ -71,12 +79,12 @@ map::ElementKind MapFile::Next() {
             TellEnd();
             return kind;
         }
+        if (!Wants(kind)) continue;
+        reading.Take(kind);
         if (kind == map::ElementKind::line) {
-            if (!options.Wants(Line().layer)) continue;
             leftOut += Line().pointsLeftOut;
             return kind;
         }
-        if (!options.Wants(Text().layer)) continue;
         if (Text().fault != map::TextFault::place) return kind;
         ++leftOut;
     }

@@ -23,9 +23,16 @@ class MapFile {
     MapFile& operator=(const MapFile&) = delete;
     ~MapFile();
 
-    // The next element of the wanted layers that has a place, in Line() or Text(); none at the end, where
-    // what went wrong on the way is told. Throws Failure.
+    // The next element of the wanted kinds and layers that has a place, in Line() or Text(); none at the end,
+    // where what went wrong on the way is told. Throws Failure.
     map::ElementKind Next();
+    // Everything is wanted at first; what is not costs nothing but the module's own reading.
+    struct Wanted {
+        bool strokes = true;  // lines of two elements or more, without which there is none
+        bool points = true;   // lines of any number
+        bool texts = true;
+    };
+    void Want(Wanted what) { wanted = what; }
     const map::MapLine& Line() const { return reading.Line(); }
     const map::MapText& Text() const { return reading.Text(); }
 
@@ -40,6 +47,7 @@ class MapFile {
   private:
     void Open(bool withSymbology);
     map::ElementKind ReadNext();
+    bool Wants(map::ElementKind kind) const;
     void CheckStop();
     void TellEnd();
     void Warn(const std::string& reason);
@@ -50,6 +58,7 @@ class MapFile {
     CallState state;
     map::Importer importer;
     map::Reading reading;
+    Wanted wanted;
     uint64_t leftOut = 0;
     uint32_t sinceProgress = 0;
 };

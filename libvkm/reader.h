@@ -22,10 +22,15 @@ class ElementView {
     const vkm_element* Text(const map::MapText& text);
 
   private:
+    void ShowElements(const map::MapLine& line);
+    void ShowNoElements();
+    void ShowStrokes(std::span<const map::Stroke> from);
+
     bool splitByCode;
     // What the other kind has stays null.
     vkm_element shownLine{};
     vkm_element shownText{};
+    vkm_stroke oneStroke{};           // nearly every line has but one
     std::vector<vkm_stroke> strokes;  // the first ones are in use
 };
 

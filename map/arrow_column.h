@@ -37,6 +37,13 @@ class ArrowBuffer {
     Value* Extend(size_t count) {
         return reinterpret_cast<Value*>(Grow(count * sizeof(Value)));
     }
+    // The same, and room of the caller's for a few more behind them, which are not kept.
+    template <typename Value>
+    Value* ExtendLoosely(size_t count, size_t more) {
+        auto* const begin = reinterpret_cast<Value*>(Grow((count + more) * sizeof(Value)));
+        used -= more * sizeof(Value);
+        return begin;
+    }
     // Copies of a text one behind the other.
     void Repeat(std::string_view text, size_t times);
     uint8_t& Last() { return bytes.get()[used - 1]; }
@@ -112,6 +119,12 @@ class ArrowColumn {
         EndRow();
     }
     void AddNull() { ++waitingNulls; }
+    // Of a column that takes no nulls.
+    template <typename Value>
+    void AddRequired(Value value) {
+        data.Push(value);
+        ++rows;
+    }
 
     // As many rows, of a column without nulls.
     void AddAll(std::span<const int32_t> values) { AddAllFixed(values); }
@@ -128,6 +141,11 @@ class ArrowColumn {
         EndNulls();
         offsets.Push(Offset(static_cast<size_t>(children[0].rows)));
         EndRow();
+    }
+
+    void EndRequiredList() {
+        offsets.Push(Offset(static_cast<size_t>(children[0].rows)));
+        ++rows;
     }
 
     // The columns of a struct, to each of which a row has been added (+s).

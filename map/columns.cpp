@@ -163,32 +163,35 @@ void Columns::Take(const MapLine& line) {
 }
 
 void Columns::AddLineRow(const MapLine& line, const Code& code, std::span<const Stroke> strokes) {
-    rows.Field(lineFid).Add(++identifier);
-    rows.Field(lineLayer).Add(line.layer);
+    ArrowColumn* const fields = &rows.Field(0);
+    fields[lineFid].AddRequired(++identifier);
+    fields[lineLayer].AddRequired(line.layer);
     if (code.Given()) {
-        rows.Field(lineCode).Add(code.number);
+        fields[lineCode].Add(code.number);
     } else {
-        rows.Field(lineCode).AddNull();
+        fields[lineCode].AddNull();
     }
-    AddCodes(rows.Field(lineCodes), strokes, line.codes);
+    AddCodes(fields[lineCodes], strokes, line.codes);
     for (const Stroke& stroke : strokes)
-        rows.Field(lineTypes).Items().AddLetters(line.types.subspan(stroke.first, stroke.count));
-    rows.Field(lineTypes).EndList();
+        fields[lineTypes].Items().AddLetters(line.types.subspan(stroke.first, stroke.count));
+    fields[lineTypes].EndList();
     if (line.hasValues) {
-        AddValues(rows.Field(lineSymbols), strokes, line.symbolCodes, 0);
-        AddValues(rows.Field(lineM), strokes, line.valuesM, 1.0);
-        AddValues(rows.Field(lineR), strokes, line.valuesR, 0.0);
-        AddValues(rows.Field(lineU), strokes, line.valuesU, 0.0);
+        AddValues(fields[lineSymbols], strokes, line.symbolCodes, 0);
+        AddValues(fields[lineM], strokes, line.valuesM, 1.0);
+        AddValues(fields[lineR], strokes, line.valuesR, 0.0);
+        AddValues(fields[lineU], strokes, line.valuesU, 0.0);
     } else {
-        for (const LineField field : {lineSymbols, lineM, lineR, lineU}) rows.Field(field).AddNull();
+        for (const LineField field : {lineSymbols, lineM, lineR, lineU}) fields[field].AddNull();
     }
-    ArrowColumn& geometry = rows.Field(lineGeometry);
+    ArrowColumn& geometry = fields[lineGeometry];
+    ArrowColumn& parts = geometry.Items();
+    ArrowColumn& vertices = parts.Items();
     for (const Stroke& stroke : strokes) {
-        geometry.Items().Items().AddPoints(line.points.subspan(stroke.first, stroke.count));
-        geometry.Items().EndList();
+        vertices.AddPoints(line.points.subspan(stroke.first, stroke.count));
+        parts.EndRequiredList();
         weight += stroke.count;
     }
-    geometry.EndList();
+    geometry.EndRequiredList();
     rows.EndStruct();
 }
 

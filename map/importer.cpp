@@ -11,9 +11,6 @@ namespace {
 // Room that is kept from line to line; a longer line's goes with it.
 constexpr size_t keptElements = 65536;
 
-// After so many the user's wish to stop is looked at.
-constexpr int elementsBetweenQuestions = 16;
-
 }  // namespace
 
 Importer::Importer() : details(VkmDetails(CreateVKMInterface())) {
@@ -37,20 +34,9 @@ bool Importer::Open(const OpenOptions& options) {
                          axisOrientation, 0.0, flags) != 0;
 }
 
-ElementKind Importer::Next() {
-    if (++sinceAsked == elementsBetweenQuestions) {
-        sinceAsked = 0;
-        if (client::StopRequested()) return ElementKind::none;
-    }
-    copied = false;
-    switch (details->ReadNext()) {
-        case 1:
-            return ElementKind::line;
-        case 2:
-            return ElementKind::text;
-        default:
-            return ElementKind::none;
-    }
+bool Importer::StopsHere() {
+    sinceAsked = 0;
+    return client::StopRequested();
 }
 
 const RawLine& Importer::Line() {

@@ -43,7 +43,7 @@ struct RawText {
     double valueU = 0;
 };
 
-enum class ElementKind { none, line, text };
+enum class ElementKind { none, line, text };  // the module's 0, 1 and 2
 
 class Importer {
   public:
@@ -61,7 +61,11 @@ class Importer {
     // Reads the next element, which Line() or Text() then copies. None at the end of the data, or when the
     // user asked to stop. A read error leaves it as CFileException. Memory is used again: nothing is
     // allocated once the longest line was met.
-    ElementKind Next();
+    ElementKind Next() {
+        if (++sinceAsked == elementsBetweenQuestions && StopsHere()) return ElementKind::none;
+        copied = false;
+        return static_cast<ElementKind>(details->ReadNext());
+    }
     // Of the element just read; valid until the next call of Next.
     const RawLine& Line();
     const RawText& Text();
@@ -76,10 +80,21 @@ class Importer {
     // Lines of the file read so far.
     int LineCount() const { return details->GetLineCount() - linesBefore; }
 
+    // Of the element just read.
+    int Layer() const {
+        int layer = 0;
+        details->GetLayer(&layer);
+        return layer;
+    }
+
     // For the header and the symbology.
     CVKMDetails& Details() const { return *details; }
 
   private:
+    // After so many the user's wish to stop is looked at.
+    static constexpr int elementsBetweenQuestions = 16;
+
+    bool StopsHere();
     void CopyLine();
     void CopyText();
 

@@ -31,24 +31,28 @@ struct CodeBytes {
     int number = 0;     // as the module reads whole numbers
 };
 
-CodeBytes LookAt(const char* bytes) {
-    constexpr size_t surelyInRange = 9;  // digits
+constexpr size_t surelyInRange = 9;  // digits
+
+CodeBytes LookAtAnyCode(const char* bytes) {
     CodeBytes code;
     unsigned char all = 0;
-    bool digits = true;
-    int number = 0;
-    for (; bytes[code.length] != '\0'; ++code.length) {
-        const auto byte = static_cast<unsigned char>(bytes[code.length]);
-        all |= byte;
-        digits = digits && byte >= '0' && byte <= '9' && code.length < surelyInRange;
-        if (digits) number = number * 10 + (byte - '0');
-    }
+    for (; bytes[code.length] != '\0'; ++code.length) all |= static_cast<unsigned char>(bytes[code.length]);
     code.plain = all < 0x80;
     code.number =
-        digits
-            ? number
-            : static_cast<int>(std::clamp<long long>(std::strtoll(bytes, nullptr, 10), INT32_MIN, INT32_MAX));
+        static_cast<int>(std::clamp<long long>(std::strtoll(bytes, nullptr, 10), INT32_MIN, INT32_MAX));
     return code;
+}
+
+CodeBytes LookAt(const char* bytes) {
+    CodeBytes code;
+    for (; code.length < surelyInRange; ++code.length) {
+        const auto digit = static_cast<unsigned int>(static_cast<unsigned char>(bytes[code.length])) - '0';
+        if (digit > 9) break;
+        code.number = code.number * 10 + static_cast<int>(digit);
+    }
+    if (bytes[code.length] == '\0') [[likely]]
+        return code;
+    return LookAtAnyCode(bytes);
 }
 
 // Exact: whether a value was given at all. No number is one too.
@@ -85,19 +89,9 @@ Reading::Reading(Importer& source, client::Encoding encoding, AngleUnit angleUni
       orientation(source.AxisOrientation()),
       rotation(angleUnit, orientation) {}
 
-ElementKind Reading::Next() {
-    const ElementKind kind = importer.Next();
-    Take(kind);
-    return kind;
-}
-
-void Reading::Take(ElementKind kind) {
-    if (importer.AxisOrientation() != orientation) {
-        orientation = importer.AxisOrientation();
-        rotation = Rotation(unit, orientation);
-    }
-    if (kind == ElementKind::line) TakeLine();
-    if (kind == ElementKind::text) TakeText();
+void Reading::Orient() {
+    orientation = importer.AxisOrientation();
+    rotation = Rotation(unit, orientation);
 }
 
 void Reading::LineArrays::MakeRoom(size_t count, VkmLine& target) {

@@ -137,9 +137,18 @@ class Reading {
     Reading& operator=(const Reading&) = delete;
 
     // Reads the next element into Line() or Text(), as the importer does.
-    ElementKind Next();
+    ElementKind Next() {
+        const ElementKind kind = importer.Next();
+        Take(kind);
+        return kind;
+    }
     // The element that the importer has just read.
-    void Take(ElementKind kind);
+    void Take(ElementKind kind) {
+        if (importer.AxisOrientation() != orientation) [[unlikely]]
+            Orient();
+        if (kind == ElementKind::line) TakeLine();
+        if (kind == ElementKind::text) TakeText();
+    }
     const MapLine& Line() const { return line; }
     const MapText& Text() const { return text; }
 
@@ -164,6 +173,7 @@ class Reading {
         void AddKeyFields(size_t element, size_t from, bool withValues);
     };
 
+    void Orient();
     void FetchLine();
     void TakeLine();
     bool TakePlainLine();

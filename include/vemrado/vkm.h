@@ -301,7 +301,8 @@ enum { VKM_LINES = 0, VKM_POINTS = 1, VKM_TEXTS = 2, VKM_PARCELS = 3 };
 
 /* Fills in a stream of record batches over one of the tables, with the columns of docs/gis.md (and the
  * geometry in the column "geometry" as GeoArrow). It reads the source from its beginning, apart from the
- * reader, and in constant memory, but parcels. The caller releases it as the Arrow interface says. */
+ * reader, and in constant memory, but parcels. The caller releases it as the Arrow interface says. It warns
+ * of what the table takes: of bytes in texts only where it has texts. */
 VKM_API vkm_status vkm_stream(vkm_reader* reader, vkm_table table, struct ArrowArrayStream* stream,
                               vkm_error** error);
 

@@ -40,37 +40,51 @@ void CopyValues(const CVKMLineElements& elements, VkmLine& line) {
     }
 }
 
+void FillNoElements(VkmLine& line) {
+    line.severalCodes = line.beginsAgain = line.hasNoType = line.hasNoPlace = line.hasValues = 0;
+}
+
+// The letters and the two that are none are different bits.
+uint32_t TypeBit(uint32_t type) {
+    return 1U << (type & 31);
+}
+
 void FillElements(const CVKMLineElements& elements, VkmLine& line) {
+    const size_t count = elements.Count();
+    if (count == 0) return FillNoElements(line);
+    // Written to, these might be any of the others for the compiler.
+    double* const points = line.points;
+    char* const types = line.types;
+    const char** const codes = line.codes;
+
+    const CVKMLineElement* from = &elements[0];
     uint64_t values = 0;
     PairBits places = {-1, -1};
-    size_t begins = 0;
-    size_t withoutType = 0;
-    size_t codes = 0;
-    CVKMComparedCode code;
-    const char* codeText = "";
-    const size_t count = elements.Count();
-    for (size_t i = 0; i < count; ++i) {
-        const CVKMLineElement& element = elements[i];
+    uint32_t typesBehindFirst = 0;
+    size_t codeChanges = 0;
+    CVKMComparedCode code(from->code);
+    const char* codeText = elements.CodeOf(*from);
+    for (size_t i = 0;;) {
         Pair point;
-        std::memcpy(&point, &element.x, sizeof point);
-        std::memcpy(line.points + 2 * i, &point, sizeof point);
+        std::memcpy(&point, &from->x, sizeof point);
+        std::memcpy(points + 2 * i, &point, sizeof point);
         places &= ArePlaces(point);
-        const uint32_t type = element.type;
-        line.types[i] = type == typeUnknown ? '?' : static_cast<char>(type);
-        begins += type == 'P' ? 1 : 0;
-        withoutType += type == typeNone ? 1 : 0;
-        if (!code.IsSame(element.code)) {
-            code = CVKMComparedCode(element.code);
-            codeText = elements.CodeOf(element);
-            ++codes;
+        types[i] = static_cast<char>(from->type == typeUnknown ? '?' : from->type);
+        codes[i] = codeText;
+        values |= ValueBits(*from);
+        if (++i == count) break;
+        ++from;
+        typesBehindFirst |= TypeBit(from->type);
+        if (!code.IsSame(from->code)) {
+            code = CVKMComparedCode(from->code);
+            codeText = elements.CodeOf(*from);
+            ++codeChanges;
         }
-        line.codes[i] = codeText;
-        values |= ValueBits(element);
     }
-    const bool firstBegins = count > 0 && elements[0].type == 'P';
-    line.severalCodes = codes > 1 ? 1 : 0;
-    line.beginsAgain = begins > (firstBegins ? 1U : 0U) ? 1 : 0;
-    line.hasNoType = withoutType > 0 ? 1 : 0;
+    const uint32_t allTypes = typesBehindFirst | TypeBit(elements[0].type);
+    line.severalCodes = codeChanges > 0 ? 1 : 0;
+    line.beginsAgain = (typesBehindFirst & TypeBit('P')) != 0 ? 1 : 0;
+    line.hasNoType = (allTypes & TypeBit(typeNone)) != 0 ? 1 : 0;
     line.hasNoPlace = (places[0] & places[1]) == 0 ? 1 : 0;
     line.hasValues = values != 0 ? 1 : 0;
     if (values != 0) CopyValues(elements, line);

@@ -19,20 +19,24 @@ inline constexpr AxisTurn axisTurns[] = {
     {32, true, true, false}, {64, true, false, true}, {128, true, true, true},
 };
 
+// The codes, which are single bits, that have a member set; with none named all of them.
+constexpr uint32_t CodesWith(bool AxisTurn::*member = nullptr) {
+    uint32_t codes = 0;
+    for (const AxisTurn& turn : axisTurns)
+        if (member == nullptr || turn.*member) codes |= turn.code;
+    return codes;
+}
+
 // Any code that is not in the table, 1 among them, leaves the point unchanged.
 inline void ApplyAxisOrientation(double& x, double& y, uint32_t code) {
-    if (code == 1) return;
-    for (const AxisTurn& turn : axisTurns) {
-        if (turn.code != code) continue;
-        if (turn.exchange) {
-            const double first = x;
-            x = y;
-            y = first;
-        }
-        if (turn.negateX) x = -x;
-        if (turn.negateY) y = -y;
-        return;
+    if ((code & CodesWith()) == 0 || (code & (code - 1)) != 0) return;
+    if ((code & CodesWith(&AxisTurn::exchange)) != 0) {
+        const double first = x;
+        x = y;
+        y = first;
     }
+    if ((code & CodesWith(&AxisTurn::negateX)) != 0) x = -x;
+    if ((code & CodesWith(&AxisTurn::negateY)) != 0) y = -y;
 }
 
 }  // namespace vemrado
