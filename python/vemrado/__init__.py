@@ -24,9 +24,10 @@ from .errors import (
 )
 from .geometry import Geometry
 from .many import read_many
-from .map import LineStyle, Map, Symbol, open, read_geopandas
+from .map import Map, open, read_geopandas
 from .picture import render
-from .table import Table
+from .styles import LineStyle, Symbol
+from .table import RowStream, Table
 
 __version__: str = _lib.vkm_version().decode()
 
@@ -43,6 +44,7 @@ __all__ = [
     "OpenError",
     "ReadError",
     "Records",
+    "RowStream",
     "Stroke",
     "Symbol",
     "Table",

@@ -6,15 +6,15 @@ import os
 import threading
 from contextlib import contextmanager
 from ctypes import POINTER, addressof, byref, c_double, c_int32, sizeof
-from dataclasses import dataclass
 from functools import partial
 from typing import TYPE_CHECKING, Any, Iterator, Optional, Sequence, Union
 
 from . import _arrow, _library
 from ._library import lib
-from ._source import Layers, OpenedSource, Source, close_reader, int32, make_options
+from ._source import Layers, OpenedSource, Source, close_reader, make_options
 from .elements import Line, Text, copy_element
 from .errors import Call, IncompleteMapWarning, ReadError, UnsupportedError, _text
+from .styles import LineStyle, Symbol, line_style, symbol
 from .table import RowStream, Table
 
 if TYPE_CHECKING:
@@ -23,43 +23,6 @@ if TYPE_CHECKING:
 Element = Union[Line, Text]
 _STREAMED_ROWS = 65536  # of a batch at most
 _CELL_WIDTH = 900  # pixels of a map in a notebook
-
-
-@dataclass(frozen=True)
-class LineStyle:
-    """How lines of a code are drawn: sizes in millimetres on paper.
-
-    Attributes
-    ----------
-    name : str
-        Empty when the tables give none.
-    colour : tuple of int
-        Red, green and blue, 0 to 255.
-    width : float
-    dashes : tuple of float
-        Drawn, gap, drawn, gap, ...; empty: continuous.
-    visible : bool
-    """
-
-    name: str
-    colour: tuple[int, int, int]
-    width: float
-    dashes: tuple[float, ...]
-    visible: bool
-
-
-@dataclass(frozen=True)
-class Symbol:
-    """A point symbol around its insertion point, y up, in millimetres on paper.
-
-    Attributes
-    ----------
-    name : str
-    strokes : tuple of tuple of (float, float)
-    """
-
-    name: str
-    strokes: tuple[tuple[tuple[float, float], ...], ...]
 
 
 class Map:
@@ -191,30 +154,13 @@ class Map:
 
     def line_style(self, code: int) -> Optional[LineStyle]:
         """How lines of a code are drawn; None for a code that the symbology lacks."""
-        number = int32(code, "a code")
-        style = _library.LineStyle(size=sizeof(_library.LineStyle))
-        with self._using() as reader, Call() as call:
-            if call.check(lib.vkm_get_line_style(reader, number, byref(style), call.error)) != _library.OK:
-                return None
-            return LineStyle(
-                _text(style.name),
-                (style.colour & 255, style.colour >> 8 & 255, style.colour >> 16 & 255),
-                style.width,
-                tuple(style.dashes[: style.dash_count]),
-                bool(style.visible),
-            )
+        with self._using() as reader:
+            return line_style(reader, code)
 
     def symbol(self, code: int) -> Optional[Symbol]:
         """The drawing of a symbol code; None for a code that the symbology lacks."""
-        number = int32(code, "a code")
-        drawing = _library.Symbol(size=sizeof(_library.Symbol))
-        with self._using() as reader, Call() as call:
-            if call.check(lib.vkm_get_symbol(reader, number, byref(drawing), call.error)) != _library.OK:
-                return None
-            points = [(drawing.points[2 * i], drawing.points[2 * i + 1]) for i in range(drawing.point_count)]
-            begins = [*drawing.strokes[: drawing.stroke_count], drawing.point_count]
-            strokes = tuple(tuple(points[a:b]) for a, b in zip(begins, begins[1:]))
-            return Symbol(_text(drawing.name), strokes)
+        with self._using() as reader:
+            return symbol(reader, code)
 
     # --- Tables ---
 
