@@ -2,6 +2,7 @@
 
 from __future__ import annotations
 
+import copy
 import gzip
 import io
 import os
@@ -120,6 +121,21 @@ def test_a_closed_map_and_what_outlives_it() -> None:
     for call in (lambda: opened.texts, lambda: opened.bounds, lambda: next(elements), lambda: list(opened)):
         with pytest.raises(ValueError, match="closed"):
             call()
+
+
+def test_what_the_library_holds_is_not_copied() -> None:
+    """Two that give the same memory back would end the process."""
+    opened = vemrado.open(SMALL, encoding="cp1250")  # as Python calls it
+    lines = opened.lines
+    for copied in (copy.copy, copy.deepcopy, pickle.dumps):
+        with pytest.raises(TypeError, match="copied"):
+            copied(opened)
+    assert copy.copy(lines) is lines and copy.deepcopy(lines) is lines
+    with pytest.raises(TypeError, match="copied"):
+        pickle.dumps(lines)
+    for alone in (lambda: vemrado.read_many("a.vkm"), lambda: vemrado.check(SMALL, only="number-cut")):
+        with pytest.raises(TypeError, match="several"):
+            alone()
 
 
 def test_others_run_while_the_library_reads(town: Path) -> None:

@@ -4,6 +4,7 @@ from __future__ import annotations
 
 import io
 import os
+import pickle
 import re
 import subprocess
 import sys
@@ -72,6 +73,32 @@ def test_any_order_of_calls(steps, threads) -> None:  # type: ignore[no-untyped-
     else:
         for method, argument in steps:
             survive(lambda: method(shared, argument))
+
+
+@pytest.mark.parametrize(
+    ("call", "error", "sentence"),
+    [
+        (
+            lambda: vemrado.read_many("a.vkm"),
+            TypeError,
+            "sheets are several: a list of them, not 'a.vkm' alone",
+        ),
+        (lambda: vemrado.check(SMALL, only="free-end"), TypeError, "rules are several"),
+        (lambda: vemrado.read_many(["a.vkm"], threads=-1), ValueError, "not read by -1 threads"),
+        (lambda: vemrado.open(SMALL).lines.rows_in((0, 1)), ValueError, "a box is four numbers"),
+        (lambda: vemrado.open(SMALL, encoding="koi8-r"), ValueError, "koi8-r"),
+        (lambda: pickle.dumps(vemrado.open(SMALL)), TypeError, "its path can"),
+        (lambda: pickle.dumps(vemrado.open(SMALL).lines), TypeError, "its frames and arrays can"),
+    ],
+)
+def test_says_what_is_wrong(call: Callable[[], object], error: type[Exception], sentence: str) -> None:
+    with pytest.raises(error, match=re.escape(sentence)):
+        call()
+
+
+def test_python_s_names_of_encodings_are_taken() -> None:
+    for name in ("windows-1250", "cp1250", "Windows_1250"):
+        assert len(vemrado.open(SMALL, encoding=name).texts) == len(vemrado.open(SMALL).texts)
 
 
 @settings(max_examples=150, deadline=None)

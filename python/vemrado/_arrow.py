@@ -5,7 +5,7 @@ from __future__ import annotations
 import ctypes
 from ctypes import CFUNCTYPE, POINTER, Structure, byref, c_char_p, c_int, c_int64, c_void_p
 from dataclasses import dataclass, field
-from typing import Any, Callable, Optional, Sequence
+from typing import Any, Callable, NoReturn, Optional, Sequence
 
 import numpy as np
 import numpy.typing as npt
@@ -151,6 +151,11 @@ class _Owner:
 
     def __del__(self, free: Callable[[int], None] = lib.vkm_columns_free) -> None:
         free(self.handle)
+
+    def __reduce__(self) -> NoReturn:
+        raise TypeError(
+            "a table is in the library's memory and cannot be copied or sent; its frames and arrays can"
+        )
 
 
 class Array:

@@ -2,6 +2,7 @@
 
 from __future__ import annotations
 
+import codecs
 import gzip
 import itertools
 import operator
@@ -14,7 +15,7 @@ from contextlib import nullcontext
 from functools import partial
 from ctypes import byref, c_int32, sizeof
 from pathlib import Path
-from typing import IO, Any, Callable, Iterable, Optional, Sequence, Union
+from typing import IO, Any, Callable, Iterable, Optional, Sequence, TypeVar, Union
 
 from . import _library
 from ._library import lib
@@ -23,9 +24,12 @@ from .errors import Call, OpenError, on_warning
 
 Source = Union[str, "os.PathLike[str]", bytes, bytearray, memoryview, IO[bytes], zipfile.Path]
 Layers = Union[None, int, Iterable[int]]
+Item = TypeVar("Item")
 
 _SAMPLE_SYMBOLOGY = Path(__file__).resolve().parent / "symbology"
 _GZIP = b"\x1f\x8b"
+#: The library's names of encodings by those of Python.
+_ENCODINGS = {"cp1250": "windows-1250", "cp852": "cp852", "iso8859-2": "iso-8859-2", "utf-8": "utf-8"}
 
 
 def encoded(path: str) -> bytes:
@@ -190,8 +194,26 @@ def int32(value: Any, what: str) -> int:
 
 def four_numbers(bbox: Sequence[float]) -> tuple[float, float, float, float]:
     """A box as smallest x and y, largest x and y."""
-    low_x, low_y, high_x, high_y = (float(value) for value in bbox)
+    try:
+        low_x, low_y, high_x, high_y = (float(value) for value in bbox)
+    except (TypeError, ValueError):
+        raise ValueError("a box is four numbers: min x, min y, max x, max y") from None
     return low_x, low_y, high_x, high_y
+
+
+def several(values: Iterable[Item], what: str) -> list[Item]:
+    """A list of what is no text alone, whose letters nobody means."""
+    if isinstance(values, (str, bytes, os.PathLike)):
+        raise TypeError(f"{what} are several: a list of them, not {values!r} alone")
+    return list(values)
+
+
+def _encoding_name(encoding: str) -> bytes:
+    try:
+        name = codecs.lookup(encoding).name
+    except LookupError:
+        name = encoding  # the library says that there is none
+    return _ENCODINGS.get(name, encoding).encode()
 
 
 def _layer_numbers(layer: Union[int, Iterable[int]]) -> list[int]:
@@ -212,7 +234,7 @@ def make_options(
     options = _library.Options()
     options.size = sizeof(options)
     lib.vkm_options_init(byref(options))
-    options.encoding = encoding.encode()
+    options.encoding = _encoding_name(encoding)
     options.orientation = orientation.encode()
     if symbology is None and _SAMPLE_SYMBOLOGY.is_dir():
         symbology = _SAMPLE_SYMBOLOGY

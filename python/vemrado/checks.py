@@ -10,7 +10,7 @@ from typing import TYPE_CHECKING, Any, Callable, Generic, Iterable, Optional, Ty
 
 from . import _library
 from ._library import lib
-from ._source import Source
+from ._source import Source, several
 from .errors import Call, _text
 from .map import Map, opened_map
 
@@ -113,7 +113,7 @@ def _guarded(call: Call, take: Callable[[Any], None]) -> Callable[[Any, Any], in
 
 
 def _strings(values: Iterable[str]) -> Any:
-    encoded = [value.encode() for value in values]
+    encoded = [value.encode() for value in several(values, "rules")]
     return (c_char_p * len(encoded))(*encoded)
 
 

@@ -6,22 +6,14 @@ these must be the same for all.
 
 from __future__ import annotations
 
-import os
-from typing import Any, Callable, Iterable, Optional, Sequence, TypeVar, Union
+from typing import Any, Callable, Iterable, Optional, Sequence, TypeVar
 
 from ._source import Layers
 from .errors import MapError
+from .many import Path, sheet_names
 from .map import Map, open
 
-Path = Union[str, "os.PathLike[str]"]
 Result = TypeVar("Result")
-
-
-def _names(paths: Iterable[Path]) -> list[str]:
-    names = [os.fspath(path) for path in paths]
-    if not names:
-        raise ValueError("there are no sheets to read")
-    return names
 
 
 def _apply(
@@ -52,7 +44,7 @@ def bag(paths: Iterable[Path], work: Callable[[Map], Any], **options: Any) -> An
     """
     import dask.bag
 
-    names = _names(paths)
+    names = sheet_names(paths)
     return dask.bag.from_sequence(names, npartitions=len(names)).map(_apply, work, options)
 
 
@@ -86,7 +78,7 @@ def dataframe(paths: Iterable[Path], layer: str = "lines", where_layer: Layers =
     import dask.dataframe
     from dask import delayed
 
-    names = _names(paths)
+    names = sheet_names(paths)
     options = dict(options, layer=where_layer)
     with open(b"&K\n", **options) as empty:
         table = empty.table(layer)

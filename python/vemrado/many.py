@@ -6,7 +6,7 @@ import os
 from concurrent.futures import ThreadPoolExecutor
 from typing import Any, Iterable, Iterator, Optional, TypeVar, Union
 
-from ._source import Layers
+from ._source import Layers, int32, path_text, several
 from .errors import MapError, MapWarning
 from .map import open
 from .table import Table
@@ -24,6 +24,13 @@ def _with_progress(items: Iterator[Item], total: int, shown: bool) -> Iterable[I
         return items
     bar: Iterable[Item] = tqdm(items, total=total, unit="sheet")
     return bar
+
+
+def sheet_names(paths: Iterable[Path]) -> list[str]:
+    names = [path_text(path) for path in several(paths, "sheets")]
+    if not names:
+        raise ValueError("there are no sheets to read")
+    return names
 
 
 def read_many(
@@ -64,9 +71,7 @@ def read_many(
 
     if on_error not in ("raise", "warn"):
         raise ValueError(f"on_error is 'raise' or 'warn', not {on_error!r}")
-    names = [os.fspath(path) for path in paths]
-    if not names:
-        raise ValueError("there are no sheets to read")
+    names = sheet_names(paths)
 
     def read(name: str) -> Union[Table, MapError]:
         try:
@@ -78,9 +83,12 @@ def read_many(
             return error
 
     tables, sources = [], []
+    if threads is not None and int32(threads, "threads") < 0:
+        raise ValueError(f"sheets are not read by {threads} threads")
     with ThreadPoolExecutor(threads or os.cpu_count() or 1) as pool:
         try:
-            for name, made in zip(names, _with_progress(pool.map(read, names), len(names), progress)):
+            # The bar comes first, so that it sees its end.
+            for made, name in zip(_with_progress(pool.map(read, names), len(names), progress), names):
                 if isinstance(made, Table):
                     tables.append(made)
                     sources.append(name)

@@ -7,7 +7,7 @@ import threading
 from contextlib import contextmanager
 from ctypes import POINTER, addressof, byref, c_double, c_int32, sizeof
 from functools import partial
-from typing import TYPE_CHECKING, Any, Iterator, Optional, Sequence, Union
+from typing import TYPE_CHECKING, Any, Iterator, NoReturn, Optional, Sequence, Union
 
 from . import _arrow, _library
 from ._library import lib
@@ -91,6 +91,9 @@ class Map:
     def __del__(self) -> None:
         if getattr(self, "_reader", None):
             self.close()
+
+    def __reduce__(self) -> NoReturn:
+        raise TypeError("an opened map cannot be copied or sent to another process; its path can")
 
     def __repr__(self) -> str:
         return f"<vemrado.Map {self.name}{', closed' if self.closed else ''}>"

@@ -171,6 +171,12 @@ class Table:
             )
         return np.flatnonzero(meets)
 
+    def __copy__(self) -> Table:
+        return self  # nothing of it can be changed
+
+    def __deepcopy__(self, memo: object) -> Table:
+        return self
+
     def __repr__(self) -> str:
         return f"<{len(self)} {self.name}: {', '.join(self.columns)}>"
 
