@@ -24,12 +24,12 @@ size_t PlaceOfRule(const char* name) {
 }
 
 map::RuleSet RulesOf(const vkm_check_options& options) {
+    Require(options.only != nullptr || options.only_count == 0, "only: null, but a count");
+    Require(options.ignore != nullptr || options.ignore_count == 0, "ignore: null, but a count");
     map::RuleSet rules;
     if (options.only == nullptr) rules.set();
-    for (size_t i = 0; options.only != nullptr && i < options.only_count; ++i)
-        rules.set(PlaceOfRule(options.only[i]));
-    for (size_t i = 0; options.ignore != nullptr && i < options.ignore_count; ++i)
-        rules.reset(PlaceOfRule(options.ignore[i]));
+    for (size_t i = 0; i < options.only_count; ++i) rules.set(PlaceOfRule(options.only[i]));
+    for (size_t i = 0; i < options.ignore_count; ++i) rules.reset(PlaceOfRule(options.ignore[i]));
     return rules;
 }
 
@@ -70,9 +70,10 @@ class CallersSink : public map::FindingSink {
 
 void Check(vkm_reader& reader, const map::RuleSet& rules, CallersSink& sink) {
     std::unique_ptr<SourceFile> file;
+    ReadProgress progress;
     bool markSkipped = false;
     try {
-        file = OpenOrFail(*reader.source, &markSkipped);
+        file = OpenOrFail(*reader.source, &markSkipped, progress);
     } catch (const client::ForeignFile& foreign) {
         std::string sentence = foreign.what();
         const std::string before = reader.source->Name() + ": ";
@@ -84,7 +85,7 @@ void Check(vkm_reader& reader, const map::RuleSet& rules, CallersSink& sink) {
     map::CheckSettings settings;
     settings.rules = rules;
     settings.encoding = reader.options.encoding;
-    map::CheckMap(BytesOf(*file, *reader.source), markSkipped, settings, sink);
+    map::CheckMap(BytesOf(*file, *reader.source, reader.options, progress), markSkipped, settings, sink);
 }
 
 }  // namespace

@@ -20,9 +20,11 @@ struct NoFindings : map::FindingSink {
 };
 
 void ReadState(const vkm_reader& reader, map::MapState& state) {
-    const std::unique_ptr<SourceFile> file = OpenOrFail(*reader.source);
+    ReadProgress progress;
+    const std::unique_ptr<SourceFile> file = OpenOrFail(*reader.source, nullptr, progress);
     NoFindings findings;
-    map::CheckedReading reading(BytesOf(*file, *reader.source), reader.options.encoding, findings, &state);
+    map::CheckedReading reading(BytesOf(*file, *reader.source, reader.options, progress),
+                                reader.options.encoding, findings, &state);
     reading.Run();
     if (!reading.Complete())
         throw Failure(VKM_ERROR_READ,

@@ -10,13 +10,6 @@ constexpr uint32_t elementsBetweenProgress = 4096;
 
 }  // namespace
 
-void TellWarning(const Options& options, const std::string& reason, const std::string& file, uint64_t line,
-                 vkm_status status) {
-    if (options.onWarning == nullptr) return;
-    const Failure warning(status, reason, file, line);
-    options.onWarning(options.callbackContext, &warning.Error());
-}
-
 MapFile::MapFile(std::shared_ptr<Source> readSource, const Options& readOptions, bool withSymbology)
     : source(std::move(readSource)),
       options(readOptions),
@@ -111,9 +104,7 @@ draw::Scene MapFile::MakeScene(draw::SceneOptions sceneOptions) {
 
 void MapFile::CheckStop() {
     sinceProgress = 0;
-    if (options.onProgress == nullptr) return;
-    if (options.onProgress(options.callbackContext, state.progress.Part()) != 0)
-        throw Failure(VKM_ERROR_STOPPED, "stopped by the caller", source->Name());
+    TellProgress(options, state.progress.Part(), source->Name());
 }
 
 void MapFile::TellEnd() {

@@ -63,8 +63,4 @@ class MapFile {
     uint32_t sinceProgress = 0;
 };
 
-// Tells the caller's function, if there is one.
-void TellWarning(const Options& options, const std::string& reason, const std::string& file,
-                 uint64_t line = 0, vkm_status status = VKM_OK);
-
 }  // namespace vemrado::capi

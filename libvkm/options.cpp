@@ -96,6 +96,19 @@ Options CopyOptions(const vkm_options* callers) {
     return options;
 }
 
+void TellWarning(const Options& options, const std::string& reason, const std::string& file, uint64_t line,
+                 vkm_status status) {
+    if (options.onWarning == nullptr) return;
+    const Failure warning(status, reason, file, line);
+    options.onWarning(options.callbackContext, &warning.Error());
+}
+
+void TellProgress(const Options& options, double part, const std::string& file) {
+    if (options.onProgress == nullptr) return;
+    if (options.onProgress(options.callbackContext, part) != 0)
+        throw Failure(VKM_ERROR_STOPPED, "stopped by the caller", file);
+}
+
 }  // namespace vemrado::capi
 
 void vkm_options_init(vkm_options* options) {

@@ -39,6 +39,11 @@ inline bool SaysSize(size_t size) {
     return size >= sizeof(size_t) && size % alignof(size_t) == 0;
 }
 
+// Tell the caller's functions, where there are any. Throws Failure when the caller stops what it is told of.
+void TellWarning(const Options& options, const std::string& reason, const std::string& file,
+                 uint64_t line = 0, vkm_status status = VKM_OK);
+void TellProgress(const Options& options, double part, const std::string& file);
+
 // The start of a structure of the caller's that says its own size first, of which this library knows more or
 // fewer members: what the caller does not have is as in the defaults.
 template <typename Structure>

@@ -9,6 +9,7 @@
 #include "client/input_file.h"
 #include "client/system.h"
 #include "failure.h"
+#include "options.h"
 
 namespace vemrado::capi {
 namespace {
@@ -210,9 +211,9 @@ std::unique_ptr<SourceFile> OpenAsMap(Source& source, bool* markSkipped, ReadPro
     return std::make_unique<LookedAtFile>(std::move(file), std::move(start), mark, progress);
 }
 
-std::unique_ptr<SourceFile> OpenOrFail(Source& source, bool* markSkipped) {
+std::unique_ptr<SourceFile> OpenOrFail(Source& source, bool* markSkipped, ReadProgress& progress) {
     errno = 0;
-    std::unique_ptr<SourceFile> file = OpenAsMap(source, markSkipped);
+    std::unique_ptr<SourceFile> file = OpenAsMap(source, markSkipped, &progress);
     if (file) return file;
     const int reason = errno != 0                                                         ? errno
                        : client::KindOfFile(source.Name()) == client::FileKind::directory ? EISDIR
@@ -220,10 +221,12 @@ std::unique_ptr<SourceFile> OpenOrFail(Source& source, bool* markSkipped) {
     throw Failure(VKM_ERROR_OPEN, std::generic_category().message(reason), source.Name());
 }
 
-std::function<size_t(char*, size_t)> BytesOf(SourceFile& file, const Source& source) {
-    return [&file, &source](char* to, size_t count) {
+std::function<size_t(char*, size_t)> BytesOf(SourceFile& file, const Source& source, const Options& options,
+                                             const ReadProgress& progress) {
+    return [&](char* to, size_t count) {
         const int64_t got = file.Read(to, count);
         if (got < 0) throw Failure(VKM_ERROR_READ, "reading failed", source.Name());
+        TellProgress(options, progress.Part(), source.Name());
         return static_cast<size_t>(got);
     };
 }

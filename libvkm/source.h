@@ -14,6 +14,8 @@
 namespace vemrado::capi {
 
 // One opening of a source.
+struct Options;
+
 class SourceFile {
   public:
     SourceFile() = default;
@@ -63,10 +65,12 @@ std::unique_ptr<SourceFile> OpenAsMap(Source& source, bool* markSkipped = nullpt
                                       ReadProgress* progress = nullptr);
 
 // The same for readers that do not go through the module: throws Failure when it cannot be opened.
-std::unique_ptr<SourceFile> OpenOrFail(Source& source, bool* markSkipped = nullptr);
+std::unique_ptr<SourceFile> OpenOrFail(Source& source, bool* markSkipped, ReadProgress& progress);
 
-// Its bytes for the checked reading; throws Failure when reading fails. Both outlive it.
-std::function<size_t(char*, size_t)> BytesOf(SourceFile& file, const Source& source);
+// Its bytes for the checked reading, with progress told to the caller; throws Failure when reading fails or
+// the caller stops it. All outlive it.
+std::function<size_t(char*, size_t)> BytesOf(SourceFile& file, const Source& source, const Options& options,
+                                             const ReadProgress& progress);
 
 // A table of the symbology where the module's own way to files does not take every name; null: it does.
 std::unique_ptr<SourceFile> OpenTable(const char* path);

@@ -4,7 +4,6 @@ from __future__ import annotations
 
 import io
 import os
-import pickle
 import re
 import subprocess
 import sys
@@ -87,8 +86,6 @@ def test_any_order_of_calls(steps, threads) -> None:  # type: ignore[no-untyped-
         (lambda: vemrado.read_many(["a.vkm"], threads=-1), ValueError, "not read by -1 threads"),
         (lambda: vemrado.open(SMALL).lines.rows_in((0, 1)), ValueError, "a box is four numbers"),
         (lambda: vemrado.open(SMALL, encoding="koi8-r"), ValueError, "koi8-r"),
-        (lambda: pickle.dumps(vemrado.open(SMALL)), TypeError, "its path can"),
-        (lambda: pickle.dumps(vemrado.open(SMALL).lines), TypeError, "its frames and arrays can"),
     ],
 )
 def test_says_what_is_wrong(call: Callable[[], object], error: type[Exception], sentence: str) -> None:

@@ -132,9 +132,15 @@ class Sources(unittest.TestCase):
         big = HEAD + TURN * 20000
         stop = vkm.OnProgress(lambda _, part: 1)
         reader = opened(big, on_progress=stop)
-        with self.assertRaises(vkm.Failed) as failed:
-            LIBRARY.elements(reader)
-        self.assertEqual(failed.exception.status, -6)
+        finding, change = vkm.OnFinding(lambda *_: 0), vkm.OnChange(lambda *_: 0)
+        for read in [
+            lambda: LIBRARY.elements(reader),
+            lambda: LIBRARY.call("vkm_check", reader, None, finding, None),
+            lambda: LIBRARY.call("vkm_diff", reader, reader, None, change, None),
+        ]:
+            with self.assertRaises(vkm.Failed) as failed:
+                read()
+            self.assertEqual(failed.exception.status, -6)
         LIBRARY.lib.vkm_close(reader)
 
 
