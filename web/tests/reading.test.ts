@@ -126,3 +126,23 @@ test("a source that fails in its middle is told with the line", () => {
     engine.speak("en");
     engine.clear();
 });
+
+test("of many findings the most severe are listed, in the order of the file", () => {
+    const path = join(folder, "faults.vkm");
+    const cut = "&L P 1x 2 K=21900\n L 3 4\n";
+    writeFileSync(path, `&V S-JTSK 0 0\n&G 1 1\n${cut.repeat(50)}&L Q 5 6\n${cut.repeat(50)}`);
+    const sheet = engine.open(sourceOf(path));
+    const whole = engine.check(sheet, 10_000);
+    assert.ok(whole.error >= 2 && whole.warning > 100);
+    const errors = whole.findings.filter(({ severity }) => severity === "error");
+    assert.deepEqual(engine.check(sheet, errors.length).findings, errors);
+    const short = engine.check(sheet, errors.length + 5);
+    assert.deepEqual({ ...short, findings: [] }, { ...whole, findings: [] });
+    const warnings = whole.findings.filter(({ severity }) => severity === "warning").slice(0, 5);
+    const wanted = new Set([...errors, ...warnings]);
+    assert.deepEqual(
+        short.findings,
+        whole.findings.filter((finding) => wanted.has(finding)),
+    );
+    engine.clear();
+});

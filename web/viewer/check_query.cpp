@@ -1,7 +1,10 @@
 // The findings of a file for the page, in every language that it may turn to.
 
+#include <algorithm>
 #include <array>
+#include <string>
 #include <utility>
+#include <vector>
 
 #include "byte_source.h"
 #include "json.h"
@@ -14,15 +17,51 @@ namespace {
 constexpr std::array<std::pair<const char*, map::Language>, 3> languages = {
     {{"en", map::Language::english}, {"cs", map::Language::czech}, {"de", map::Language::german}}};
 
+// Keeps the most severe findings, in the order of the file.
 class FindingList : public map::FindingSink {
   public:
-    FindingList(client::Encoding encoding, size_t mostKept) : decoder(encoding), most(mostKept) {
-        json.Begin('[');
-    }
+    FindingList(client::Encoding encoding, size_t mostKept) : decoder(encoding), most(mostKept) {}
 
     void Take(const map::Finding& finding) override {
-        ++counts[static_cast<size_t>(map::TextOf(finding.rule).severity)];
-        if (kept++ >= most) return;
+        const auto severity = static_cast<size_t>(map::TextOf(finding.rule).severity);
+        if (counts[severity]++ >= most) return;
+        kept.push_back({severity, TextOf(finding)});
+        // Rarely, so that each finding is looked at a few times only.
+        if (kept.size() >= 2 * most) LeaveMostSevere();
+    }
+
+    std::string Finished() {
+        LeaveMostSevere();
+        Json answer;
+        answer.Begin('{');
+        for (size_t i = 0; i < counts.size(); ++i) answer.Member(map::severityNames[i], counts[i]);
+        answer.Key("findings").Begin('[');
+        for (const Kept& finding : kept) answer.Literal(finding.json);
+        return answer.End(']').End('}').Text();
+    }
+
+  private:
+    struct Kept {
+        size_t severity;
+        std::string json;
+    };
+
+    void LeaveMostSevere() {
+        size_t room = most;
+        std::array<size_t, map::severityNames.size()> wanted{};
+        for (size_t severity = counts.size(); severity-- > 0;) {
+            wanted[severity] = std::min(counts[severity], room);
+            room -= wanted[severity];
+        }
+        std::erase_if(kept, [&](const Kept& finding) {
+            if (wanted[finding.severity] == 0) return true;
+            --wanted[finding.severity];
+            return false;
+        });
+    }
+
+    std::string TextOf(const map::Finding& finding) {
+        json = Json();
         const map::RuleText& rule = map::TextOf(finding.rule);
         json.Begin('{').Member("severity",
                                std::string(map::severityNames[static_cast<size_t>(rule.severity)]));
@@ -31,18 +70,9 @@ class FindingList : public map::FindingSink {
         json.Member("line", finding.place.line).Member("column", finding.place.column);
         // The picture has north up.
         if (finding.point) json.Member("x", -finding.point->y).Member("y", -finding.point->x);
-        json.End('}');
+        return json.End('}').Text();
     }
 
-    std::string Finished() {
-        Json answer;
-        json.End(']');
-        answer.Begin('{');
-        for (size_t i = 0; i < counts.size(); ++i) answer.Member(map::severityNames[i], counts[i]);
-        return answer.Key("findings").Literal(json.Text()).End('}').Text();
-    }
-
-  private:
     void PutMessages(const map::Finding& finding) {
         const std::string field = decoder.Decode(finding.field);
         json.Key("messages").Begin('{');
@@ -53,8 +83,8 @@ class FindingList : public map::FindingSink {
 
     client::TextDecoder decoder;
     size_t most;
-    size_t kept = 0;
-    std::array<size_t, map::severityNames.size()> counts{};
+    std::vector<Kept> kept;
+    std::array<size_t, map::severityNames.size()> counts{};  // of all findings
     Json json;
 };
 
