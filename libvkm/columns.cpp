@@ -1,10 +1,10 @@
 #include <algorithm>
-#include <cerrno>
 #include <deque>
 #include <mutex>
 #include <span>
 #include <stdexcept>
 
+#include "batch_stream.h"
 #include "failure.h"
 #include "map/columns.h"
 #include "map/parcel_material.h"
@@ -159,54 +159,20 @@ class Passage {
     std::exception_ptr failure;
 };
 
-// What an Arrow stream holds.
-struct ColumnStream {
+// One of the tables of a passage.
+class ColumnStream : public BatchStream {
+  public:
     ColumnStream(std::shared_ptr<Passage> streamPassage, size_t streamTable)
         : passage(std::move(streamPassage)), table(streamTable) {}
-    ~ColumnStream() { passage->Drop(table); }
+    ~ColumnStream() override { passage->Drop(table); }
 
+    void Schema(ArrowSchema* schema) override { passage->Schema(table, schema); }
+    void Batch(ArrowArray* batch) override { passage->Batch(table, batch); }
+
+  private:
     std::shared_ptr<Passage> passage;
     size_t table;
-    std::string lastError;
 };
-
-int ErrorNumber(vkm_status status) {
-    return status == VKM_ERROR_MEMORY ? ENOMEM : status == VKM_ERROR_STOPPED ? ECANCELED : EIO;
-}
-
-// Runs a function of the stream: 0, or an error number after the reason has been kept.
-template <typename Function>
-int Answer(ArrowArrayStream* arrow, Function function) noexcept {
-    auto& stream = *static_cast<ColumnStream*>(arrow->private_data);
-    vkm_error* error = nullptr;
-    const vkm_status status = Guarded(&error, [&] {
-        stream.lastError.clear();
-        function(stream);
-        return VKM_OK;
-    });
-    if (status == VKM_OK) return 0;
-    if (error != nullptr) stream.lastError.swap(error->text);
-    vkm_error_free(error);
-    return ErrorNumber(status);
-}
-
-int GetSchema(ArrowArrayStream* arrow, ArrowSchema* schema) {
-    return Answer(arrow, [&](ColumnStream& stream) { stream.passage->Schema(stream.table, schema); });
-}
-
-int GetNext(ArrowArrayStream* arrow, ArrowArray* batch) {
-    return Answer(arrow, [&](ColumnStream& stream) { stream.passage->Batch(stream.table, batch); });
-}
-
-const char* GetLastError(ArrowArrayStream* arrow) {
-    const auto& stream = *static_cast<ColumnStream*>(arrow->private_data);
-    return stream.lastError.empty() ? nullptr : stream.lastError.c_str();
-}
-
-void ReleaseStream(ArrowArrayStream* arrow) {
-    delete static_cast<ColumnStream*>(arrow->private_data);
-    arrow->release = nullptr;
-}
 
 }  // namespace
 }  // namespace vemrado::capi
@@ -228,8 +194,7 @@ vkm_status vkm_streams(vkm_reader* reader, const vkm_table* tables, size_t count
         const auto passage = std::make_shared<Passage>(reader->source, reader->options, wanted);
         std::vector<std::unique_ptr<ColumnStream>> made;
         for (size_t i = 0; i < count; ++i) made.push_back(std::make_unique<ColumnStream>(passage, i));
-        for (size_t i = 0; i < count; ++i)
-            streams[i] = {GetSchema, GetNext, GetLastError, ReleaseStream, made[i].release()};
+        for (size_t i = 0; i < count; ++i) BatchStream::HandOut(std::move(made[i]), &streams[i]);
         return VKM_OK;
     });
 }

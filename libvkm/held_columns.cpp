@@ -8,6 +8,7 @@
 #include <string_view>
 #include <vector>
 
+#include "batch_stream.h"
 #include "failure.h"
 #include "vemrado/vkm_arrow.h"
 
@@ -138,17 +139,15 @@ struct NamedBatch {
     size_t table;
 };
 
-// What a stream over held tables holds.
-struct HeldStream {
-    SharedSchema schema;
-    SharedSchema textField;  // null: no column is added
-    std::vector<NamedBatch> batches;
-    std::vector<std::string> texts;  // of each table
-    bool largeTexts = false;
-    size_t next = 0;
-    bool outOfMemory = false;
+size_t RowsOf(const ArrowArray& batch) {
+    return static_cast<size_t>(batch.offset + batch.length);
+}
 
-    size_t RowsOf(const ArrowArray& batch) const { return static_cast<size_t>(batch.offset + batch.length); }
+class HeldStream : public BatchStream {
+  public:
+    explicit HeldStream(SharedSchema ofTables) : schema(std::move(ofTables)) {}
+
+    void Add(const SharedBatch& batch, size_t table) { batches.push_back({batch, table}); }
 
     void AddTexts(std::string column, std::span<const char* const> ofTables) {
         texts.assign(ofTables.begin(), ofTables.end());
@@ -159,7 +158,9 @@ struct HeldStream {
         textField = std::make_shared<TextField>(std::move(column), largeTexts);
     }
 
-    void Next(ArrowArray* array) {
+    void Schema(ArrowSchema* shown) override { Show(schema->node, schema, shown, textField); }
+
+    void Batch(ArrowArray* array) override {
         if (next == batches.size()) return;
         const NamedBatch& one = batches[next];
         const ArrowArray& batch = one.batch->node;
@@ -171,45 +172,15 @@ struct HeldStream {
         Show(batch, one.batch, array, text);
         ++next;
     }
+
+  private:
+    SharedSchema schema;
+    SharedSchema textField;  // null: no column is added
+    std::vector<NamedBatch> batches;
+    std::vector<std::string> texts;  // of each table
+    bool largeTexts = false;
+    size_t next = 0;
 };
-
-// Memory is all that such a stream can lack.
-template <typename Function>
-int Answer(ArrowArrayStream* arrow, Function function) noexcept {
-    auto& stream = *static_cast<HeldStream*>(arrow->private_data);
-    stream.outOfMemory = false;
-    try {
-        function(stream);
-        return 0;
-    } catch (const std::exception&) {
-        stream.outOfMemory = true;
-        return ENOMEM;
-    }
-}
-
-int GetSchema(ArrowArrayStream* arrow, ArrowSchema* schema) {
-    return Answer(arrow, [&](HeldStream& stream) {
-        *schema = {};
-        Show(stream.schema->node, stream.schema, schema, stream.textField);
-    });
-}
-
-int GetNext(ArrowArrayStream* arrow, ArrowArray* batch) {
-    return Answer(arrow, [&](HeldStream& stream) {
-        *batch = {};
-        stream.Next(batch);
-    });
-}
-
-const char* GetLastError(ArrowArrayStream* arrow) {
-    return static_cast<HeldStream*>(arrow->private_data)->outOfMemory ? vkm_status_text(VKM_ERROR_MEMORY)
-                                                                      : nullptr;
-}
-
-void ReleaseStream(ArrowArrayStream* arrow) {
-    delete static_cast<HeldStream*>(arrow->private_data);
-    arrow->release = nullptr;
-}
 
 // --- Reading ---
 
@@ -283,17 +254,17 @@ vkm_status vkm_columns_stream(const vkm_columns* const* tables, size_t count, co
             tables != nullptr && count > 0 && stream != nullptr && (name == nullptr) == (texts == nullptr),
             "vkm_columns_stream: null");
         *stream = {};
-        auto made = std::make_unique<HeldStream>();
         for (size_t i = 0; i < count; ++i) {
             Require(tables[i] != nullptr && (texts == nullptr || texts[i] != nullptr),
                     "vkm_columns_stream: null");
             Require(SameKind(tables[0]->schema->node, tables[i]->schema->node),
                     "vkm_columns_stream: the tables have different columns");
-            for (const SharedBatch& batch : tables[i]->batches) made->batches.push_back({batch, i});
         }
-        made->schema = tables[0]->schema;
+        auto made = std::make_unique<HeldStream>(tables[0]->schema);
+        for (size_t i = 0; i < count; ++i)
+            for (const SharedBatch& batch : tables[i]->batches) made->Add(batch, i);
         if (name != nullptr) made->AddTexts(name, {texts, count});
-        *stream = {GetSchema, GetNext, GetLastError, ReleaseStream, made.release()};
+        BatchStream::HandOut(std::move(made), stream);
         return VKM_OK;
     });
 }

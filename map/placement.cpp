@@ -33,7 +33,9 @@ Rotation::Rotation(AngleUnit unit, int axisOrientation) : perTurn(400), turn(Tur
 }
 
 double Rotation::Degrees(double valueU) const {
-    const double degrees = std::fmod(valueU, perTurn) / perTurn * 360;
+    // What is less than a turn is its own remainder.
+    const double part = std::abs(valueU) < perTurn ? valueU : std::fmod(valueU, perTurn);
+    const double degrees = part / perTurn * 360;
     if (turn.east == 0 && !turn.mirrored) return degrees;
     return std::fmod(turn.east + (turn.mirrored ? -degrees : degrees), 360);
 }
