@@ -95,17 +95,22 @@ def test_failures_are_told(tmp_path: Path) -> None:
         vemrado.open(io.StringIO("text"))  # type: ignore[arg-type]
 
 
-def test_an_incomplete_map_is_a_warning_or_an_error() -> None:
+def test_an_incomplete_map_is_a_warning_or_an_error(tmp_path: Path) -> None:
     cut = SMALL.replace(b"&K\n", b"")
     with vemrado.open(cut) as opened:
         with pytest.warns(vemrado.IncompleteMapWarning):
             assert len(opened.texts) == 1
         assert not opened.complete
     with vemrado.open(cut, strict=True) as opened:
-        for read in (lambda: opened.texts, lambda: list(opened)):
+        readings = lambda: opened.texts, lambda: list(opened), lambda: opened.render(format="svg")
+        for read in readings:
             with pytest.raises(vemrado.ReadError, match="closing record") as caught:
                 read()
             assert caught.value.line == 13
+    drawn = tmp_path / "cut.svg"
+    with pytest.raises(vemrado.ReadError):
+        vemrado.render(cut, drawn, strict=True)
+    assert not drawn.exists()
     with vemrado.open(SMALL.replace(b"\xe8", b"\x81")) as opened:
         with pytest.warns(vemrado.MapWarning):
             assert opened.texts["text"][1] == "\ufffdást"

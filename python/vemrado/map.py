@@ -134,13 +134,7 @@ class Map:
     def complete(self) -> bool:
         """Whether the closing record is there: no element was lost at the end of the file."""
         if self._complete is None:
-            reader = self._open_another()
-            element = POINTER(_library.Element)()
-            try:
-                while self._next(reader, element, "ignore"):
-                    pass
-            finally:
-                close_reader(reader)
+            self._read_through("ignore")
         assert self._complete is not None
         return self._complete
 
@@ -224,9 +218,22 @@ class Map:
         should, and with ``strict=True`` it is looked at before.
         """
         self._check_tables([name])
-        if self._incomplete == "error" and not self.complete:
-            raise ReadError(f"{self.name}: the file ends without its closing record", self.name)
+        self._refuse_incomplete()
         return RowStream(partial(self._new_stream, name))
+
+    def _refuse_incomplete(self) -> None:
+        """With ``strict=True``, before anything comes of an incomplete map."""
+        if self._incomplete == "error" and not self._complete:
+            self._read_through("error")
+
+    def _read_through(self, incomplete: str) -> None:
+        reader = self._open_another()
+        element = POINTER(_library.Element)()
+        try:
+            while self._next(reader, element, incomplete):
+                pass
+        finally:
+            close_reader(reader)
 
     def _new_stream(self, name: str) -> _arrow.ArrowArrayStream:
         options = _library.Options.from_buffer_copy(self._options)

@@ -52,6 +52,8 @@ def render(
 
     Raises
     ------
+    ReadError
+        With ``strict=True`` for an incomplete map, of which no picture is made.
     WriteError
         When the picture cannot be written.
     UnsupportedError
@@ -68,6 +70,7 @@ def render(
         picture.box = (c_double * 4)(*four_numbers(bbox))
     picture.symbols = bool(symbols)
     with opened_map(source, **options) as opened:
+        opened._refuse_incomplete()
         if out is not None:
             with opened._using() as reader, Call() as call:
                 call.check(lib.vkm_render(reader, byref(picture), encoded(path_text(out)), call.error))
