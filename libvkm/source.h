@@ -13,9 +13,9 @@
 
 namespace vemrado::capi {
 
-// One opening of a source.
 struct Options;
 
+// One opening of a source.
 class SourceFile {
   public:
     SourceFile() = default;

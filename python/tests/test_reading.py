@@ -98,8 +98,10 @@ def test_failures_are_told(tmp_path: Path) -> None:
 def test_an_incomplete_map_is_a_warning_or_an_error(tmp_path: Path) -> None:
     cut = SMALL.replace(b"&K\n", b"")
     with vemrado.open(cut) as opened:
-        with pytest.warns(vemrado.IncompleteMapWarning):
+        with pytest.warns(vemrado.IncompleteMapWarning) as told:
             assert len(opened.texts) == 1
+            vemrado.render(cut, format="svg")
+        assert [one.filename for one in told] == [__file__] * 2
         assert not opened.complete
     with vemrado.open(cut, strict=True) as opened:
         readings = lambda: opened.texts, lambda: list(opened), lambda: opened.render(format="svg")

@@ -2,7 +2,10 @@
 
 from __future__ import annotations
 
+import contextlib
 import errno
+import os
+import sys
 import threading
 import warnings
 from ctypes import byref, c_void_p
@@ -97,6 +100,19 @@ def _text(value: Optional[bytes]) -> str:
     return (value or b"").decode("utf-8", "replace")
 
 
+_PACKAGE = os.path.join(os.path.dirname(__file__), "")
+
+
+def tell(warning: MapWarning) -> None:
+    """Warns of the line that uses the package, through however many functions of it."""
+    level = 2
+    frame = sys._getframe(1)
+    while frame.f_back is not None and frame.f_code.co_filename.startswith((_PACKAGE, contextlib.__file__)):
+        level += 1
+        frame = frame.f_back
+    warnings.warn(warning, stacklevel=level)
+
+
 class Call:
     """One call of the library: its error becomes an exception, its warnings are told after it.
 
@@ -135,7 +151,7 @@ class Call:
                     continue
                 if self._incomplete == "error":
                     raise ReadError(warning.reason, warning.filename, warning.line)
-            warnings.warn(warning, stacklevel=4)
+            tell(warning)
 
     def check(self, status: int) -> int:
         """Returns the status when it is no failure."""

@@ -7,7 +7,7 @@ from concurrent.futures import ThreadPoolExecutor
 from typing import Any, Iterable, Iterator, Optional, TypeVar, Union
 
 from ._source import Layers, int32, path_text, several
-from .errors import MapError, MapWarning
+from .errors import MapError, MapWarning, tell
 from .map import open
 from .table import Table
 
@@ -67,8 +67,6 @@ def read_many(
     Table
         The rows in the order of the paths, with the column ``source`` that has each row's file.
     """
-    import warnings
-
     if on_error not in ("raise", "warn"):
         raise ValueError(f"on_error is 'raise' or 'warn', not {on_error!r}")
     names = sheet_names(paths)
@@ -93,7 +91,7 @@ def read_many(
                     tables.append(made)
                     sources.append(name)
                 else:
-                    warnings.warn(MapWarning(f"{made}; left out"), stacklevel=2)
+                    tell(MapWarning(f"{made}; left out"))
         except BaseException:
             pool.shutdown(wait=False, cancel_futures=True)
             raise
