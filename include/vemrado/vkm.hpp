@@ -41,6 +41,18 @@ class Error : public std::runtime_error {
     std::uint64_t fileLine;
 };
 
+namespace detail {
+
+[[noreturn]] inline void Throw(vkm_status status, vkm_error* error) {
+    if (error == nullptr) throw Error(status, vkm_status_text(status));
+    const Error thrown(vkm_error_status(error), vkm_error_text(error), vkm_error_file(error),
+                       vkm_error_line(error));
+    vkm_error_free(error);
+    throw thrown;
+}
+
+}  // namespace detail
+
 // Elements in a row that belong to somebody else.
 template <typename Value>
 class Span {
@@ -192,7 +204,7 @@ class Reader {
         vkm_error* error = nullptr;
         const vkm_status status = vkm_next(reader, &element, &error);
         if (status == VKM_OK) return Element(*element);
-        if (status != VKM_END) Throw(status, error);
+        if (status != VKM_END) detail::Throw(status, error);
         return std::nullopt;
     }
 
@@ -332,18 +344,11 @@ class Reader {
         return {reinterpret_cast<const char*>(text.data()), text.size()};
     }
 
-    [[noreturn]] static void Throw(vkm_status status, vkm_error* error) {
-        if (error == nullptr) throw Error(status, vkm_status_text(status));
-        const Error thrown(vkm_error_status(error), vkm_error_text(error), vkm_error_file(error),
-                           vkm_error_line(error));
-        vkm_error_free(error);
-        throw thrown;
-    }
     template <typename Call>
     static vkm_status Check(Call call) {
         vkm_error* error = nullptr;
         const vkm_status status = call(&error);
-        if (status < 0) Throw(status, error);
+        if (status < 0) detail::Throw(status, error);
         return status;
     }
     vkm_status Own(vkm_reader* opened) {
@@ -361,32 +366,61 @@ class Reader {
     vkm_reader* reader = nullptr;
 };
 
+namespace detail {
+
+// Runs a function of vkm.h that tells of items one by one. What the caller's function throws ends it and
+// comes out here.
+template <typename Item, typename Told, typename Run>
+void TellOfEach(Told& told, Run run) {
+    struct Call {
+        Told& told;
+        std::exception_ptr thrown;
+    } call{told, nullptr};
+    vkm_error* error = nullptr;
+    const vkm_status status = run(
+        [](void* context, const Item* item) -> std::int32_t {
+            Call& callers = *static_cast<Call*>(context);
+            try {
+                callers.told(*item);
+                return 0;
+            } catch (...) {
+                callers.thrown = std::current_exception();
+                return 1;
+            }
+        },
+        &call, &error);
+    if (!call.thrown && status < 0) Throw(status, error);
+    vkm_error_free(error);
+    if (call.thrown) std::rethrow_exception(call.thrown);
+}
+
+}  // namespace detail
+
 // A finding of Check; valid during the call.
 using Finding = vkm_finding;
 
 // Calls found(const Finding&) for everything that is wrong with the map.
 template <typename Found>
 void Check(const Reader& reader, Found found) {
-    std::exception_ptr thrown;
-    const auto call = [&](const vkm_finding& finding) -> std::int32_t {
-        try {
-            found(finding);
-            return 0;
-        } catch (...) {
-            thrown = std::current_exception();
-            return 1;
-        }
-    };
-    using Call = decltype(call);
-    vkm_error* error = nullptr;
-    const vkm_status status = vkm_check(
-        reader.Raw(), nullptr,
-        [](void* context, const vkm_finding* finding) { return (*static_cast<Call*>(context))(*finding); },
-        const_cast<void*>(static_cast<const void*>(&call)), &error);
-    const std::string text = error != nullptr ? vkm_error_text(error) : vkm_status_text(status);
-    vkm_error_free(error);
-    if (thrown) std::rethrow_exception(thrown);
-    if (status < 0) throw Error(status, text);
+    detail::TellOfEach<Finding>(found, [&](vkm_on_finding call, void* context, vkm_error** error) {
+        return vkm_check(reader.Raw(), nullptr, call, context, error);
+    });
+}
+
+// A change of Diff; valid during the call.
+using Change = vkm_change;
+
+// Calls changed(const Change&) for everything that differs between two states of a map. A text has moved when
+// it lies farther away than the tolerance, in metres; none: that of vkm.h.
+template <typename Changed>
+void Diff(const Reader& before, const Reader& after, Changed changed,
+          std::optional<double> tolerance = std::nullopt) {
+    vkm_diff_options options;
+    vkm_diff_options_init(&options);
+    if (tolerance) options.tolerance = *tolerance;
+    detail::TellOfEach<Change>(changed, [&](vkm_on_change call, void* context, vkm_error** error) {
+        return vkm_diff(before.Raw(), after.Raw(), &options, call, context, error);
+    });
 }
 
 }  // namespace vkm
