@@ -217,8 +217,8 @@ def _encoding_name(encoding: str) -> bytes:
 
 
 def _layer_numbers(layer: Union[int, Iterable[int]]) -> list[int]:
-    several: Iterable[Any] = layer if isinstance(layer, Iterable) else [layer]
-    numbers = [int32(number, "a layer") for number in several]
+    asked: Iterable[Any] = layer if isinstance(layer, Iterable) else [layer]
+    numbers = [int32(number, "a layer") for number in asked]
     if not numbers:
         raise ValueError("no layer is asked for; None asks for all")
     return numbers

@@ -61,9 +61,14 @@ export class Opening {
     // Offers the sheets to another Worker.
     async offerTo(starting: Promise<Client>, onlyParcels: boolean): Promise<Client> {
         const client = await starting;
-        if (this.symbology.length > 0) await client.call("useSymbology", this.symbology);
-        for (const { name, blob } of this.files)
-            await client.call("offer", name, blob, this.encoding, onlyParcels);
+        try {
+            if (this.symbology.length > 0) await client.call("useSymbology", this.symbology);
+            for (const { name, blob } of this.files)
+                await client.call("offer", name, blob, this.encoding, onlyParcels);
+        } catch (error) {
+            client.end();
+            throw error;
+        }
         return client;
     }
 
